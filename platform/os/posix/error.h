@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/os/os.h"
+
+namespace vx::os {
+
+/** The Error for errno value `code`. */
+Error errorOf(int code) noexcept;
+
+}
+
+/** First line of a verb: fail here when a test refuses it. `result` is what the verb returns then. */
+#define VX_OS_VERB(name)                                                                                     \
+    do {                                                                                                     \
+        if (vx::fault::refused(vx::fault::Kind::verb, name)) {                                               \
+            errno = EIO;                                                                                     \
+            return vx::os::Error::other;                                                                     \
+        }                                                                                                    \
+    } while (false)

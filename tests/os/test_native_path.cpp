@@ -1,0 +1,60 @@
+#include "platform/os/native_path.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/code_page.h"
+#include "tests/support/temp_folder.h"
+
+using namespace vx;
+
+namespace {
+
+std::string back(const char *native)
+{
+    char out[300];
+    return os::fromNative(native, out, sizeof out) == os::Error::none ? out : "(does not fit)";
+}
+
+TEST(NativePath, SeparatorsAreTranslatedOnlyWhereTheyAreCharacters)
+{
+    test::CodePageScope japanese(932);
+    EXPECT_STREQ(os::NativePath("\\a\\b/c").c_str(), "/a/b/c");
+    // 0x5C is the trail byte of this character, not a separator.
+    EXPECT_STRNE(os::NativePath("\\\x83\x5C").c_str(), "/\x83/");
+}
+
+TEST(NativePath, DrivesGoThroughTheMapAndComeBackByTheLongestPrefix)
+{
+    test::Environment map("VX_DRIVE_MAP", "D=/mnt/d;p=/srv/p/;Q=/mnt/d/q");
+    EXPECT_STREQ(os::NativePath("d:\\a").c_str(), "/mnt/d/a");
+    EXPECT_STREQ(os::NativePath("P:a").c_str(), "/srv/p/a");
+    EXPECT_EQ(os::NativePath("X:\\a").error(), os::Error::notFound);
+    EXPECT_EQ(back("/mnt/d/a"), "D:\\a");
+    EXPECT_EQ(back("/mnt/d/q/b"), "Q:\\b");
+    EXPECT_EQ(back("/mnt/d"), "D:\\");
+    EXPECT_EQ(back("/mnt/data"), "\\mnt\\data");
+}
+
+TEST(NativePath, WhatTheCodePageLacksBecomesAQuestionMark)
+{
+    test::CodePageScope western(1252);
+    EXPECT_EQ(back("/tmp/\xE5\x9B\xB3"), "\\tmp\\?");
+    test::CodePageScope utf8(65001);
+    EXPECT_EQ(back("/tmp/\xE5\x9B\xB3"), "\\tmp\\\xE5\x9B\xB3");
+}
+
+TEST(NativePath, TheLongestNameFitsAndOneMoreDoesNot)
+{
+    std::string name(4096, 'a');
+    EXPECT_EQ(os::NativePath(name.c_str()).error(), os::Error::none);
+    name += 'a';
+    EXPECT_EQ(os::NativePath(name.c_str()).error(), os::Error::nameTooLong);
+    char out[5];
+    EXPECT_EQ(os::fromNative("/abc", out, sizeof out), os::Error::none);
+    EXPECT_EQ(os::fromNative("/abcd", out, sizeof out), os::Error::nameTooLong);
+    EXPECT_STREQ(out, "");
+}
+
+}
