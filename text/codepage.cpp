@@ -80,6 +80,21 @@ constexpr CodePage pages[] = {
 std::atomic<int32_t> multibyteSet{0};
 std::atomic<int32_t> systemSet{-1};
 
+const CodePage &choosePage() noexcept
+{
+    int32_t number = multibyteCodePage();
+    if (number == 0)
+        number = systemCodePage();
+    const CodePage *page = findCodePage(number);
+    return page ? *page : pages[0];
+}
+
+/** The number of a page that the toolkit has, else 0. */
+int32_t known(int32_t number) noexcept
+{
+    return findCodePage(number) ? number : 0;
+}
+
 }
 
 namespace detail {
@@ -88,14 +103,10 @@ std::atomic<const CodePage *> current{nullptr};
 
 const CodePage &resolveCurrent() noexcept
 {
-    int32_t number = multibyteCodePage();
-    if (number == 0)
-        number = systemCodePage();
-    const CodePage *page = findCodePage(number);
-    if (!page)
-        page = &pages[0];
-    current.store(page, std::memory_order_release);
-    return *page;
+    const CodePage *page = &choosePage();
+    // Another thread may have set a page since this one looked; that one stands.
+    const CodePage *none = nullptr;
+    return current.compare_exchange_strong(none, page) ? *page : *none;
 }
 
 // Well-formed sequences only: no overlong forms, no surrogates, nothing above
@@ -124,9 +135,14 @@ int utf8CharBytes(const char *p) noexcept
 
 void setCodePage(int32_t multibyte, int32_t system) noexcept
 {
-    multibyteSet = multibyte;
-    systemSet = system;
-    detail::resolveCurrent();
+    systemSet = system == -1 ? -1 : known(system);
+    setMultibyteCodePage(multibyte);
+}
+
+void setMultibyteCodePage(int32_t multibyte) noexcept
+{
+    multibyteSet = known(multibyte);
+    detail::current = &choosePage();
 }
 
 int32_t multibyteCodePage() noexcept
