@@ -89,6 +89,29 @@ const CodePage &choosePage() noexcept
     return page ? *page : pages[0];
 }
 
+// Both are asked about a byte that may continue a character.
+
+size_t utf8BoundaryBefore(const char *text, size_t position) noexcept
+{
+    for (size_t back = 1; back <= 3 && back <= position; ++back) {
+        const char *start = text + position - back;
+        if ((*start & 0xC0) != 0x80)
+            return static_cast<size_t>(detail::utf8CharBytes(start)) > back ? position - back : position;
+    }
+    return position;
+}
+
+size_t pairBoundaryBefore(const CodePage &page, const char *text, size_t position) noexcept
+{
+    // Back to a byte that begins a character because it cannot be the second
+    // of a pair. From there on all are pairs, so that counting is enough.
+    size_t start = position;
+    while (start > 0 && page.has(text[start], CodePage::trailByte) &&
+           page.has(text[start - 1], CodePage::leadByte))
+        --start;
+    return position - (position - start) % 2;
+}
+
 /** The number of a page that the toolkit has, else 0. */
 int32_t known(int32_t number) noexcept
 {
@@ -181,28 +204,10 @@ ByteType byteType(const CodePage &page, const char *text, size_t position) noexc
 
 size_t boundaryBefore(const CodePage &page, const char *text, size_t position) noexcept
 {
-    if (page.kind == CodePage::Kind::singleByte)
+    if (!page.has(text[position], CodePage::trailByte))
         return position;
-    // Back over bytes that may have begun a character reaching `position`, to
-    // one that surely did not; characters are then counted off from there.
-    size_t start = position;
-    if (page.kind == CodePage::Kind::utf8) {
-        if (!page.has(text[position], CodePage::trailByte))
-            return position;
-        while (start > 0 && position - start < 3 && page.has(text[start], CodePage::trailByte))
-            --start;
-    } else {
-        if (!page.has(text[position], CodePage::trailByte))
-            return position;
-        while (start > 0 && page.has(text[start - 1], CodePage::leadByte))
-            --start;
-    }
-    for (;;) {
-        size_t next = start + static_cast<size_t>(charBytes(page, text + start));
-        if (next > position)
-            return start;
-        start = next;
-    }
+    return page.kind == CodePage::Kind::utf8 ? utf8BoundaryBefore(text, position)
+                                             : pairBoundaryBefore(page, text, position);
 }
 
 }

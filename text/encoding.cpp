@@ -204,8 +204,7 @@ char *transcode(const char *text, const CodePage &from, const CodePage &to) noex
 
 const CodePage &utf8() noexcept
 {
-    static const CodePage &page = *findCodePage(65001);
-    return page;
+    return *findCodePage(65001);
 }
 
 }
