@@ -156,6 +156,25 @@ Error executablePath(char *out, size_t size) noexcept;
 /** The long form of an existing path where the system has short ones, else the path itself. */
 Error longPath(const char *path, char *out, size_t size) noexcept;
 
+/** The system's folder for temporary files, without a final separator unless it is a root. */
+Error temporaryFolder(char *out, size_t size) noexcept;
+
+// ---------------------------------------------------------------- standard streams
+
+/** What standard error was before it was redirected; opaque to callers. */
+struct SavedStream {
+    intptr_t handle = -1;
+};
+
+/** Send standard error to a file, which is emptied. A failure leaves all as it was. */
+Error redirectStandardError(const char *path, SavedStream &before) noexcept;
+
+/** Put back and release what redirectStandardError() gave. A failure keeps it. */
+Error restoreStandardError(SavedStream &before) noexcept;
+
+/** Release it without putting it back. */
+void forget(SavedStream &before) noexcept;
+
 // ---------------------------------------------------------------- settings
 
 /**
