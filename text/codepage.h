@@ -49,8 +49,15 @@ inline const CodePage &codePage() noexcept
     return page ? *page : detail::resolveCurrent();
 }
 
-/** Set the toolkit's code page and the system's; 0 leaves that one open, -1 asks the locale for the system's. */
+/**
+ * Set the toolkit's code page and the system's. 0, or a number that the
+ * toolkit has no page for, leaves that one open; -1 asks the locale for the
+ * system's.
+ */
 void setCodePage(int32_t multibyte, int32_t system) noexcept;
+
+/** As setCodePage(), but leaves the system's as it is. */
+void setMultibyteCodePage(int32_t multibyte) noexcept;
 
 /** The toolkit's code page as set; 0 for none. */
 int32_t multibyteCodePage() noexcept;
