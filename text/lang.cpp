@@ -4,6 +4,7 @@
 #include "vx/lang.h"
 #include "vx/lang.hpp"
 
+#include <initializer_list>
 #include <string_view>
 
 #include "text/codepage.h"
@@ -150,7 +151,8 @@ int32_t VxLangVerify(const char *kind)
         return 0;
     std::string_view name = currentLanguage().name;
     if (kind == std::string_view("DoubleByte"))
-        return isOneOf(name, {"Korean", "Japanese", "Chinese", "Chinese-simplified", "Chinese-traditional", "Thai"});
+        return isOneOf(name, {"Korean", "Japanese", "Chinese", "Chinese-simplified", "Chinese-traditional",
+                              "Thai"});
     if (isOneOf(name, {"Chinese", "Chinese-simplified"}))
         return isOneOf(kind, {"Chinese", "Chinese-simplified"});
     return kind == name;

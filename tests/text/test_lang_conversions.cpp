@@ -74,7 +74,8 @@ class Conversions : public testing::TestWithParam<int32_t> {
 protected:
     std::u16string wideNoise()
     {
-        constexpr char16_t common[] = {u'\\', u'U', u'u', u'+', u'0', u'9', u'a', u'F', u'g', 0xE9, 0x4E00, 0xAC00, 0xFF71};
+        constexpr char16_t common[] = {u'\\', u'U', u'u', u'+',   u'0',   u'9',  u'a',
+                                       u'F',  u'g', 0xE9, 0x4E00, 0xAC00, 0xFF71};
         std::u16string text;
         for (size_t n = random_() % 24; n > 0; --n)
             switch (random_() % 6) {
@@ -104,7 +105,8 @@ private:
     std::mt19937 random_{20261121};
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryCodePage, Conversions, testing::ValuesIn(everyPage), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(EveryCodePage, Conversions, testing::ValuesIn(everyPage),
+                         testing::PrintToStringParamName());
 
 TEST_P(Conversions, WideTextSurvivesTheWayThroughEscapesAndThroughTheCodePage)
 {
@@ -184,7 +186,8 @@ TEST(Escapes, AreReadInEitherCaseAndOnlyWhole)
     test::CodePageScope western(1252);
     EXPECT_EQ(wide("\\u+abCDx"), u"\uABCDx");
     EXPECT_EQ(parsed(u"\\u+abCDx\u4E00"), u"\uABCDx\u4E00");
-    for (const char16_t *text : {u"\\U+12G4", u"\\U+123", u"\\U-1234", u"\\x+1234", u"U+1234", u"\\U+12\u06604"})
+    for (const char16_t *text :
+         {u"\\U+12G4", u"\\U+123", u"\\U-1234", u"\\x+1234", u"U+1234", u"\\U+12\u06604"})
         EXPECT_EQ(parsed(text), text);
     for (const char *text : {"\\U+12G4", "\\U+123", "\\U-1234", "\\", "\\\\U+12"})
         EXPECT_EQ(escaped(wide(text)), text);
@@ -213,7 +216,8 @@ TEST(Conversion, BytesWithoutACharacterKeepTheirValue)
         EXPECT_EQ(wide("\x85\x9Fx\x81"), u"\u859Fx\u0081");
     }
     test::CodePageScope utf8(65001);
-    EXPECT_EQ(wide("\xE9\xF0\x9F\x98\x80\xC0\x80\xED\xA0\x80"), u"\u00E9\U0001F600\u00C0\u0080\u00ED\u00A0\u0080");
+    EXPECT_EQ(wide("\xE9\xF0\x9F\x98\x80\xC0\x80\xED\xA0\x80"),
+              u"\u00E9\U0001F600\u00C0\u0080\u00ED\u00A0\u0080");
     EXPECT_EQ(taken(VxStrToUTF8("\xE9")), "\xC3\xA9");
 }
 
@@ -299,9 +303,9 @@ TEST(Surrogates, PairUpAndStayAloneOtherwise)
         uint32_t high, low, codePoint;
         int32_t paired;
     } cases[] = {
-        {0xD83D, 0xDE00, 0x1F600, 1}, {0xD800, 0xDC00, 0x10000, 1},     {0xDBFF, 0xDFFF, 0x10FFFF, 1},
-        {0xDC00, 0xDC00, 0xDC00, 0},  {0xD7FF, 0xDC00, 0xD7FF, 0},      {0xD800, 0xDBFF, 0xD800, 0},
-        {0xD800, 0xE000, 0xD800, 0},  {0x1D83D, 0xDE00, 0x1D83D, 0},    {0xDE00, 0xD83D, 0xDE00, 0},
+        {0xD83D, 0xDE00, 0x1F600, 1}, {0xD800, 0xDC00, 0x10000, 1},  {0xDBFF, 0xDFFF, 0x10FFFF, 1},
+        {0xDC00, 0xDC00, 0xDC00, 0},  {0xD7FF, 0xDC00, 0xD7FF, 0},   {0xD800, 0xDBFF, 0xD800, 0},
+        {0xD800, 0xE000, 0xD800, 0},  {0x1D83D, 0xDE00, 0x1D83D, 0}, {0xDE00, 0xD83D, 0xDE00, 0},
     };
     for (const auto &[high, low, expected, paired] : cases) {
         uint32_t codePoint = 0;
