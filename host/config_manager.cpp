@@ -138,7 +138,7 @@ private:
     {
         bool needed = file == defaultsFile;
         if (path.empty())
-            EsLogGeneral("Options", EsLevelInformation, "no folder of the user is known for %s", fileNames[file]);
+            report(EsLevelInformation, fileNames[file], "no folder of the user is known");
         else
             report(needed ? EsLevelError : EsLevelInformation, path, "there is no such option file");
         return !needed;
@@ -156,7 +156,8 @@ private:
         talm::Options::value_type made(key, value);
         std::lock_guard writing(writing_);
         if (path.empty() || !talm::storeOption(path, key, value)) {
-            report(EsLevelError, path.empty() ? fileNames[userFile] : path, "the option file cannot be written");
+            report(EsLevelError, path.empty() ? fileNames[userFile] : path,
+                   "the option file cannot be written");
             return false;
         }
         std::lock_guard guard(lock_);

@@ -112,7 +112,8 @@ std::string withOption(std::string_view text, std::string_view key, std::string_
     std::string_view mark = text.substr(0, text.size() - withoutMark(text).size());
     std::string_view body = withoutMark(text);
     std::string_view old = findOption(body, key);
-    std::string_view before = old.empty() ? body : body.substr(0, static_cast<size_t>(old.data() - body.data()));
+    size_t place = old.empty() ? body.size() : static_cast<size_t>(old.data() - body.data());
+    std::string_view before = body.substr(0, place);
     std::string_view after = body.substr(before.size() + old.size());
     std::string_view lineBreak = breakOf(old.empty() ? body : old);
 

@@ -31,7 +31,7 @@ struct ParsedOptions {
 
 ParsedOptions parseOptions(std::string_view text);
 
-/** Whether a file can hold this option so that reading gives back the same; blanks around the value are lost. */
+/** Whether a file gives back this option when it is read; blanks around the value are lost. */
 bool isStorable(std::string_view key, std::string_view value);
 
 /** The value as a file gives it back: without blanks around it. */

@@ -206,6 +206,9 @@ Error installFatalHandler(void (*handler)(Signal)) noexcept;
 /** Put back what stood before installFatalHandler(). */
 void removeFatalHandler() noexcept;
 
+/** Text to standard error without buffers and locks: what a signal handler may do. */
+void emergencyOutput(const char *text) noexcept;
+
 /** Message to standard error, no signal handlers, end of the process: for faults that must not go on. */
 [[noreturn]] void securityFailure(const char *message) noexcept;
 
