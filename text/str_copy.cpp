@@ -11,6 +11,25 @@
 
 using namespace vx;
 
+namespace {
+
+constexpr size_t longestChar = 4;
+
+/** End a text at a character, looking at nothing behind its buffer, which it may fill without a terminator. */
+void cutWithin(char *s, size_t position, size_t size)
+{
+    if (size - position >= longestChar || std::memchr(s + position, '\0', size - position)) {
+        text::cutAt(s, position);
+        return;
+    }
+    const text::CodePage &page = text::codePage();
+    const bool mayContinue = page.has(s[position], text::CodePage::trailByte);
+    const size_t torn = mayContinue ? text::unfinishedBytes(page, s, position) : 0;
+    std::memset(s + position - torn, 0, torn + 1);
+}
+
+}
+
 uint32_t VxStrCpy(char *dst, const char *src, int32_t size)
 {
     if (!dst)
@@ -28,7 +47,7 @@ uint32_t VxStrCpy(char *dst, const char *src, int32_t size)
         std::memmove(dst, src, static_cast<size_t>(static_cast<const char *>(end) - src) + 1);
         return 0;
     }
-    text::copyPiece(dst, room, src, room);
+    text::copyCut(dst, room, src);
     return 1;
 }
 
@@ -97,12 +116,9 @@ uint32_t VxStrTermAt(char *s, int32_t position, int32_t size)
 {
     if (!s || size < 1)
         return 1;
-    if (position < 0 || position >= size) {
-        VxStrTruncAt(s, size - 1);
-        return 1;
-    }
-    text::cutAt(s, static_cast<size_t>(position));
-    return 0;
+    const bool inside = position >= 0 && position < size;
+    cutWithin(s, static_cast<size_t>(inside ? position : size - 1), static_cast<size_t>(size));
+    return !inside;
 }
 
 uint32_t VxStrTruncAt(char *s, int32_t position)

@@ -87,6 +87,9 @@ inline const char *skipToBlank(const CodePage &page, const char *p) noexcept
     return p;
 }
 
+/** Copy as many characters from the boundary `text` as fit in `size` bytes, which it has at least; the rest is cleared. */
+void copyCut(char *out, size_t size, const char *text) noexcept;
+
 /** End a text at `position`, or where the character there begins; the bytes passed are cleared. */
 void cutAt(char *text, size_t position) noexcept;
 
@@ -97,13 +100,13 @@ void cutAt(char *text, size_t position) noexcept;
  */
 inline bool copyPiece(char *out, size_t size, const char *text, size_t length) noexcept
 {
-    bool fits = length < size;
-    std::memmove(out, text, fits ? length : size);
-    if (fits)
-        out[length] = '\0';
-    else
-        cutAt(out, size - 1);
-    return fits;
+    if (length >= size) {
+        copyCut(out, size, text);
+        return false;
+    }
+    std::memmove(out, text, length);
+    out[length] = '\0';
+    return true;
 }
 
 /** Bytes at the end of a text that was cut off at `length` which begin a character and do not finish it. */
