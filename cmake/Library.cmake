@@ -35,7 +35,9 @@ set_target_properties(vxtools PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "\$ORIGIN")
-target_link_options(vxtools PRIVATE LINKER:-Bsymbolic-functions)
+target_link_options(vxtools PRIVATE LINKER:-Bsymbolic-functions
+    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/vxtools.map)
+set_property(TARGET vxtools APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/vxtools.map)
 if(NOT VX_SANITIZE)
     target_link_options(vxtools PRIVATE LINKER:-z,defs)
 endif()

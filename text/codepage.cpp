@@ -1,6 +1,7 @@
 #include "text/codepage.h"
 
 #include "platform/os/os.h"
+#include "text/codepage_tables.h"
 
 namespace vx::text {
 
@@ -10,11 +11,12 @@ struct Range {
     uint8_t first, last;
 };
 
-constexpr CodePage makePage(int32_t number, CodePage::Kind kind)
+constexpr CodePage makePage(int32_t number, CodePage::Kind kind, const CodePageTables *tables)
 {
     CodePage page{};
     page.number = number;
     page.kind = kind;
+    page.tables = tables;
     for (int byte : {' ', '\t', '\n', '\v', '\f', '\r'})
         page.flags[byte] |= CodePage::whiteSpace;
     return page;
@@ -27,10 +29,10 @@ constexpr void mark(CodePage &page, Range range, CodePage::Flag flag)
 }
 
 template <size_t L, size_t T>
-constexpr CodePage doubleByte(int32_t number, const Range (&leads)[L], const Range (&trails)[T],
-                              const char (&space)[3])
+constexpr CodePage doubleByte(int32_t number, const CodePageTables &tables, const Range (&leads)[L],
+                              const Range (&trails)[T], const char (&space)[3])
 {
-    CodePage page = makePage(number, CodePage::Kind::doubleByte);
+    CodePage page = makePage(number, CodePage::Kind::doubleByte, &tables);
     for (Range range : leads)
         mark(page, range, CodePage::leadByte);
     for (Range range : trails)
@@ -42,7 +44,7 @@ constexpr CodePage doubleByte(int32_t number, const Range (&leads)[L], const Ran
 
 constexpr CodePage utf8()
 {
-    CodePage page = makePage(65001, CodePage::Kind::utf8);
+    CodePage page = makePage(65001, CodePage::Kind::utf8, nullptr);
     mark(page, {0xC2, 0xF4}, CodePage::leadByte);
     mark(page, {0x80, 0xBF}, CodePage::trailByte);
     page.ideographicSpace[0] = '\xE3';
@@ -51,27 +53,27 @@ constexpr CodePage utf8()
     return page;
 }
 
-constexpr CodePage singleByte(int32_t number)
+constexpr CodePage singleByte(int32_t number, const CodePageTables &tables)
 {
-    return makePage(number, CodePage::Kind::singleByte);
+    return makePage(number, CodePage::Kind::singleByte, &tables);
 }
 
 constexpr CodePage pages[] = {
-    singleByte(1252),
+    singleByte(1252, tables1252),
     utf8(),
-    doubleByte(932, {{0x81, 0x9F}, {0xE0, 0xFC}}, {{0x40, 0x7E}, {0x80, 0xFC}}, "\x81\x40"),
-    doubleByte(936, {{0x81, 0xFE}}, {{0x40, 0x7E}, {0x80, 0xFE}}, "\xA1\xA1"),
-    doubleByte(949, {{0x81, 0xFE}}, {{0x41, 0x5A}, {0x61, 0x7A}, {0x81, 0xFE}}, "\xA1\xA1"),
-    doubleByte(950, {{0x81, 0xFE}}, {{0x40, 0x7E}, {0xA1, 0xFE}}, "\xA1\x40"),
-    singleByte(874),
-    singleByte(1250),
-    singleByte(1251),
-    singleByte(1253),
-    singleByte(1254),
-    singleByte(1255),
-    singleByte(1256),
-    singleByte(1257),
-    singleByte(1258),
+    doubleByte(932, tables932, {{0x81, 0x9F}, {0xE0, 0xFC}}, {{0x40, 0x7E}, {0x80, 0xFC}}, "\x81\x40"),
+    doubleByte(936, tables936, {{0x81, 0xFE}}, {{0x40, 0x7E}, {0x80, 0xFE}}, "\xA1\xA1"),
+    doubleByte(949, tables949, {{0x81, 0xFE}}, {{0x41, 0x5A}, {0x61, 0x7A}, {0x81, 0xFE}}, "\xA1\xA1"),
+    doubleByte(950, tables950, {{0x81, 0xFE}}, {{0x40, 0x7E}, {0xA1, 0xFE}}, "\xA1\x40"),
+    singleByte(874, tables874),
+    singleByte(1250, tables1250),
+    singleByte(1251, tables1251),
+    singleByte(1253, tables1253),
+    singleByte(1254, tables1254),
+    singleByte(1255, tables1255),
+    singleByte(1256, tables1256),
+    singleByte(1257, tables1257),
+    singleByte(1258, tables1258),
 };
 
 // What was set; -1 asks the locale.

@@ -15,6 +15,8 @@ namespace vx::text {
 
 enum class ByteType { single, lead, trail };
 
+struct CodePageTables;
+
 struct CodePage {
     enum class Kind : uint8_t { singleByte, doubleByte, utf8 };
 
@@ -25,6 +27,8 @@ struct CodePage {
     uint8_t flags[256];
     /** Bytes of the ideographic space, zero-terminated; empty where there is none. */
     char ideographicSpace[4];
+    /** Its characters; null for UTF-8, which is computed. */
+    const CodePageTables *tables;
 
     bool has(char byte, Flag flag) const noexcept
     {

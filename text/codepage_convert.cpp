@@ -1,5 +1,7 @@
 #include "text/codepage.h"
 
+#include "text/codepage_tables.h"
+
 namespace vx::text {
 
 namespace {
@@ -44,14 +46,22 @@ int encodeUtf8(char32_t c, char *out) noexcept
 
 bool decode(const CodePage &page, const char *p, int bytes, char32_t &codePoint) noexcept
 {
-    if (static_cast<uint8_t>(*p) < 0x80) {
-        codePoint = static_cast<uint8_t>(*p);
+    auto byte = [p](int i) { return static_cast<uint8_t>(p[i]); };
+    if (byte(0) < 0x80) {
+        codePoint = byte(0);
         return true;
     }
-    if (page.kind != CodePage::Kind::utf8 || bytes < 2)
-        return false;
-    codePoint = decodeUtf8(p, bytes);
-    return true;
+    if (page.kind == CodePage::Kind::utf8) {
+        if (bytes < 2)
+            return false;
+        codePoint = decodeUtf8(p, bytes);
+        return true;
+    }
+    using Tables = CodePageTables;
+    const Tables &tables = *page.tables;
+    codePoint = bytes < 2 ? tables.singles[byte(0) - Tables::firstSingle]
+                          : tables.pairs[(byte(0) - Tables::firstLead) * Tables::trails + byte(1) - Tables::firstTrail];
+    return codePoint != 0;
 }
 
 int encode(const CodePage &page, char32_t codePoint, char *out) noexcept
@@ -60,7 +70,21 @@ int encode(const CodePage &page, char32_t codePoint, char *out) noexcept
         *out = static_cast<char>(codePoint);
         return 1;
     }
-    return page.kind == CodePage::Kind::utf8 ? encodeUtf8(codePoint, out) : 0;
+    if (page.kind == CodePage::Kind::utf8)
+        return encodeUtf8(codePoint, out);
+    if (codePoint > 0xFFFF)
+        return 0;
+    const CodePageTables &tables = *page.tables;
+    unsigned code = tables.codes[tables.blockOf[codePoint >> 8]][codePoint & 0xFF];
+    if (code == 0)
+        return 0;
+    if (code < 0x100) {
+        *out = static_cast<char>(code);
+        return 1;
+    }
+    out[0] = static_cast<char>(code >> 8);
+    out[1] = static_cast<char>(code & 0xFF);
+    return 2;
 }
 
 }
