@@ -2,7 +2,7 @@
 
 #include "expr/derivative.h"
 #include "expr/numeric.h"
-#include "expr/units.h"
+#include "expr/report.h"
 #include "expr/unit_result.h"
 
 using namespace vx::expr;

@@ -1,10 +1,7 @@
 #include "expr/numeric.h"
 
 #include "expr/small_stack.h"
-#include "vx/err.h"
-#include "vx/msg.h"
 #include "vx/tools.h"
-#include "vx/value.hpp"
 
 namespace vx::expr {
 
@@ -193,30 +190,6 @@ bool evaluateSlot(const VsCnsGenOp *node, int32_t slot, const Settings &settings
         return loadLeaf(node, slot, settings, result, failure);
     Walk walk(settings, failure);
     return walk.run(childOf(node->slot[slot]), result);
-}
-
-void report(const EvalFailure &failure)
-{
-    using HESKET::Talm::Tool::Evaluation::KindName;
-    int32_t id = VxToolsErrID();
-    switch (failure.number) {
-    case 0:
-    case error::noMemory:
-        return;
-    case error::notEvaluable:
-    case error::dimensions:
-        VxErrLogNum(id, failure.number, "", 0);
-        return;
-    case error::undefinedVariable:
-        VxErrLogFmt(id, failure.number, "", 0, failure.name);
-        return;
-    case error::unmatchedOperands:
-        VxErrLogFmt(id, failure.number, "", 0, KindName(failure.leftKind), KindName(failure.rightKind));
-        return;
-    default:
-        VxErrLogMsg(failure.number, 0, "", 0, "%s: %s", failure.node ? operationName(failure.node->op) : "",
-                    VxMsg(VxToolsMsgID(), failure.number));
-    }
 }
 
 }

@@ -27,7 +27,4 @@ bool applyNode(const VsCnsGenOp *node, const Settings &settings, VxDimNum *opera
 /** A sum of plain numbers, when it is the result, is one in the expected unit. */
 void adoptExpected(const VsCnsGenOp *last, const Settings &settings, VxDimNum &result) noexcept;
 
-/** File a failure in the error log. */
-void report(const EvalFailure &failure);
-
 }

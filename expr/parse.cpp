@@ -2,32 +2,16 @@
 #include "vx/parse.hpp"
 
 #include <cstring>
-#include <new>
 
 #include "expr/parser.h"
+#include "expr/report.h"
 #include "expr/units.h"
-#include "talm/base.h"
-#include "vx/err.h"
 #include "vx/tools.h"
 
 using namespace vx::expr;
 using namespace vx;
 
 namespace {
-
-constexpr int32_t messageSize = 128;
-constexpr int32_t userCategory = 6;
-constexpr int32_t messageForm = 5;
-
-void report(const ParseFailure &failure)
-{
-    if (failure.silent || VxErrIsDisabled())
-        return;
-    char text[messageSize];
-    text[0] = '\0';
-    VxErr(VxToolsErrID(), failure.number, text, sizeof text);
-    EsPut(userCategory, messageForm, "%s", text);
-}
 
 uint32_t parse(const char *text, Tokenizer::Mode mode, int32_t *constant, VsCnsGenOp **tree)
 {

@@ -10,9 +10,9 @@
 
 #include "expr/functions.h"
 #include "expr/numeric.h"
+#include "expr/report.h"
 #include "platform/os/os.h"
 #include "text/codepage.h"
-#include "vx/err.h"
 #include "vx/tools.h"
 
 namespace vx::expr {
