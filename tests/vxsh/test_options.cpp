@@ -1,0 +1,96 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tools/vxsh/options.h"
+
+namespace vxsh {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+Options options(const std::vector<std::string> &arguments)
+{
+    auto read = readOptions(arguments);
+    auto *error = std::get_if<UsageError>(&read);
+    EXPECT_FALSE(error) << (error ? error->message : "");
+    auto *found = std::get_if<Options>(&read);
+    return found ? *found : Options{};
+}
+
+std::string errorOf(const std::vector<std::string> &arguments)
+{
+    auto read = readOptions(arguments);
+    auto *error = std::get_if<UsageError>(&read);
+    return error ? error->message : "no error";
+}
+
+}
+
+TEST(Options, takeTheirValuesBehindAnEqualsSignOrAsTheNextArgument)
+{
+    Options o = options({"eval", "--unit", "cm", "--set=a=1", "a + 1", "--set", "b : mm = 2", "--rad"});
+    EXPECT_EQ(o.command, Command::eval);
+    EXPECT_EQ(o.unit, "cm");
+    EXPECT_THAT(o.sets, ElementsAre("a=1", "b : mm = 2"));
+    EXPECT_THAT(o.arguments, ElementsAre("a + 1"));
+    EXPECT_TRUE(o.radians);
+}
+
+TEST(Options, leaveFormulasThatBeginWithAMinusSignAlone)
+{
+    EXPECT_THAT(options({"eval", "-5 + a"}).arguments, ElementsAre("-5 + a"));
+    EXPECT_THAT(options({"eval", "--5"}).arguments, ElementsAre("--5"));
+    EXPECT_THAT(options({"eval", "--", "--unit"}).arguments, ElementsAre("--unit"));
+    EXPECT_THAT(options({"replace", "a", "-", "-a"}).arguments, ElementsAre("a", "-", "-a"));
+}
+
+TEST(Options, withoutACommandMeanTheConsole)
+{
+    EXPECT_EQ(options({}).command, Command::console);
+    EXPECT_TRUE(options({"--rad"}).radians);
+}
+
+TEST(Options, helpAndVersionWinOverEverythingElse)
+{
+    auto help = readOptions({"eval", "--nonsense", "--help"});
+    ASSERT_TRUE(std::holds_alternative<HelpWanted>(help));
+    EXPECT_EQ(std::get<HelpWanted>(help).topic, "eval");
+    EXPECT_TRUE(std::holds_alternative<HelpWanted>(readOptions({"--help", "--version"})));
+    EXPECT_TRUE(std::holds_alternative<VersionWanted>(readOptions({"nonsense", "--version"})));
+    EXPECT_FALSE(std::holds_alternative<HelpWanted>(readOptions({"eval", "--", "--help"})));
+}
+
+TEST(Options, sayWhatIsWrong)
+{
+    EXPECT_EQ(errorOf({"evil"}), "there is no command 'evil'");
+    EXPECT_EQ(errorOf({"eval"}), "the formula is missing");
+    EXPECT_EQ(errorOf({"eval", "1", "+", "2"}), "'+' is one argument too many; write the formula in quotes");
+    EXPECT_EQ(errorOf({"run", "a", "b"}), "'b' is one argument too many");
+    EXPECT_EQ(errorOf({"run"}), "the parameter file is missing");
+    EXPECT_EQ(errorOf({"eval", "--nit", "1"}), "there is no option '--nit'");
+    EXPECT_EQ(errorOf({"eval", "1", "--unit"}), "the value of '--unit' is missing");
+    EXPECT_EQ(errorOf({"eval", "1", "--unit="}), "the value of '--unit' is empty");
+    EXPECT_EQ(errorOf({"eval", "1", "--unit=cm", "--unit=mm"}), "'--unit' is given twice");
+    EXPECT_EQ(errorOf({"eval", "--rad=1", "1"}), "'--rad' takes no value");
+    EXPECT_EQ(errorOf({"eval", "--csv", "1"}), "'--csv' is no option of 'eval'");
+    EXPECT_EQ(errorOf({"--csv"}), "'--csv' needs a command");
+    EXPECT_EQ(errorOf({"derive", "x"}), "'derive' needs --by NAME");
+    EXPECT_EQ(errorOf({"replace", "a", "b"}), "a name, a text and a formula are needed");
+}
+
+TEST(Options, everyCommandHasHelpOfItsOwnThatTellsOfItsOptions)
+{
+    for (const char *command : {"eval", "value", "tree", "names", "replace", "derive", "units", "run"}) {
+        EXPECT_THAT(helpText(command), StartsWith("Usage: vxsh " + std::string(command)));
+        EXPECT_THAT(helpText(""), HasSubstr("  " + std::string(command) + " ")) << "the overview lists it";
+    }
+    for (const char *option : {"--unit NAME", "--set NAME=FORMULA", "--rad"})
+        EXPECT_THAT(helpText("eval"), HasSubstr("  " + std::string(option) + " "));
+    for (const char *option : {"--csv", "--journal FILE"})
+        EXPECT_THAT(helpText("run"), HasSubstr("  " + std::string(option) + " "));
+}
+
+}
