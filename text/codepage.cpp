@@ -80,6 +80,44 @@ constexpr CodePage pages[] = {
 std::atomic<int32_t> multibyteSet{0};
 std::atomic<int32_t> systemSet{-1};
 
+const CodePage &choosePage() noexcept
+{
+    int32_t number = multibyteCodePage();
+    if (number == 0)
+        number = systemCodePage();
+    const CodePage *page = findCodePage(number);
+    return page ? *page : pages[0];
+}
+
+// Both are asked about a byte that may continue a character.
+
+size_t utf8BoundaryBefore(const char *text, size_t position) noexcept
+{
+    for (size_t back = 1; back <= 3 && back <= position; ++back) {
+        const char *start = text + position - back;
+        if ((*start & 0xC0) != 0x80)
+            return static_cast<size_t>(detail::utf8CharBytes(start)) > back ? position - back : position;
+    }
+    return position;
+}
+
+size_t pairBoundaryBefore(const CodePage &page, const char *text, size_t position) noexcept
+{
+    // Back to a byte that begins a character because it cannot be the second
+    // of a pair. From there on all are pairs, so that counting is enough.
+    size_t start = position;
+    while (start > 0 && page.has(text[start], CodePage::trailByte) &&
+           page.has(text[start - 1], CodePage::leadByte))
+        --start;
+    return position - (position - start) % 2;
+}
+
+/** The number of a page that the toolkit has, else 0. */
+int32_t known(int32_t number) noexcept
+{
+    return findCodePage(number) ? number : 0;
+}
+
 }
 
 namespace detail {
@@ -88,14 +126,10 @@ std::atomic<const CodePage *> current{nullptr};
 
 const CodePage &resolveCurrent() noexcept
 {
-    int32_t number = multibyteCodePage();
-    if (number == 0)
-        number = systemCodePage();
-    const CodePage *page = findCodePage(number);
-    if (!page)
-        page = &pages[0];
-    current.store(page, std::memory_order_release);
-    return *page;
+    const CodePage *page = &choosePage();
+    // Another thread may have set a page since this one looked; that one stands.
+    const CodePage *none = nullptr;
+    return current.compare_exchange_strong(none, page) ? *page : *none;
 }
 
 // Well-formed sequences only: no overlong forms, no surrogates, nothing above
@@ -124,9 +158,14 @@ int utf8CharBytes(const char *p) noexcept
 
 void setCodePage(int32_t multibyte, int32_t system) noexcept
 {
-    multibyteSet = multibyte;
-    systemSet = system;
-    detail::resolveCurrent();
+    systemSet = system == -1 ? -1 : known(system);
+    setMultibyteCodePage(multibyte);
+}
+
+void setMultibyteCodePage(int32_t multibyte) noexcept
+{
+    multibyteSet = known(multibyte);
+    detail::current = &choosePage();
 }
 
 int32_t multibyteCodePage() noexcept
@@ -165,28 +204,10 @@ ByteType byteType(const CodePage &page, const char *text, size_t position) noexc
 
 size_t boundaryBefore(const CodePage &page, const char *text, size_t position) noexcept
 {
-    if (page.kind == CodePage::Kind::singleByte)
+    if (!page.has(text[position], CodePage::trailByte))
         return position;
-    // Back over bytes that may have begun a character reaching `position`, to
-    // one that surely did not; characters are then counted off from there.
-    size_t start = position;
-    if (page.kind == CodePage::Kind::utf8) {
-        if (!page.has(text[position], CodePage::trailByte))
-            return position;
-        while (start > 0 && position - start < 3 && page.has(text[start], CodePage::trailByte))
-            --start;
-    } else {
-        if (!page.has(text[position], CodePage::trailByte))
-            return position;
-        while (start > 0 && page.has(text[start - 1], CodePage::leadByte))
-            --start;
-    }
-    for (;;) {
-        size_t next = start + static_cast<size_t>(charBytes(page, text + start));
-        if (next > position)
-            return start;
-        start = next;
-    }
+    return page.kind == CodePage::Kind::utf8 ? utf8BoundaryBefore(text, position)
+                                             : pairBoundaryBefore(page, text, position);
 }
 
 }

@@ -49,8 +49,15 @@ inline const CodePage &codePage() noexcept
     return page ? *page : detail::resolveCurrent();
 }
 
-/** Set the toolkit's code page and the system's; 0 leaves that one open, -1 asks the locale for the system's. */
+/**
+ * Set the toolkit's code page and the system's. 0, or a number that the
+ * toolkit has no page for, leaves that one open; -1 asks the locale for the
+ * system's.
+ */
 void setCodePage(int32_t multibyte, int32_t system) noexcept;
+
+/** As setCodePage(), but leaves the system's as it is. */
+void setMultibyteCodePage(int32_t multibyte) noexcept;
 
 /** The toolkit's code page as set; 0 for none. */
 int32_t multibyteCodePage() noexcept;
@@ -96,10 +103,16 @@ inline int spaceBytes(const CodePage &page, const char *p) noexcept
     return n;
 }
 
-/** The code point of the `bytes` bytes at `p`, one character; false when the code page has none for them. */
+/**
+ * The code point of the character at `p`, of as many bytes as charBytes() says;
+ * false when the code page has none for them.
+ */
 bool decode(const CodePage &page, const char *p, int bytes, char32_t &codePoint) noexcept;
 
-/** Write the character for a code point, at most 4 bytes, not terminated: its length, or 0 when the code page has none. */
+/**
+ * Write the character for a code point: its length, 1 to 4 bytes, not
+ * terminated, or 0 when the code page has none.
+ */
 int encode(const CodePage &page, char32_t codePoint, char *out) noexcept;
 
 }

@@ -57,10 +57,7 @@ bool decode(const CodePage &page, const char *p, int bytes, char32_t &codePoint)
         codePoint = decodeUtf8(p, bytes);
         return true;
     }
-    using Tables = CodePageTables;
-    const Tables &tables = *page.tables;
-    codePoint = bytes < 2 ? tables.singles[byte(0) - Tables::firstSingle]
-                          : tables.pairs[(byte(0) - Tables::firstLead) * Tables::trails + byte(1) - Tables::firstTrail];
+    codePoint = bytes < 2 ? page.tables->single(byte(0)) : page.tables->pair(byte(0), byte(1));
     return codePoint != 0;
 }
 
@@ -74,8 +71,7 @@ int encode(const CodePage &page, char32_t codePoint, char *out) noexcept
         return encodeUtf8(codePoint, out);
     if (codePoint > 0xFFFF)
         return 0;
-    const CodePageTables &tables = *page.tables;
-    unsigned code = tables.codes[tables.blockOf[codePoint >> 8]][codePoint & 0xFF];
+    unsigned code = page.tables->code(static_cast<char16_t>(codePoint));
     if (code == 0)
         return 0;
     if (code < 0x100) {

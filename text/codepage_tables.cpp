@@ -25,7 +25,8 @@ using Pairs = std::array<PairRow, 0xFF - firstLead>;
 constexpr Pairs noPairs{};
 
 /** Call `visit(character, code)` for all of a page in the order of their codes. */
-template <typename Visit> constexpr void eachCharacter(const Singles &singles, const Pairs &pairs, Visit visit)
+template <typename Visit>
+constexpr void eachCharacter(const Singles &singles, const Pairs &pairs, Visit visit)
 {
     for (unsigned i = 0; i < singles.size(); ++i)
         if (singles[i])

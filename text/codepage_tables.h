@@ -20,6 +20,21 @@ struct CodePageTables {
     const uint8_t *blockOf;
     /** Code of each character by its lower byte: a byte, or lead * 256 + trail; 0 for none. */
     const uint16_t (*codes)[256];
+
+    /** The character of a byte from 0x80 on; 0 for none. */
+    char16_t single(unsigned byte) const noexcept { return singles[byte - firstSingle]; }
+
+    /** The character of a lead and a trail byte of the page; 0 for none. */
+    char16_t pair(unsigned lead, unsigned trail) const noexcept
+    {
+        return pairs[(lead - firstLead) * trails + (trail - firstTrail)];
+    }
+
+    /** The byte, or lead * 256 + trail, of a character from 0x80 on; 0 for none. */
+    unsigned code(char16_t character) const noexcept
+    {
+        return codes[blockOf[character >> 8]][character & 0xFF];
+    }
 };
 
 extern const CodePageTables tables874, tables932, tables936, tables949, tables950, tables1250, tables1251,

@@ -122,15 +122,28 @@ enum class Access { exists, read, write };
 Error access(const char *path, Access wanted) noexcept;
 
 /**
- * Open a stream so that other openings through this verb may read but not
- * write while it is open for writing, and may read while it is open for
- * reading. `mode` is fopen's, plus the letters c, n, t, N, S, R, T, which are
- * dropped, and D, which removes the name at once. Nothing is truncated before
- * the file is held.
+ * Open a stream so that openings through this verb do not clash, in this
+ * process or another: any number may read a file, or one may write it. An
+ * opening that clashes is `accessDenied` (EACCES). Programs that do not open
+ * through the toolkit are not kept out where the system's locks are advisory.
+ *
+ * `mode` is fopen's; of the further letters c, n, t, N, S, R and T have no
+ * effect and D removes the name at once. Nothing is truncated before the file
+ * is held, and a file that was made for an opening that then fails goes again.
+ * Folders are refused; devices are opened, but not held.
  */
 Error openFile(const char *path, const char *mode, FILE *&stream) noexcept;
 
 Error removeFile(const char *path) noexcept;
+
+/**
+ * Put these bytes in place of a file's content, or make the file, so that
+ * whoever opens it finds the old content or the new and never a part. Where
+ * `path` is a link, the file it leads to is replaced; permissions stay. A file
+ * without write permission is `accessDenied`. On failure nothing has changed.
+ */
+Error replaceFile(const char *path, const void *bytes, size_t size) noexcept;
+
 Error makeDirectory(const char *path) noexcept;
 
 /** The process's current directory, without a final separator unless it is a root. */
@@ -143,11 +156,39 @@ Error executablePath(char *out, size_t size) noexcept;
 /** The long form of an existing path where the system has short ones, else the path itself. */
 Error longPath(const char *path, char *out, size_t size) noexcept;
 
+/** The system's folder for temporary files, without a final separator unless it is a root. */
+Error temporaryFolder(char *out, size_t size) noexcept;
+
+// ---------------------------------------------------------------- standard streams
+
+/** What standard error was before it was redirected; opaque to callers. */
+struct SavedStream {
+    intptr_t handle = -1;
+};
+
+/** Send standard error to a file, which is emptied. A failure leaves all as it was. */
+Error redirectStandardError(const char *path, SavedStream &before) noexcept;
+
+/** Put back and release what redirectStandardError() gave. A failure keeps it. */
+Error restoreStandardError(SavedStream &before) noexcept;
+
+/** Release it without putting it back. */
+void forget(SavedStream &before) noexcept;
+
 // ---------------------------------------------------------------- settings
 
-/** The system's settings store: the registry, or on other systems a key file. */
+/**
+ * The system's settings store: the registry, or on other systems a key file
+ * whose sections are the keys. Keys and names are compared ignoring the case
+ * of ASCII letters; a value is any text. Processes that write at once do not
+ * lose each other's values.
+ */
 enum class SettingsRoot { user, machine };
+
+/** A value: `notFound` without one, `nameTooLong` for one that does not fit; `out` is then empty. */
 Error readSetting(SettingsRoot root, const char *key, const char *name, char *out, size_t size) noexcept;
+
+/** Set a value, with its key when needed. A key or name with a line break, and a name with '=', is `invalid`. */
 Error writeSetting(SettingsRoot root, const char *key, const char *name, const char *text) noexcept;
 
 // ---------------------------------------------------------------- fatal signals
@@ -164,6 +205,9 @@ Error installFatalHandler(void (*handler)(Signal)) noexcept;
 
 /** Put back what stood before installFatalHandler(). */
 void removeFatalHandler() noexcept;
+
+/** Text to standard error without buffers and locks: what a signal handler may do. */
+void emergencyOutput(const char *text) noexcept;
 
 /** Message to standard error, no signal handlers, end of the process: for faults that must not go on. */
 [[noreturn]] void securityFailure(const char *message) noexcept;

@@ -1,16 +1,18 @@
 #include "platform/os/os.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
 #include "platform/os/fault.h"
 #include "platform/os/native_path.h"
 #include "platform/os/posix/error.h"
+#include "platform/os/posix/locks.h"
+#include "platform/os/posix/replace.h"
 
 namespace vx::os {
 
@@ -21,9 +23,13 @@ constexpr size_t nativeSize = 4096 + 1;
 /** What an fopen mode asks of open(2). */
 struct OpenMode {
     int flags = -1; ///< -1 for a mode that is none
+    bool create = false;
+    bool exclusive = false;
     bool truncate = false;
     bool unlinkAtOnce = false;
-    char stdio[4] = ""; ///< the mode that fdopen gets
+    char stdio[3] = ""; ///< the mode that fdopen gets
+
+    bool writes() const noexcept { return (flags & O_ACCMODE) != O_RDONLY; }
 };
 
 OpenMode parseMode(const char *mode) noexcept
@@ -31,41 +37,86 @@ OpenMode parseMode(const char *mode) noexcept
     OpenMode out;
     if (!mode || !*mode || !std::strchr("rwa", *mode))
         return out;
-    bool plus = std::strchr(mode, '+') != nullptr;
+    // Behind a comma stands an encoding, whose letters are none of ours.
+    std::string_view letters(mode, std::strcspn(mode, ","));
+    bool plus = letters.find('+') != letters.npos;
     out.stdio[0] = *mode;
     if (plus)
         out.stdio[1] = '+';
     int direction = plus ? O_RDWR : *mode == 'r' ? O_RDONLY : O_WRONLY;
-    int creation = *mode == 'r' ? 0 : O_CREAT;
     int position = *mode == 'a' ? O_APPEND : 0;
-    int exclusive = std::strchr(mode, 'x') ? O_EXCL : 0;
-    out.flags = direction | creation | position | exclusive | O_CLOEXEC;
+    out.flags = direction | position | O_CLOEXEC;
+    out.create = *mode != 'r';
+    out.exclusive = letters.find('x') != letters.npos;
     out.truncate = *mode == 'w';
-    out.unlinkAtOnce = std::strchr(mode, 'D') != nullptr;
+    out.unlinkAtOnce = letters.find('D') != letters.npos;
     return out;
 }
 
-/** Hold the file against toolkit openings that would write. File systems without locks are taken as they are. */
-bool hold(int file, bool writing) noexcept
+/** Open, and tell whether that made the file: -1 with errno on failure. */
+int openOrMake(const char *name, const OpenMode &mode, bool &made) noexcept
 {
-    if (flock(file, (writing ? LOCK_EX : LOCK_SH) | LOCK_NB) == 0)
-        return true;
-    if (errno == EWOULDBLOCK)
-        errno = EACCES;
-    else if (errno == EOPNOTSUPP || errno == ENOLCK || errno == EINVAL)
-        return true;
-    return false;
+    made = false;
+    // Each round fails only when the file came or went in the middle of it.
+    for (;;) {
+        if (!mode.exclusive) {
+            int file = open(name, mode.flags);
+            if (file >= 0 || errno != ENOENT || !mode.create)
+                return file;
+        }
+        int file = open(name, mode.flags | O_CREAT | O_EXCL, 0666);
+        made = file >= 0;
+        if (made || errno != EEXIST || mode.exclusive)
+            return file;
+        struct stat dangling;
+        if (stat(name, &dangling) != 0 && errno == ENOENT && lstat(name, &dangling) == 0)
+            return open(name, mode.flags | O_CREAT, 0666); // a link to a file that is still to be made
+    }
+}
+
+/**
+ * Make an open file what `mode` asks for. Only files are held and truncated:
+ * devices are everybody's.
+ */
+bool prepare(int file, const char *name, const OpenMode &mode) noexcept
+{
+    struct stat status;
+    if (fstat(file, &status) != 0)
+        return false;
+    if (S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return false;
+    }
+    if (S_ISREG(status.st_mode)) {
+        if (!hold(file, mode.writes()))
+            return false;
+        if (mode.truncate && ftruncate(file, 0) != 0)
+            return false;
+    }
+    return !mode.unlinkAtOnce || unlink(name) == 0;
+}
+
+/** errno for a path that has no native name. */
+Error refusePath(Error error) noexcept
+{
+    errno = error == Error::nameTooLong ? ENAMETOOLONG : error == Error::invalid ? EINVAL : ENOENT;
+    return error;
 }
 
 /** Run `call` on the native form of `path`; it answers as system calls do. */
 template <typename Call> Error withNative(const char *path, Call call) noexcept
 {
     NativePath native(path);
-    if (native.error() != Error::none) {
-        errno = native.error() == Error::nameTooLong ? ENAMETOOLONG : ENOENT;
-        return native.error();
-    }
+    if (native.error() != Error::none)
+        return refusePath(native.error());
     return call(native.c_str()) < 0 ? errorOf(errno) : Error::none;
+}
+
+/** A native name in the toolkit's spelling, with errno where it does not fit. */
+Error spell(const char *native, char *out, size_t size) noexcept
+{
+    Error error = fromNative(native, out, size);
+    return error == Error::none ? error : refusePath(error);
 }
 
 }
@@ -86,7 +137,8 @@ Error access(const char *path, Access wanted) noexcept
 {
     VX_OS_VERB("access");
     int mode = wanted == Access::exists ? F_OK : wanted == Access::read ? R_OK : W_OK;
-    return withNative(path, [&](const char *name) { return ::access(name, mode); });
+    // The rights in force, which are what opening the file will meet.
+    return withNative(path, [&](const char *name) { return faccessat(AT_FDCWD, name, mode, AT_EACCESS); });
 }
 
 Error openFile(const char *path, const char *mode, FILE *&stream) noexcept
@@ -99,19 +151,21 @@ Error openFile(const char *path, const char *mode, FILE *&stream) noexcept
         return Error::invalid;
     }
     NativePath native(path);
-    int file = -1;
-    Error error = withNative(path, [&](const char *name) { return file = open(name, wanted.flags, 0666); });
-    if (error != Error::none)
-        return error;
-    bool writing = (wanted.flags & O_ACCMODE) != O_RDONLY;
-    bool ready = hold(file, writing) && (!wanted.truncate || ftruncate(file, 0) == 0);
-    if (ready && wanted.unlinkAtOnce)
-        ready = unlink(native.c_str()) == 0;
+    if (native.error() != Error::none)
+        return refusePath(native.error());
+    bool made = false;
+    int file = openOrMake(native.c_str(), wanted, made);
+    if (file < 0)
+        return errorOf(errno);
+    bool ready = prepare(file, native.c_str(), wanted);
     if (ready)
         stream = fdopen(file, wanted.stdio);
     if (stream)
         return Error::none;
     int code = errno;
+    // A file made just now goes again, unless it is gone or another process got hold of it meanwhile.
+    if (made && !wanted.unlinkAtOnce && (ready || code != EACCES))
+        unlink(native.c_str());
     close(file);
     errno = code;
     return errorOf(code);
@@ -121,6 +175,12 @@ Error removeFile(const char *path) noexcept
 {
     VX_OS_VERB("removeFile");
     return withNative(path, [](const char *name) { return unlink(name); });
+}
+
+Error replaceFile(const char *path, const void *bytes, size_t size) noexcept
+{
+    VX_OS_VERB("replaceFile");
+    return withNative(path, [&](const char *name) { return replaceNative(name, bytes, size); });
 }
 
 Error makeDirectory(const char *path) noexcept
@@ -135,7 +195,7 @@ Error currentDirectory(char *out, size_t size) noexcept
     char native[nativeSize];
     if (!getcwd(native, sizeof native))
         return errorOf(errno);
-    return fromNative(native, out, size);
+    return spell(native, out, size);
 }
 
 Error setCurrentDirectory(const char *path) noexcept
@@ -152,7 +212,11 @@ Error executablePath(char *out, size_t size) noexcept
     if (length < 0)
         return errorOf(errno);
     native[length] = '\0';
-    return fromNative(native, out, size);
+    // The kernel marks a program whose file was replaced while it runs.
+    constexpr std::string_view mark = " (deleted)";
+    if (std::string_view(native).ends_with(mark) && ::access(native, F_OK) != 0)
+        native[static_cast<size_t>(length) - mark.size()] = '\0';
+    return spell(native, out, size);
 }
 
 Error longPath(const char *path, char *out, size_t size) noexcept
@@ -160,7 +224,7 @@ Error longPath(const char *path, char *out, size_t size) noexcept
     VX_OS_VERB("longPath");
     size_t length = std::strlen(path);
     if (length >= size)
-        return Error::nameTooLong;
+        return refusePath(Error::nameTooLong);
     std::memmove(out, path, length + 1);
     return Error::none;
 }

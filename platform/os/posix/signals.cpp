@@ -86,12 +86,17 @@ void removeFatalHandler() noexcept
     fatalHandler = nullptr;
 }
 
+void emergencyOutput(const char *text) noexcept
+{
+    [[maybe_unused]] ssize_t written = write(STDERR_FILENO, text, std::strlen(text));
+}
+
 void securityFailure(const char *message) noexcept
 {
     struct sigaction standard = {};
     standard.sa_handler = SIG_DFL;
     sigaction(SIGABRT, &standard, nullptr);
-    [[maybe_unused]] ssize_t written = write(STDERR_FILENO, message, std::strlen(message));
+    emergencyOutput(message);
     std::abort();
 }
 

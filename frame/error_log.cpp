@@ -1,0 +1,37 @@
+#include "frame/error_log.h"
+
+namespace vx::frame {
+
+namespace {
+
+union Immortal {
+    ErrorState state;
+
+    Immortal() : state() {}
+    ~Immortal() {}
+};
+
+Immortal immortal;
+
+}
+
+thread_local constinit Suppression suppression;
+
+ErrorState &errorState() noexcept
+{
+    return immortal.state;
+}
+
+void resetErrorLog()
+{
+    ErrorState &state = errorState();
+    std::scoped_lock lock(state.mutex);
+    state.alertFiles.clear();
+    state.pending.clear();
+    state.counters = {};
+    state.lastSeen.clear();
+    state.displayHook = nullptr;
+    suppression = {};
+}
+
+}

@@ -1,0 +1,50 @@
+#include "host/local_time.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+
+namespace talm {
+
+namespace {
+
+/** The calendar of UTC. std::gmtime and std::localtime share one record between all threads. */
+std::tm calendarOf(int64_t seconds)
+{
+    using namespace std::chrono;
+    sys_seconds time{std::chrono::seconds{seconds}};
+    auto day = floor<days>(time);
+    year_month_day date{day};
+    hh_mm_ss clock{time - day};
+    std::tm out = {};
+    out.tm_year = static_cast<int>(date.year()) - 1900;
+    out.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
+    out.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
+    out.tm_hour = static_cast<int>(clock.hours().count());
+    out.tm_min = static_cast<int>(clock.minutes().count());
+    out.tm_sec = static_cast<int>(clock.seconds().count());
+    out.tm_isdst = -1;
+    return out;
+}
+
+/** Which moment a calendar that is meant as local time stands for. */
+int64_t momentOf(std::tm local)
+{
+    return static_cast<int64_t>(std::mktime(&local));
+}
+
+}
+
+void localTimeText(int64_t seconds, char *out, size_t size)
+{
+    // Local time is UTC's calendar of a moment shifted by the zone's offset;
+    // the second step mends an offset taken across a change of the clocks.
+    int64_t shifted = seconds;
+    for (int step = 0; step < 2; ++step)
+        shifted += seconds - momentOf(calendarOf(shifted));
+    std::tm local = calendarOf(shifted);
+    std::snprintf(out, size, "%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
+                  local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+}

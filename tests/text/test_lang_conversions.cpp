@@ -1,0 +1,318 @@
+#include "vx/lang.h"
+#include "vx/lang.hpp"
+
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/code_page.h"
+#include "tests/support/faults.h"
+#include "text/codepage.h"
+#include "vx/mem.h"
+
+using namespace vx;
+
+namespace {
+
+constexpr int32_t everyPage[] = {874,  932,  936,  949,  950,  1250, 1251, 1252,
+                                 1253, 1254, 1255, 1256, 1257, 1258, 65001};
+
+/** A vector's text, which must end in its only terminator that was put there. */
+template <typename Unit> std::basic_string<Unit> textOf(const std::vector<Unit> &units)
+{
+    if (units.empty() || units.back() != 0) {
+        ADD_FAILURE() << "no terminator";
+        return {};
+    }
+    return {units.data(), units.size() - 1};
+}
+
+std::u16string wide(std::string_view text)
+{
+    std::vector<char16_t> out;
+    EXPECT_EQ(VxMultiByteToWideChar(text.data(), static_cast<int32_t>(text.size()), out), 0u);
+    return textOf(out);
+}
+
+std::string escaped(std::u16string_view text)
+{
+    std::vector<char> out;
+    EXPECT_EQ(VxWideCharToMultiByte(text.data(), static_cast<int32_t>(text.size()), out), 0u);
+    return textOf(out);
+}
+
+std::u16string parsed(std::u16string_view text)
+{
+    std::vector<char16_t> out;
+    EXPECT_EQ(VxWideCharParseCIF(text.data(), static_cast<int32_t>(text.size()), out), 0u);
+    return textOf(out);
+}
+
+/** The text of a new block, which is freed. */
+template <typename Unit> std::basic_string<Unit> taken(Unit *block)
+{
+    if (!block) {
+        ADD_FAILURE() << "no block";
+        return {};
+    }
+    std::basic_string<Unit> text = block;
+    void *memory = block;
+    VxMemFree(&memory);
+    return text;
+}
+
+std::u16string cutAtTerminator(std::u16string text)
+{
+    return text.substr(0, text.find(u'\0'));
+}
+
+class Conversions : public testing::TestWithParam<int32_t> {
+protected:
+    std::u16string wideNoise()
+    {
+        constexpr char16_t common[] = {u'\\', u'U', u'u', u'+',   u'0',   u'9',  u'a',
+                                       u'F',  u'g', 0xE9, 0x4E00, 0xAC00, 0xFF71};
+        std::u16string text;
+        for (size_t n = random_() % 24; n > 0; --n)
+            switch (random_() % 6) {
+            case 0: text += static_cast<char16_t>(1 + random_() % 0xFFFF); break;
+            case 1: text += static_cast<char16_t>(0xD800 + random_() % 0x800); break;
+            case 2: text += u"\\U+"; break;
+            default: text += common[random_() % std::size(common)];
+            }
+        return text;
+    }
+
+    std::string noise()
+    {
+        std::string text;
+        for (size_t n = random_() % 24; n > 0; --n)
+            switch (random_() % 8) {
+            case 0: text += "\\U+00E9"; break;
+            case 1: text += static_cast<char>(1 + random_() % 0x7F); break;
+            case 2: text += "\\u+4e"; break;
+            default: text += static_cast<char>(0x80 + random_() % 0x80);
+            }
+        return text;
+    }
+
+private:
+    test::CodePageScope page_{GetParam()};
+    std::mt19937 random_{20261121};
+};
+
+INSTANTIATE_TEST_SUITE_P(EveryCodePage, Conversions, testing::ValuesIn(everyPage),
+                         testing::PrintToStringParamName());
+
+TEST_P(Conversions, WideTextSurvivesTheWayThroughEscapesAndThroughTheCodePage)
+{
+    for (int run = 0; run < 3000; ++run) {
+        const std::u16string text = wideNoise();
+        // What looks like an escape in the wide text is read as one on the way back.
+        const std::u16string expected = parsed(text);
+        const std::string escapes = escaped(text);
+        for (char c : escapes)
+            ASSERT_GE(c, 0);
+        ASSERT_EQ(wide(escapes), expected);
+        ASSERT_EQ(wide(taken(VxStrFromUTF16(text.c_str()))), expected);
+    }
+}
+
+TEST_P(Conversions, NoiseOfAnyLengthIsReadToItsEndAndNoFurther)
+{
+    for (int run = 0; run < 300; ++run) {
+        const std::string text = noise();
+        for (size_t length = 0; length <= text.size(); ++length) {
+            // A block of its own size, so that a byte read behind it is caught.
+            std::unique_ptr<char[]> block(new char[length]);
+            std::memcpy(block.get(), text.data(), length);
+            ASSERT_EQ(wide({block.get(), length}), wide(text.substr(0, length).c_str()));
+        }
+    }
+}
+
+TEST_P(Conversions, WholeTextsGoTheSameWayThroughUtf8AsThroughUtf16)
+{
+    for (int run = 0; run < 3000; ++run) {
+        const std::string text = noise();
+        const std::u16string utf16 = taken(VxStrToUTF16(text.c_str()));
+        const std::string utf8 = taken(VxStrToUTF8(text.c_str()));
+        ASSERT_EQ(taken(VxStrFromUTF8(utf8.c_str())), taken(VxStrFromUTF16(utf16.c_str()))) << utf8;
+        if (text.find('\\') == text.npos) {
+            ASSERT_EQ(utf16, wide(text));
+        }
+        ASSERT_EQ(taken(VxStrFromCIFStr(text.c_str())),
+                  taken(VxStrFromUTF16(cutAtTerminator(wide(text)).c_str())));
+
+        const text::CodePage &utf8Page = *text::findCodePage(65001);
+        for (const char *p = utf8.c_str(); *p; p += text::charBytes(utf8Page, p))
+            ASSERT_TRUE(*p > 0 || text::charBytes(utf8Page, p) > 1) << "ill-formed";
+        taken(VxStrFromUTF8(text.c_str()));
+    }
+}
+
+TEST_P(Conversions, KnownCharactersReadAlikeInEveryEncoding)
+{
+    const text::CodePage &page = text::codePage();
+    for (char32_t character : {0x20ACu, 0xE01u, 0x434u, 0x3B1u, 0x30BDu, 0x8868u, 0xAC00u, 0xE9u}) {
+        char bytes[5] = {};
+        int n = text::encode(page, character, bytes);
+        if (n == 0)
+            continue;
+        const std::string text = std::string("a\\") + bytes + "\\b";
+        const std::u16string utf16 = {u'a', u'\\', static_cast<char16_t>(character), u'\\', u'b'};
+        EXPECT_EQ(wide(text), utf16);
+        EXPECT_EQ(taken(VxStrToUTF16(text.c_str())), utf16);
+        EXPECT_EQ(taken(VxStrFromUTF16(utf16.c_str())), text);
+        EXPECT_EQ(taken(VxStrFromUTF8(taken(VxStrToUTF8(text.c_str())).c_str())), text);
+    }
+}
+
+TEST(Escapes, AreSevenBytesWithUpperCaseDigitsForEveryUnitBeyondAscii)
+{
+    test::CodePageScope western(1252);
+    EXPECT_EQ(escaped(u"\u00E9"), "\\U+00E9");
+    EXPECT_EQ(wide("\\U+00E9"), u"\u00E9");
+    EXPECT_EQ(escaped(u"a\x7F\x80\uFFFF"), "a\x7F\\U+0080\\U+FFFF");
+    EXPECT_EQ(escaped(u"\U0001F600"), "\\U+D83D\\U+DE00");
+}
+
+TEST(Escapes, AreReadInEitherCaseAndOnlyWhole)
+{
+    test::CodePageScope western(1252);
+    EXPECT_EQ(wide("\\u+abCDx"), u"\uABCDx");
+    EXPECT_EQ(parsed(u"\\u+abCDx\u4E00"), u"\uABCDx\u4E00");
+    for (const char16_t *text :
+         {u"\\U+12G4", u"\\U+123", u"\\U-1234", u"\\x+1234", u"U+1234", u"\\U+12\u06604"})
+        EXPECT_EQ(parsed(text), text);
+    for (const char *text : {"\\U+12G4", "\\U+123", "\\U-1234", "\\", "\\\\U+12"})
+        EXPECT_EQ(escaped(wide(text)), text);
+    EXPECT_EQ(wide("\\\\U+0041"), u"\\A");
+}
+
+TEST(Escapes, AreNotSeenInTheSecondByteOfACharacter)
+{
+    test::CodePageScope japanese(932);
+    EXPECT_EQ(wide("\x95\x5CU+0041"), u"\u8868U+0041");
+    EXPECT_EQ(taken(VxStrFromCIFStr("\x95\x5CU+0041\\U+8868\\U+00E9")), "\x95\x5CU+0041\x95\x5C\\U+00E9");
+}
+
+TEST(Escapes, AreLeftAloneByTheWholeTextConversions)
+{
+    test::CodePageScope western(1252);
+    EXPECT_EQ(taken(VxStrToUTF8("\\U+00E9\xE9")), "\\U+00E9\xC3\xA9");
+    EXPECT_EQ(taken(VxStrToUTF16("\\U+00E9\xE9")), u"\\U+00E9\u00E9");
+    EXPECT_EQ(taken(VxStrFromUTF8("\xF0\x9F\x98\x80\xC3\xA9")), "\\U+D83D\\U+DE00\xE9");
+}
+
+TEST(Conversion, BytesWithoutACharacterKeepTheirValue)
+{
+    {
+        test::CodePageScope japanese(932);
+        EXPECT_EQ(wide("\x85\x9Fx\x81"), u"\u859Fx\u0081");
+    }
+    test::CodePageScope utf8(65001);
+    EXPECT_EQ(wide("\xE9\xF0\x9F\x98\x80\xC0\x80\xED\xA0\x80"),
+              u"\u00E9\U0001F600\u00C0\u0080\u00ED\u00A0\u0080");
+    EXPECT_EQ(taken(VxStrToUTF8("\xE9")), "\xC3\xA9");
+}
+
+TEST(Conversion, StopsAtATerminatorAndAtTheLength)
+{
+    test::CodePageScope utf8(65001);
+    std::vector<char16_t> units;
+    EXPECT_EQ(VxMultiByteToWideChar("ab\0cd", 5, units), 0u);
+    EXPECT_EQ(textOf(units), u"ab");
+    EXPECT_EQ(VxMultiByteToWideChar("\\U+00E9", 6, units), 0u);
+    EXPECT_EQ(textOf(units), u"\\U+00E");
+    EXPECT_EQ(VxMultiByteToWideChar("", 0, units), 0u);
+    EXPECT_EQ(units, std::vector<char16_t>(1));
+    std::vector<char> bytes;
+    EXPECT_EQ(VxWideCharToMultiByte(u"ab\0cd", 5, bytes), 0u);
+    EXPECT_EQ(textOf(bytes), "ab");
+    EXPECT_EQ(VxWideCharParseCIF(u"a\\U+0000b\0c", 11, units), 0u);
+    EXPECT_EQ(units, (std::vector<char16_t>{u'a', 0, u'b', 0}));
+}
+
+TEST(Conversion, NullTextsAndNegativeLengthsAreRefused)
+{
+    std::vector<char16_t> units = {u'x', 0};
+    std::vector<char> bytes = {'x', 0};
+    EXPECT_EQ(VxMultiByteToWideChar(nullptr, 0, units), 1u);
+    EXPECT_EQ(VxMultiByteToWideChar("a", -1, units), 1u);
+    EXPECT_EQ(VxWideCharParseCIF(nullptr, 0, units), 1u);
+    EXPECT_EQ(VxWideCharParseCIF(u"a", -1, units), 1u);
+    EXPECT_EQ(VxWideCharToMultiByte(nullptr, 0, bytes), 1u);
+    EXPECT_EQ(VxWideCharToMultiByte(u"a", -1, bytes), 1u);
+    EXPECT_EQ(textOf(units), u"x");
+    EXPECT_EQ(textOf(bytes), "x");
+    EXPECT_EQ(VxStrFromCIFStr(nullptr), nullptr);
+    EXPECT_EQ(VxStrToUTF8(nullptr), nullptr);
+    EXPECT_EQ(VxStrFromUTF8(nullptr), nullptr);
+    EXPECT_EQ(VxStrToUTF16(nullptr), nullptr);
+    EXPECT_EQ(VxStrFromUTF16(nullptr), nullptr);
+}
+
+TEST(Conversion, AResultMayReplaceItsOwnSource)
+{
+    std::vector<char16_t> units = {u'\\', u'U', u'+', u'0', u'0', u'4', u'1', 0};
+    EXPECT_EQ(VxWideCharParseCIF(units.data(), 7, units), 0u);
+    EXPECT_EQ(textOf(units), u"A");
+}
+
+TEST(Conversion, RefusedMemoryLeavesTheVectorAsItWas)
+{
+    auto check = [](auto before, auto convert) {
+        auto result = before;
+        test::refusingEachAllocation([&] {
+            uint32_t failed = convert(result);
+            bool refused = fault::refusals(fault::Kind::allocation) > 0;
+            EXPECT_EQ(failed, refused ? 1u : 0u);
+            EXPECT_EQ(result == before, refused);
+        });
+    };
+    check(std::vector<char16_t>{u'x', 0}, [](auto &out) { return VxMultiByteToWideChar("abc", 3, out); });
+    check(std::vector<char16_t>{u'x', 0}, [](auto &out) { return VxWideCharParseCIF(u"abc", 3, out); });
+    check(std::vector<char>{'x', 0}, [](auto &out) { return VxWideCharToMultiByte(u"abc", 3, out); });
+}
+
+TEST(Conversion, RefusedMemoryGivesNoText)
+{
+    auto check = [](auto convert) {
+        test::refusingEachAllocation([&] {
+            void *block = convert();
+            EXPECT_EQ(block == nullptr, fault::refusals(fault::Kind::allocation) > 0);
+            if (block)
+                VxMemFree(&block);
+        });
+    };
+    check([] { return VxStrFromCIFStr("abc"); });
+    check([] { return VxStrToUTF8("abc"); });
+    check([] { return VxStrFromUTF8("abc"); });
+    check([] { return VxStrToUTF16("abc"); });
+    check([] { return VxStrFromUTF16(u"abc"); });
+}
+
+TEST(Surrogates, PairUpAndStayAloneOtherwise)
+{
+    const struct {
+        uint32_t high, low, codePoint;
+        int32_t paired;
+    } cases[] = {
+        {0xD83D, 0xDE00, 0x1F600, 1}, {0xD800, 0xDC00, 0x10000, 1},  {0xDBFF, 0xDFFF, 0x10FFFF, 1},
+        {0xDC00, 0xDC00, 0xDC00, 0},  {0xD7FF, 0xDC00, 0xD7FF, 0},   {0xD800, 0xDBFF, 0xD800, 0},
+        {0xD800, 0xE000, 0xD800, 0},  {0x1D83D, 0xDE00, 0x1D83D, 0}, {0xDE00, 0xD83D, 0xDE00, 0},
+    };
+    for (const auto &[high, low, expected, paired] : cases) {
+        uint32_t codePoint = 0;
+        EXPECT_EQ(VxSurrogateToUTF32(high, low, &codePoint), paired);
+        EXPECT_EQ(codePoint, expected);
+    }
+    EXPECT_EQ(VxSurrogateToUTF32(0xD83D, 0xDE00, nullptr), 0);
+}
+
+}

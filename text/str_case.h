@@ -1,0 +1,28 @@
+#pragma once
+
+// Letters' case in the code page in force. A letter whose other form the page
+// lacks, or spells with another number of bytes, is its own.
+
+#include <cstring>
+
+#include "text/codepage.h"
+
+namespace vx::text {
+
+/** Copy the character at `p` in upper case; `out` takes `bytes` bytes. */
+void upperChar(const CodePage &page, const char *p, int bytes, char *out) noexcept;
+
+/** The same in lower case. */
+void lowerChar(const CodePage &page, const char *p, int bytes, char *out) noexcept;
+
+inline char lowerAscii(char c) noexcept
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline char upperAscii(char c) noexcept
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+}
