@@ -1,0 +1,144 @@
+// Pools beside the C library's allocator and beside a heap of mimalloc's own.
+//
+// Blocks of 16 to 512 bytes, 72 on average, as object families of a model
+// have them. Every block is zero-filled, which is part of what pools promise.
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <mimalloc.h>
+
+#include "vx/pool.h"
+
+namespace {
+
+std::vector<int32_t> sizes(size_t n)
+{
+    std::mt19937 random(1);
+    std::exponential_distribution<double> distribution(1.0 / 57);
+    std::vector<int32_t> out(n);
+    for (int32_t &size : out)
+        size = std::min(16 + static_cast<int32_t>(distribution(random)), 512);
+    return out;
+}
+
+std::vector<uint32_t> shuffled(size_t n)
+{
+    std::vector<uint32_t> order(n);
+    for (size_t i = 0; i < n; ++i)
+        order[i] = static_cast<uint32_t>(i);
+    std::shuffle(order.begin(), order.end(), std::mt19937(2));
+    return order;
+}
+
+struct Pool {
+    Pool() { VxCreHpMemPool(1024, "bench", 0, nullptr, &pool); }
+    ~Pool() { VxFreeHpMemPool(pool); }
+    void *allocate(int32_t size) { return VxAlocHpMemPool(pool, 1, size); }
+    void free(void *block) { VxDeleteMemObj(block); }
+    void *pool = nullptr;
+};
+
+struct Malloc {
+    void *allocate(int32_t size) { return std::calloc(1, static_cast<size_t>(size)); }
+    void free(void *block) { std::free(block); }
+};
+
+template <typename Heap> void randomOrder(benchmark::State &state)
+{
+    auto n = static_cast<size_t>(state.range(0));
+    auto size = sizes(n);
+    auto order = shuffled(n);
+    std::vector<void *> blocks(n);
+    Heap heap;
+    for (auto _ : state) {
+        for (size_t i = 0; i < n; ++i)
+            blocks[i] = heap.allocate(size[i]);
+        for (uint32_t i : order)
+            heap.free(blocks[i]);
+    }
+}
+
+template <typename Heap> void churn(benchmark::State &state)
+{
+    auto n = static_cast<size_t>(state.range(0));
+    auto size = sizes(n);
+    auto order = shuffled(n);
+    std::vector<void *> blocks(n);
+    Heap heap;
+    for (size_t i = 0; i < n; ++i)
+        blocks[i] = heap.allocate(size[i]);
+    for (auto _ : state) {
+        for (size_t i = 0; i < n; ++i) {
+            void *&block = blocks[order[i]];
+            heap.free(block);
+            block = heap.allocate(size[i]);
+        }
+    }
+    for (void *block : blocks)
+        heap.free(block);
+}
+
+void discardPool(benchmark::State &state)
+{
+    auto size = sizes(static_cast<size_t>(state.range(0)));
+    for (auto _ : state) {
+        Pool heap;
+        for (int32_t bytes : size)
+            benchmark::DoNotOptimize(heap.allocate(bytes));
+    }
+}
+
+void discardMimalloc(benchmark::State &state)
+{
+    auto size = sizes(static_cast<size_t>(state.range(0)));
+    for (auto _ : state) {
+        mi_heap_t *heap = mi_heap_new();
+        for (int32_t bytes : size)
+            benchmark::DoNotOptimize(mi_heap_zalloc(heap, static_cast<size_t>(bytes)));
+        mi_heap_destroy(heap);
+    }
+}
+
+/** Not a time: the share of chunk memory beyond what was asked for, in percent. */
+void overhead(benchmark::State &state)
+{
+    auto size = sizes(static_cast<size_t>(state.range(0)));
+    VxHpStatistics(1);
+    double percent = 0;
+    for (auto _ : state) {
+        Pool heap;
+        for (int32_t bytes : size)
+            heap.allocate(bytes);
+        VxHsmUsage usage{};
+        VxHpAreaUsage(static_cast<VxHpPool *>(heap.pool)->area, &usage);
+        percent = 100.0 * (static_cast<double>(usage.chunkBytes) / static_cast<double>(usage.bytes) - 1);
+    }
+    VxHpStatistics(0);
+    state.counters["percent"] = percent;
+}
+
+const bool registered = [] {
+    for (int64_t n : {10'000, 300'000}) {
+        auto add = [n](const char *work, const char *who, void (*run)(benchmark::State &)) {
+            char name[64];
+            std::snprintf(name, sizeof name, "pool %s %lld/%s", work, static_cast<long long>(n), who);
+            benchmark::RegisterBenchmark(name, run)->Arg(n)->Unit(benchmark::kMicrosecond);
+        };
+        add("random order", "vx", randomOrder<Pool>);
+        add("random order", "malloc", randomOrder<Malloc>);
+        add("churn", "vx", churn<Pool>);
+        add("churn", "malloc", churn<Malloc>);
+        add("discard", "vx", discardPool);
+        add("discard", "mimalloc heap", discardMimalloc);
+        add("overhead", "vx", overhead);
+    }
+    return true;
+}();
+
+}

@@ -1,0 +1,82 @@
+// A walk over everything an area consists of, for tests and for finding who
+// wrote past the end of a block.
+
+#include <unordered_set>
+
+#include "heap/pool_area.h"
+#include "heap/pool_chunks.h"
+
+namespace vx::heap {
+
+namespace {
+
+using FreeBlocks = std::unordered_set<const std::byte *>;
+
+const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
+{
+    if (chunk.area != area)
+        return "a chunk of another area";
+    if (wordAt(chunk.base) != guard || wordAt(chunk.base + chunk.size - wordBytes) != guard)
+        return "a guard is overwritten";
+    bool previousIsFree = false;
+    const std::byte *end = chunk.base + chunk.size;
+    for (const std::byte *p = chunk.base + 2 * wordBytes; p != end;) {
+        if (p > end)
+            return "blocks do not end with their chunk";
+        int64_t payload = headerOf(p);
+        if (payload > 0) {
+            if (previousIsFree)
+                return "neighbouring free blocks are not merged";
+            if (payload % unitBytes != 0 || payload > end - p - wordBytes - wordBytes)
+                return "the header of a free block is overwritten";
+            if (wordAt(p + payload) != payload)
+                return "the trailer of a free block is overwritten";
+            free.insert(p);
+        } else {
+            BlockInUse block = inspect(p);
+            if (block.found != Found::block)
+                return "a header or trailer is overwritten";
+            payload = block.payload;
+        }
+        previousIsFree = headerOf(p) > 0;
+        p += payload + tagBytes;
+    }
+    return nullptr;
+}
+
+const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
+{
+    Link back = firstHeadLink + static_cast<Link>(area) * headsPerArea + static_cast<Link>(list);
+    Link link = VgAreas[area].heads[list].first;
+    bool marked = manager().areas[static_cast<size_t>(area)].nonEmpty >> list & 1;
+    if (marked != (link != nullLink))
+        return "the map of lists is wrong";
+    while (link) {
+        const std::byte *p = payloadOf(link);
+        if (free.erase(p) == 0)
+            return "a list names what is no free block";
+        if (listOf(headerOf(p)) != list)
+            return "a free block is on another size's list";
+        if (linksOf(p).back != back)
+            return "a link back is wrong";
+        back = link;
+        link = linksOf(p).next;
+    }
+    return nullptr;
+}
+
+}
+
+const char *verifyArea(int32_t area)
+{
+    FreeBlocks free;
+    for (uint32_t number = manager().areas[static_cast<size_t>(area)].chunks; number; number = chunkAt(number).next)
+        if (const char *wrong = verifyChunk(area, chunkAt(number), free))
+            return wrong;
+    for (int32_t list = 0; list < listCount; ++list)
+        if (const char *wrong = verifyList(area, list, free))
+            return wrong;
+    return free.empty() ? nullptr : "a free block is on no list";
+}
+
+}

@@ -1,0 +1,357 @@
+#include "vx/pool.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "heap/pool.h"
+#include "heap/pool_area.h"
+#include "heap/pool_chunks.h"
+#include "platform/os/os.h"
+#include "tests/support/faults.h"
+#include "tests/support/temp_folder.h"
+#include "vx/err.h"
+
+using namespace vx;
+using namespace vx::heap;
+
+namespace {
+
+std::string complaints;
+
+class Pools : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        VxExitHeapStMgr();
+        complaints.clear();
+        os::setDebuggerSink([](const char *text) { complaints += text; });
+        manager().checking = true;
+    }
+
+    void TearDown() override
+    {
+        VxExitHeapStMgr();
+        manager().checking = false;
+        manager().statistics = false;
+        os::setDebuggerSink(nullptr);
+        EXPECT_EQ(chunkBytesHeld(), 0);
+        VxErrClear();
+    }
+
+    static void *makePool(int32_t kilobytes = 8, const char *name = "test")
+    {
+        void *pool = nullptr;
+        EXPECT_EQ(VxCreHpMemPool(kilobytes, name, 0, nullptr, &pool), 0);
+        return pool;
+    }
+
+    static int32_t areaOf(void *pool) { return static_cast<VxHpPool *>(pool)->area; }
+
+    static void expectSound()
+    {
+        for (int32_t area = FindNextHSMArea(-2); area >= 0; area = FindNextHSMArea(area))
+            ASSERT_STREQ(verifyArea(area), nullptr) << "area " << area;
+    }
+};
+
+int32_t grossAt(void *block)
+{
+    return inspect(static_cast<std::byte *>(block)).payload + tagBytes;
+}
+
+TEST_F(Pools, BlocksHaveTheGrossSizesOfTheLayout)
+{
+    void *pool = makePool();
+    for (auto [size, gross] : {std::pair{1, 16}, {8, 16}, {9, 24}, {16, 24}, {17, 32}, {264, 272}}) {
+        void *block = VxAlocHpMemPool(pool, 1, size);
+        EXPECT_EQ(grossAt(block), gross) << size;
+        EXPECT_EQ(headerOf(static_cast<std::byte *>(block)), -size);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 8, 0u);
+    }
+    expectSound();
+}
+
+TEST_F(Pools, AListOneUnitLargerIsNotUsed)
+{
+    void *pool = makePool();
+    std::vector<void *> blocks;
+    for (int i = 0; i < 6; ++i)
+        blocks.push_back(VxAlocHpMemPool(pool, 1, i % 2 ? 16 : 24)); // gross 24 and 32
+    void *freed = blocks[2];                                         // payload 24
+    VxDeleteMemObj(freed);
+    void *smaller = VxAlocHpMemPool(pool, 1, 16); // payload 16: list 3 is one unit larger
+    EXPECT_NE(smaller, freed);
+    void *exact = VxAlocHpMemPool(pool, 1, 24);
+    EXPECT_EQ(exact, freed);
+    VxDeleteMemObj(exact);
+    void *twoSmaller = VxAlocHpMemPool(pool, 1, 8); // payload 8: two units larger may be split
+    EXPECT_EQ(twoSmaller, freed);
+    expectSound();
+}
+
+TEST_F(Pools, NeighboursMergeAndAFreeChunkGoesBack)
+{
+    void *pool = makePool();
+    VxHsmUsage usage{};
+    std::vector<void *> blocks;
+    auto chunks = [&] {
+        EXPECT_EQ(VxHpAreaUsage(areaOf(pool), &usage), 0u);
+        return usage.chunks;
+    };
+    while (chunks() < 3)
+        blocks.push_back(VxAlocHpMemPool(pool, 1, 100'000));
+    for (size_t i : {0u, 2u, 1u})
+        VxDeleteMemObj(blocks[i]);
+    expectSound();
+    for (size_t i = 3; i < blocks.size(); ++i)
+        VxDeleteMemObj(blocks[i]);
+    EXPECT_EQ(chunks(), 1) << "the pool's own record still lives";
+    expectSound();
+    EXPECT_LE(chunkBytesHeld(), 3 * mebibyte) << "the pool's, the persistent area's, one spare";
+}
+
+TEST_F(Pools, ARandomRunKeepsEveryByteOfEveryLiveBlock)
+{
+    constexpr unsigned seed = 20261121;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    auto below = [&](size_t n) { return static_cast<size_t>(random() % n); };
+    struct Live {
+        void *pool;
+        int32_t size;
+        unsigned char fill;
+    };
+    std::map<void *, Live> live;
+    std::vector<void *> pools;
+    manager().statistics = true;
+
+    auto check = [](void *block, const Live &entry) {
+        auto bytes = static_cast<unsigned char *>(block);
+        ASSERT_TRUE(std::all_of(bytes, bytes + entry.size, [&](unsigned char b) { return b == entry.fill; }));
+    };
+    auto anyLive = [&] { return std::next(live.begin(), static_cast<ptrdiff_t>(below(live.size()))); };
+    for (int step = 0; step < 60'000; ++step) {
+        size_t what = below(1000);
+        if (what < 4 && pools.size() < 200) {
+            pools.push_back(makePool(static_cast<int32_t>(below(3000)), "run"));
+        } else if (what < 6 && !pools.empty()) {
+            size_t which = below(pools.size());
+            std::erase_if(live, [&](const auto &entry) { return entry.second.pool == pools[which]; });
+            ASSERT_EQ(VxFreeHpMemPool(pools[which]), 0u);
+            ASSERT_EQ(VxSetHpMemPool(pools[which]), 1u) << "a freed pool's record";
+            pools.erase(pools.begin() + static_cast<ptrdiff_t>(which));
+        } else if (what < 560) {
+            void *pool = pools.empty() || below(10) == 0 ? nullptr : pools[below(pools.size())];
+            auto size = static_cast<int32_t>(below(20) == 0 ? 1 + below(40'000) : 1 + below(300));
+            auto fill = static_cast<unsigned char>(1 + below(255));
+            if (what < 20)
+                fault::refuse(fault::Kind::allocation, 1); // a chunk request that fails
+            void *block = VxAlocHpMemPool(pool, 1, size);
+            fault::refuse(fault::Kind::allocation, 0);
+            if (!block)
+                continue;
+            check(block, {pool, size, 0});
+            std::memset(block, fill, static_cast<size_t>(size));
+            ASSERT_TRUE(live.try_emplace(block, Live{pool, size, fill}).second);
+        } else if (!live.empty()) {
+            auto entry = anyLive();
+            check(entry->first, entry->second);
+            VxDeleteMemObj(entry->first);
+            VxDeleteMemObj(entry->first); // ignored
+            live.erase(entry);
+        }
+        if (step % 500 == 0)
+            expectSound();
+        if (HasFatalFailure())
+            return;
+    }
+    for (auto &[block, entry] : live)
+        check(block, entry);
+    std::shuffle(pools.begin(), pools.end(), random);
+    for (void *pool : pools)
+        EXPECT_EQ(VxFreeHpMemPool(pool), 0u);
+    expectSound();
+}
+
+TEST_F(Pools, TheAreaTableGrowsPastSeveralSizesAndFreeBlocksSurviveTheMove)
+{
+    std::vector<void *> pools;
+    std::vector<int32_t> sizes{VgNAreas};
+    for (int i = 0; i < 60; ++i) {
+        pools.push_back(makePool());
+        VxDeleteMemObj(VxAlocHpMemPool(pools.back(), 1, 40)); // a free block on a list
+        VxAlocHpMemPool(pools.back(), 1, 8);
+        if (VgNAreas != sizes.back())
+            sizes.push_back(VgNAreas);
+    }
+    ASSERT_GE(sizes.size(), 3u);
+    EXPECT_EQ(sizes[0], 2);
+    EXPECT_EQ(sizes[1], os::pageSize() == 4096 ? 12 : sizes[1]);
+    expectSound();
+    for (void *pool : pools)
+        EXPECT_NE(VxAlocHpMemPool(pool, 1, 40), nullptr);
+    expectSound();
+    for (void *pool : pools)
+        EXPECT_EQ(VxFreeHpMemPool(pool), 0u);
+}
+
+TEST_F(Pools, WhatIsNoBlockInUseIsIgnoredAndReported)
+{
+    void *pool = makePool(8, "model");
+    auto block = static_cast<unsigned char *>(VxAlocHpMemPool(pool, 1, 40));
+    auto next = static_cast<unsigned char *>(VxAlocHpMemPool(pool, 1, 40));
+    int onStack = 0;
+    VxDeleteMemObj(nullptr);
+    EXPECT_EQ(complaints, "");
+    for (void *foreign : {static_cast<void *>(&onStack), static_cast<void *>(block + 4),
+                          reinterpret_cast<void *>(~uintptr_t{0}), reinterpret_cast<void *>(uintptr_t{8})}) {
+        complaints.clear();
+        VxDeleteMemObj(foreign);
+        EXPECT_NE(complaints, "");
+        EXPECT_EQ(AskHeapSMemArea(foreign), -1);
+    }
+
+    std::memset(block, 0xEE, 44); // over the end
+    complaints.clear();
+    VxDeleteMemObj(block);
+    EXPECT_NE(complaints.find("VX:model"), std::string::npos);
+    EXPECT_NE(verifyArea(areaOf(pool)), nullptr);
+
+    VxDeleteMemObj(next);
+    complaints.clear();
+    VxDeleteMemObj(next);
+    EXPECT_NE(complaints.find("twice"), std::string::npos);
+    EXPECT_EQ(AskHeapSMemArea(next), -1);
+    EXPECT_EQ(AskHeapSMemArea(nullptr), -2);
+}
+
+TEST_F(Pools, RefusalsAreFiledAndChangeNothing)
+{
+    void *pool = makePool();
+    struct Case {
+        void *pool;
+        int32_t count, size;
+    };
+    int notAPool = 0;
+    for (auto [where, count, size] : {Case{pool, 0, 8}, {pool, 8, 0}, {pool, -1, 8}, {pool, 70'000, 70'000},
+                                      {&notAPool, 1, 8}, {nullptr, 1, 0}})
+        EXPECT_EQ(VxAlocHpMemPool(where, count, size), nullptr);
+    void *block = &notAPool;
+    EXPECT_EQ(VxAlocSameMPool(&notAPool, 1, 8, &block), 1u);
+    EXPECT_EQ(block, nullptr);
+    Payload transient = allocate(0, 8);
+    EXPECT_EQ(VxAlocSameMPool(transient, 1, 8, &block), 1u) << "area 0 serves nobody else";
+    EXPECT_EQ(VxAlocSameMPool(pool, 1, 8, &block), 0u);
+    EXPECT_EQ(AskHeapSMemArea(block), areaOf(pool));
+    EXPECT_EQ(VxAlocSameMPool(nullptr, 1, 8, &block), 0u);
+    EXPECT_EQ(AskHeapSMemArea(block), 1);
+    EXPECT_EQ(VxFreeHpMemPool(nullptr), 1u);
+    EXPECT_EQ(VxFreeHpMemPool(block), 1u) << "a block that is no pool's record";
+    expectSound();
+}
+
+TEST_F(Pools, TheLiveBlocksOfTheTransientAreaStandOnOneList)
+{
+    VxInitHeapStMgr();
+    EXPECT_FALSE(VxInitHeapStMgr());
+    Payload blocks[3];
+    for (Payload &block : blocks)
+        block = allocate(0, 20);
+    EXPECT_EQ(payloadOf(manager().liveBlocks), blocks[2]);
+    VxDeleteMemObj(blocks[1]);
+    VxDeleteMemObj(blocks[2]);
+    EXPECT_EQ(payloadOf(manager().liveBlocks), blocks[0]);
+    expectSound();
+    VxDeleteMemObj(blocks[0]);
+    EXPECT_EQ(manager().liveBlocks, nullLink);
+}
+
+TEST_F(Pools, TheCurrentPoolEndsWithItsPool)
+{
+    void *first = makePool();
+    void *second = makePool();
+    EXPECT_EQ(VxSetHpMemPool(first), 0u);
+    EXPECT_EQ(VxSetHpMemPool(first), 0u);
+    EXPECT_EQ(VxFreeHpMemPool(second), 0u);
+    EXPECT_EQ(VxPoolGetCrnt(), first);
+    EXPECT_EQ(VxSetHpMemPool(second), 1u);
+    EXPECT_EQ(VxPoolGetCrnt(), first);
+    EXPECT_EQ(VxFreeHpMemPool(first), 0u);
+    EXPECT_EQ(VxPoolGetCrnt(), nullptr);
+}
+
+TEST_F(Pools, ChunksOfAPoolAreWholePagesOfAtLeastEightKilobytes)
+{
+    for (int32_t kilobytes : {0, -757, 7, 8}) {
+        auto record = static_cast<VxHpPool *>(makePool(kilobytes));
+        EXPECT_EQ(record->kilobytes, 8);
+        EXPECT_EQ(VgAreas[record->area].chunkSize[0], 8192);
+        EXPECT_STREQ(record->name, "test");
+        EXPECT_STREQ(record->description, "");
+    }
+    auto record = static_cast<VxHpPool *>(makePool(3000, nullptr));
+    EXPECT_EQ(record->kilobytes, 3000);
+    EXPECT_STREQ(record->name, "");
+    VxHsmUsage usage{};
+    ASSERT_EQ(VxHpAreaUsage(record->area, &usage), 0u);
+    EXPECT_STREQ(usage.name, "VX:");
+    EXPECT_EQ(usage.chunkBytes, 3 * mebibyte);
+}
+
+TEST_F(Pools, TheCapHoldsForAllAreasTogether)
+{
+    test::Environment cap("BHSM_PSEUDO_VM_LIMIT", "0x300000");
+    void *pool = makePool();
+    int n = 0;
+    while (VxAlocHpMemPool(pool, 1, 500'000))
+        ASSERT_LT(++n, 100);
+    EXPECT_LE(chunkBytesHeld(), 3 * mebibyte);
+    EXPECT_GE(n, 4);
+    expectSound();
+    VxFreeHpMemPool(pool);
+    EXPECT_NE(makePool(), nullptr);
+}
+
+TEST_F(Pools, NothingLeaksWhenAnyAllocationIsRefused)
+{
+    test::refusingEachAllocation([] {
+        void *pool = nullptr;
+        bool made = VxCreHpMemPool(8, "refused", 0, "described", &pool) == 0;
+        void *block = made ? VxAlocHpMemPool(pool, 1, 3'000'000) : nullptr;
+        if (fault::refusals(fault::Kind::allocation) == 0)
+            EXPECT_NE(block, nullptr);
+        if (pool)
+            VxFreeHpMemPool(pool);
+        VxExitHeapStMgr();
+        EXPECT_EQ(chunkBytesHeld(), 0);
+    });
+}
+
+TEST_F(Pools, StatisticsTellWhereMemoryWent)
+{
+    VxHpStatistics(1);
+    void *pool = makePool(8, "faces");
+    VxHsmUsage before{}, usage{};
+    VxHpAreaUsage(areaOf(pool), &before);
+    void *block = VxAlocHpMemPool(pool, 10, 10);
+    VxAlocHpMemPool(pool, 1, 1);
+    VxDeleteMemObj(block);
+    ASSERT_EQ(VxHpAreaUsage(areaOf(pool), &usage), 0u);
+    EXPECT_STREQ(usage.name, "VX:faces");
+    EXPECT_EQ(usage.requests - before.requests, 2);
+    EXPECT_EQ(usage.frees - before.frees, 1);
+    EXPECT_EQ(usage.bytes - before.bytes, 1);
+    EXPECT_EQ(usage.peakBytes - before.bytes, 101);
+    EXPECT_EQ(usage.grossBytes - before.grossBytes, 16);
+    EXPECT_EQ(VgAreas[areaOf(pool)].statistics[4], static_cast<int32_t>(usage.requests));
+    EXPECT_EQ(VxHpAreaUsage(99, &usage), 1u);
+    EXPECT_EQ(VxHpAreaUsage(-1, &usage), 1u);
+}
+
+}
