@@ -3,7 +3,7 @@ add_library(vxtools_settings INTERFACE)
 target_compile_features(vxtools_settings INTERFACE cxx_std_20)
 target_compile_options(vxtools_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
-    -Wnull-dereference -Wformat=2 -Wno-format-nonliteral
+    -Wformat=2 -Wno-format-nonliteral
     -fno-semantic-interposition
     # Results are the same on every machine: no contraction of a*b + c.
     -ffp-contract=off)
@@ -18,6 +18,6 @@ if(VX_SANITIZE)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # Instrumented code confuses this analysis of g++ 12.
         target_compile_options(vxtools_settings INTERFACE
-            -Wno-null-dereference -Wno-maybe-uninitialized -Wno-stringop-overflow)
+            -Wno-maybe-uninitialized -Wno-stringop-overflow)
     endif()
 endif()
