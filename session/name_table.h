@@ -53,6 +53,10 @@ template <typename Record> class NameTable {
     using Entries = std::list<Entry>;
 
 public:
+    NameTable() = default;
+    NameTable(NameTable &&) = default;
+    NameTable &operator=(NameTable &&) = default;
+
     /** The record of a name, or null. */
     Record *find(std::string_view name) noexcept
     {
