@@ -93,9 +93,9 @@ void appendPeer(benchmark::State &state, size_t length)
 
 // ---------------------------------------------------------------- natural comparison
 
-constexpr const char *names[] = {"bracket9.prt",       "bracket10.prt",     "bracket10_rev2.prt", "bracket10_rev12.prt",
-                                 "gear_m2_z18_b20",    "gear_m2_z18_b8",    "M8x1.25x40",         "M8x1.25x100",
-                                 "assembly of part 7", "assembly of part 7"};
+constexpr const char *names[] = {
+    "bracket9.prt",   "bracket10.prt", "bracket10_rev2.prt", "bracket10_rev12.prt", "gear_m2_z18_b20",
+    "gear_m2_z18_b8", "M8x1.25x40",    "M8x1.25x100",        "assembly of part 7",  "assembly of part 7"};
 
 template <typename Compare> void compareAll(benchmark::State &state, Compare compare)
 {
@@ -106,7 +106,8 @@ template <typename Compare> void compareAll(benchmark::State &state, Compare com
 
 // ---------------------------------------------------------------- fields
 
-constexpr char record[] = "1024,bracket,steel S235JR,7.85,120.5,40,3,sheet metal,released,2026-11-21,jm,rev B";
+constexpr char record[] =
+    "1024,bracket,steel S235JR,7.85,120.5,40,3,sheet metal,released,2026-11-21,jm,rev B";
 constexpr int32_t fieldCount = 12;
 constexpr size_t fieldWidth = 80;
 
@@ -124,7 +125,8 @@ constexpr size_t fieldWidth = 80;
             if (const char *stop = static_cast<const char *>(std::memchr(s, '\r', length)))
                 length = static_cast<size_t>(stop - s);
         whole &= length < fieldWidth;
-        std::memcpy(fields + fieldWidth * static_cast<size_t>(n++), s, length < fieldWidth ? length : fieldWidth - 1);
+        std::memcpy(fields + fieldWidth * static_cast<size_t>(n++), s,
+                    length < fieldWidth ? length : fieldWidth - 1);
         if (!end)
             break;
         s = end + 1;
@@ -229,7 +231,8 @@ BENCHMARK_CAPTURE(fieldsVx, single, western, ',')->Name("str 12 fields, single-b
 BENCHMARK(fieldsPeer)->Name("str 12 fields, single-byte/strchr+memcpy");
 BENCHMARK_CAPTURE(fieldsVx, pair, chinese, ',')->Name("str 12 fields, double-byte/vx");
 BENCHMARK(fieldsPeer)->Name("str 12 fields, double-byte/strchr+memcpy");
-BENCHMARK_CAPTURE(fieldsVx, trail, chinese, '|')->Name("str 12 fields, double-byte, delimiter may be half/vx");
+BENCHMARK_CAPTURE(fieldsVx, trail, chinese, '|')
+    ->Name("str 12 fields, double-byte, delimiter may be half/vx");
 BENCHMARK(fieldsPeer)->Name("str 12 fields, double-byte, delimiter may be half/strchr+memcpy");
 BENCHMARK_CAPTURE(replaceAll, single, western, replaceVx)->Name("str substitution/vx");
 BENCHMARK_CAPTURE(replaceAll, peer, western, replacePeer)->Name("str substitution/strstr");

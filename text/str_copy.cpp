@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t longestChar = 4;
 
-/** End a text at a character, looking at nothing behind its buffer, which it may fill without a terminator. */
+/** End a text at a character. It may fill its buffer without a terminator: nothing behind it is looked at. */
 void cutWithin(char *s, size_t position, size_t size)
 {
     if (size - position >= longestChar || std::memchr(s + position, '\0', size - position)) {

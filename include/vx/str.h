@@ -198,7 +198,7 @@ VX_API int32_t VxStrSame(const char *a, const char *b);
  */
 VX_API int32_t VxStrSameI(const char *a, const char *b);
 
-/** Compare by characters as numbers (see the top): every double-byte character comes behind all single ones. */
+/** Compare by characters as numbers (see the top), so double-byte characters come behind all single ones. */
 VX_API int32_t VxStrcmp(const char *a, const char *b);
 
 /** As VxStrcmp, the first `n` characters. */
@@ -366,7 +366,7 @@ VX_API char *VxStrPrev(const char *start, const char *p);
 /** Move to just behind the next `delim`; 1 and no move when there is none. */
 VX_API uint32_t VxStrMovePtr(char **p, int32_t delim);
 
-/** Move back onto the last `delim` before `*p`, so that another call finds the one before; 1 when there is none. */
+/** Move back onto the last `delim` before `*p`; another call finds the one before. 1 when there is none. */
 VX_API uint32_t VxStrMovePtrRev(const char *start, char **p, int32_t delim);
 
 /** Move over white space, or to the next white space or the terminator: the bytes passed. */
@@ -464,7 +464,7 @@ VX_API uint32_t VxStrFitToFrmt(const char *src, int32_t mode, int32_t width, int
  */
 VX_API uint32_t VxStrFmtLines(const char *text, int32_t width, char *lines, int32_t lineSize, int32_t *count);
 
-/** A label: a number with a text before and behind it. The texts need no terminator when they fill their arrays. */
+/** A label: a number with a text before and behind it, which may fill their arrays without a terminator. */
 typedef struct VxLblFmt {
     char prefix[32];
     char suffix[32];
@@ -520,7 +520,7 @@ VX_API int32_t VxCharDb2Sb(uint8_t lead, uint8_t trail, int32_t *value);
 
 /* ------------------------------------------------------------------ print */
 
-/** As snprintf; a text that is too long is cut, which is no failure. 1 when nothing came out or formatting failed. */
+/** As snprintf; a cut is no failure here. 1 when nothing came out or formatting failed. */
 VX_API uint32_t VxSprintf(char *dst, int32_t size, const char *format, ...);
 
 /** As printf and fprintf; 1 when nothing was written or an error occurred. */
