@@ -78,7 +78,7 @@ struct Break {
     const char *next; ///< where the next one begins
 };
 
-/** Where the line at `p` ends: at a newline, else before the last word that does not fit, else at the width. */
+/** Where the line at `p` ends: at a newline, else before the word that does not fit, else at the width. */
 Break breakLine(const text::CodePage &page, const char *p, int32_t width)
 {
     const char *at = p;

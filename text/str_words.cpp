@@ -98,7 +98,7 @@ uint32_t VxStrMovePtrRev(const char *start, char **p, int32_t delim)
     const text::CodePage &page = text::codePage();
     const uint32_t wanted = text::asCharValue(delim);
     const char *last = nullptr;
-    for (const char *at = start; at < *p && (at = text::findChar(page, at, wanted)) && at < *p; ) {
+    for (const char *at = start; at < *p && (at = text::findChar(page, at, wanted)) && at < *p;) {
         last = at;
         at += text::valueBytes(wanted);
     }

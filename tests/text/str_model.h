@@ -69,7 +69,7 @@ inline std::string whole(const std::string &s, size_t bytes)
 inline std::string withoutHalves(const std::string &s)
 {
     Chars chars = split(s);
-    std::erase_if(chars, [](const std::string &ch) { return ch.size() == 1 && static_cast<uint8_t>(ch[0]) >= 0x80; });
+    std::erase_if(chars, [](const auto &ch) { return ch.size() == 1 && (ch[0] & 0x80) != 0; });
     return join(chars);
 }
 
@@ -114,10 +114,11 @@ protected:
     std::string anyPiece()
     {
         static const std::string_view pieces[] = {
-            " ",        "\t",       "\r",       "\n",           ",",            "|",        "\\",       "\\n",
-            "a",        "A",        "e",        "@",            "1",            "09",       ".",        "\x81",
-            "\x81@",    "\x81|",    "\x81\\",   "\xA1\xA1",     "\xA1@",        "\xB0" "A", "\xB0" "a", "\xE3\x80\x80",
-            "\xC3\xA9", "\xC3",     "\xE2\x82", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xFE\xFE", "\xFF", "\x80"};
+            " ",        "\t",           "\r",       "\n",   ",",      "|",        "\\",       "\\n",
+            "a",        "A",            "e",        "@",    "1",      "09",       ".",        "\201",
+            "\201@",    "\201|",        "\201\\",   "\260A", "\260a",  "\xA1\xA1", "\xA1@",    "\xC3",
+            "\xC3\xA9", "\xE2\x82",     "\x80",     "\xFF", "\xFE\xFE", "\xE3\x80\x80", "\xE2\x82\xAC",
+            "\xF0\x9F\x98\x80"};
         return std::string(pieces[any(std::size(pieces))]);
     }
 

@@ -65,7 +65,7 @@ TEST_P(StrCopy, CopyingToACharacterStopsThereOrAtTheBuffersEnd)
 TEST(StrCopyBytes, ACutClearsTheBytesItPasses)
 {
     CodePageScope page(932);
-    char s[] = "ab\x81\x40" "cd";
+    char s[] = "ab\201@cd";
     VxStrTruncAt(s, 3);
     EXPECT_EQ(std::string(s, sizeof s), std::string("ab\0\0cd\0", 7));
 }

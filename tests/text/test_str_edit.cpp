@@ -104,7 +104,8 @@ TEST_P(StrEdit, SubstitutionFindsPatternsOnlyAtCharacters)
         }
         Buffer buffer(s, s.size() + 1 + any(6));
         const size_t room = static_cast<size_t>(buffer.size()) - 1;
-        ASSERT_EQ(VxStrReplaceSub(buffer.data(), buffer.size(), join(pattern).c_str(), "<>"), expected.size() > room);
+        ASSERT_EQ(VxStrReplaceSub(buffer.data(), buffer.size(), join(pattern).c_str(), "<>"),
+                  expected.size() > room);
         ASSERT_EQ(buffer.text(), whole(expected, room));
     }
 }
@@ -170,9 +171,9 @@ TEST(StrEditBytes, LineEndsAreDroppedOrNormalised)
 
 TEST(StrEditBytes, TrailingZerosGoOnlyBehindADecimalPoint)
 {
-    const char *cases[][2] = {{"1.500", "1.5"}, {"2.000", "2"},     {"2.", "2"},       {"100", "100"}, {"-0.0", "-0"},
-                              {".0", "0"},      {"1e10", "1e10"},   {"1.5e10", "1.5e10"}, {"", ""},    {".", ""},
-                              {"0.10203", "0.10203"}};
+    const char *cases[][2] = {{"1.500", "1.5"}, {"2.000", "2"}, {"2.", "2"},           {"100", "100"},
+                              {"-0.0", "-0"},   {".0", "0"},    {"1e10", "1e10"},      {"1.5e10", "1.5e10"},
+                              {"", ""},         {".", ""},      {"0.10203", "0.10203"}};
     for (auto &[before, after] : cases)
         EXPECT_EQ(edited(before, VxStrRemZero), after) << before;
 }

@@ -138,7 +138,8 @@ TEST(StrFieldsBytes, MissingTextIsNoFailureAMissingArrayIs)
     int32_t count = 1;
     EXPECT_EQ(VxStrParse(nullptr, ',', field, &count), 0u);
     EXPECT_EQ(count, 0);
-    for (auto [array, width, capacity] : {std::tuple{static_cast<char *>(nullptr), 32, 1}, {field, 0, 1}, {field, 32, 0}}) {
+    for (auto [array, width, capacity] :
+         {std::tuple{static_cast<char *>(nullptr), 32, 1}, {field, 0, 1}, {field, 32, 0}}) {
         count = capacity;
         EXPECT_EQ(VxStrParseUtil("a", ',', ',', width, array, &count), 1u);
         EXPECT_EQ(count, 0);
@@ -237,7 +238,8 @@ TEST(StrFieldsBytes, AUidIsThreeIntegersAndNothingElse)
         EXPECT_EQ(VxStrParseUid(good, uid), 0u) << good;
         EXPECT_EQ(std::vector<int32_t>(uid, uid + 3), (std::vector<int32_t>{1, -2, 3})) << good;
     }
-    for (const char *bad : {"", "1,2", "1,2,3,4", "1,,3", "1;2;3", "1,2,x", "1-2-3", "1,2,2147483648", ",1,2,3"}) {
+    for (const char *bad :
+         {"", "1,2", "1,2,3,4", "1,,3", "1;2;3", "1,2,x", "1-2-3", "1,2,2147483648", ",1,2,3"}) {
         int32_t uid[3] = {7, 8, 9};
         EXPECT_EQ(VxStrParseUid(bad, uid), 1u) << bad;
         EXPECT_EQ(uid[0], 7) << bad;
