@@ -43,8 +43,9 @@ size_t cutLength(const char *text, size_t length, size_t limit) noexcept
 
 bool beginsWithTag(std::string_view line, std::string_view tag) noexcept
 {
-    return !tag.empty() && line.size() >= tag.size()
-        && std::equal(tag.begin(), tag.end(), line.begin(), [](char a, char b) { return lower(a) == lower(b); });
+    return !tag.empty() && line.size() >= tag.size() &&
+           std::equal(tag.begin(), tag.end(), line.begin(),
+                      [](char a, char b) { return lower(a) == lower(b); });
 }
 
 bool parseAlertLine(std::string_view line, std::string_view tag, AlertEntry &entry) noexcept

@@ -14,7 +14,7 @@ class Catalogue {
 public:
     Catalogue() = default;
 
-    /** Take the contents of a file, with one zero byte behind them. `tag` is the current language's, or empty. */
+    /** Read the contents of a file, one zero byte behind them. `tag` is the current language's, or empty. */
     Catalogue(std::vector<char> bytes, std::string_view tag);
 
     int32_t count() const noexcept { return static_cast<int32_t>(texts_.size()); }

@@ -38,7 +38,10 @@ constexpr size_t messageSize = 2040;
 /** The key "Debug.<channel><suffix>". */
 class ChannelKey {
 public:
-    ChannelKey(const char *channel, const char *suffix) { VxSprintf(text_, keySize, "Debug.%s%s", channel, suffix); }
+    ChannelKey(const char *channel, const char *suffix)
+    {
+        VxSprintf(text_, keySize, "Debug.%s%s", channel, suffix);
+    }
 
     operator const char *() const { return text_; }
 
@@ -54,8 +57,8 @@ int32_t number(const char *key)
 
 bool isNameCharacter(char c)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')
-        || (c && std::strchr("._-+", c));
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           (c && std::strchr("._-+", c));
 }
 
 /** Where a channel's trace goes: a stream's name, or a file's and how it is opened. */
@@ -79,7 +82,8 @@ Target targetOf(const char *channel)
         name = append + 2;
         target.append = true;
     }
-    auto length = static_cast<size_t>(std::find_if_not(name, name + std::strlen(name), isNameCharacter) - name);
+    auto length =
+        static_cast<size_t>(std::find_if_not(name, name + std::strlen(name), isNameCharacter) - name);
     if (length > 0) {
         std::memcpy(target.name, name, length);
         target.name[length] = '\0';
@@ -99,7 +103,8 @@ const char *prefixOf(int32_t kind)
 using namespace vx;
 using namespace vx::frame;
 
-int32_t VxGetDbgConfig(const char *name, char *file, int32_t size, int32_t *append, int32_t *group, int32_t *level)
+int32_t VxGetDbgConfig(const char *name, char *file, int32_t size, int32_t *append, int32_t *group,
+                       int32_t *level)
 {
     if (!name || !file || size < 1 || !append || !group || !level)
         return 0;

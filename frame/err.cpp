@@ -55,8 +55,7 @@ void setWhere(ErrorRecord &record, const char *where) noexcept
 {
     size_t length = where ? std::strlen(where) : 0;
     size_t start = length > maxErrorWhere ? length - maxErrorWhere : 0;
-    while (start > 0 && start < length
-           && text::boundaryBefore(text::codePage(), where, start) != start)
+    while (start > 0 && start < length && text::boundaryBefore(text::codePage(), where, start) != start)
         ++start;
     if (length > start)
         std::memcpy(record.where, where + start, length - start);
@@ -168,7 +167,8 @@ uint32_t VxErrLogArgs(int32_t id, int32_t number, const char *where, int32_t ext
     return VxErrLogVarArg(~id, number, severity, where, extra, format, args);
 }
 
-uint32_t VxErrLogMsg(int32_t number, int32_t severity, const char *where, int32_t extra, const char *format, ...)
+uint32_t VxErrLogMsg(int32_t number, int32_t severity, const char *where, int32_t extra, const char *format,
+                     ...)
 {
     va_list args;
     va_start(args, format);

@@ -167,9 +167,8 @@ int32_t VxErrIsLogged(int32_t id, int32_t number)
 {
     ErrorState &state = errorState();
     std::scoped_lock lock(state.mutex);
-    return std::any_of(state.pending.begin(), state.pending.end(), [=](const ErrorRecord &record) {
-        return record.id == id && record.number == number;
-    });
+    return std::any_of(state.pending.begin(), state.pending.end(),
+                       [=](const ErrorRecord &record) { return record.id == id && record.number == number; });
 }
 
 uint32_t VxErrStatus(int32_t *errors, int32_t *warnings, int32_t *others)

@@ -26,19 +26,19 @@ void forwardToEventLog(int32_t severity, const char *text)
 {
     int32_t level = levelOf(severity);
     const char *source = EsGeneralGetName(errorCategory);
+    const char *label = EsGeneralGetLabel(level);
     if (EsControlHasForm()) {
         EsControlGetField("%s", text);
         EsLogControl(errorCategory, level);
-        EsEnter(levelControl, text);
+        EsEnter(levelControl, label);
         EsLogGeneral(source, level, "%s", text);
         EsLeave(levelControl);
         return;
     }
-    const char *label = EsGeneralGetLabel(level);
-    EsLogGeneral(source, level, "%s%s", label, text);
+    EsLogGeneral(source, level, "%s", text);
     if (level == levelError) {
-        EsEnter(level, text);
-        EsLogGeneral(source, level, "%s%s", label, text);
+        EsEnter(level, label);
+        EsLogGeneral(source, level, "%s", text);
         EsLeave(level);
     }
 }

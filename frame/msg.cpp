@@ -42,7 +42,8 @@ std::vector<char> readWhole(const char *path)
 {
     std::FILE *opened = nullptr;
     os::FileStatus status;
-    if (os::fileStatus(path, status) != os::Error::none || os::openFile(path, "rb", opened) != os::Error::none)
+    if (os::fileStatus(path, status) != os::Error::none ||
+        os::openFile(path, "rb", opened) != os::Error::none)
         return {};
     std::unique_ptr<std::FILE, CloseStream> stream(opened);
     auto size = static_cast<size_t>(status.size);

@@ -34,6 +34,7 @@ typedef uint32_t (*VxUnitConvFn)(const char *unit, double *factor, int32_t *unit
 VX_API uint32_t VxParseGeEx(const char *text, int32_t *constant, VsCnsGenOp **tree);
 VX_API uint32_t VxParseGeExExtended(const char *text, VsCnsGenOp **tree);
 VX_API uint32_t VxParseVarReplace(const char *name, const char *replacement, const char *text, char *out);
+VX_API int32_t VxUnitTableGet(int32_t index, const char **name, double *factor, int32_t *unitClass);
 VX_API void VxCbGetUnitConv(VxUnitConvFn fn);
 
 VX_C_END
