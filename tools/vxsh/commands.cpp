@@ -75,12 +75,12 @@ int eval(const Options &options)
         return failed;
     std::optional<Unit> unit;
     if (!options.unit.empty() && !(unit = findUnit(options.unit)))
-        return fail("there is no unit '" + options.unit + "'; see 'vxsh units'");
+        return fail("There is no unit '" + options.unit + "'; see 'vxsh units'.");
     Result result;
     if (auto problem = request.formula.evaluate(request.model, unit ? &*unit : nullptr, result))
         return fail(*request.text, *problem);
     if (!result.isNumber())
-        return fail(*request.text, {"the formula gives a " + kindName(result) + ", not a number; see 'vxsh value'",
+        return fail(*request.text, {"The formula gives a " + kindName(result) + ", not a number; see 'vxsh value'.",
                                     {0, request.text->size()}});
     std::printf("%s\n", valueText(result, unit ? &*unit : nullptr).c_str());
     return done;
@@ -104,7 +104,6 @@ int tree(const Options &options)
     if (auto problem = formula.parse(options.arguments[0]))
         return fail(options.arguments[0], *problem);
     VxGenExPrint(formula.tree());
-    std::fputc('\n', stdout);
     return done;
 }
 
@@ -124,7 +123,7 @@ int replace(const Options &options)
     size_t most = formula.size() / std::max<size_t>(name.size(), 1) * text.size() + formula.size() + 1;
     std::string out(most, '\0');
     if (VxParseVarReplace(name.c_str(), text.c_str(), formula.c_str(), out.data()))
-        return fail(formula, {"the formula does not refer to '" + name + "'", {0, formula.size()}});
+        return fail(formula, {"The formula does not refer to '" + name + "'.", {0, formula.size()}});
     std::printf("%s\n", out.c_str());
     return done;
 }

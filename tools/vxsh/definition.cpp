@@ -47,10 +47,10 @@ std::optional<Problem> readDefinition(std::string line, Definition &out)
     std::string_view text = out.line;
 
     if (size_t zero = text.find('\0'); zero != std::string_view::npos)
-        return Problem{"the line holds a zero byte", {zero, 1}};
+        return Problem{"The line holds a zero byte.", {zero, 1}};
     size_t equals = text.find('=');
     if (equals == std::string_view::npos)
-        return Problem{"no '=' divides a name from a formula", trimmedSpan(text, 0, text.size())};
+        return Problem{"No '=' divides a name from a formula.", trimmedSpan(text, 0, text.size())};
 
     std::string_view left = text.substr(0, equals);
     size_t nameStart = left.find_first_not_of(blanks);
@@ -67,13 +67,13 @@ std::optional<Problem> readDefinition(std::string line, Definition &out)
     out.formulaAt = trimmedSpan(text, equals + 1, text.size());
 
     if (out.name.empty())
-        return Problem{"the name is missing", {hasUnit ? colon : equals, 1}};
+        return Problem{"The name is missing.", {hasUnit ? colon : equals, 1}};
     if (out.name.size() > longestName)
-        return Problem{"the name is longer than " + std::to_string(longestName) + " bytes", out.nameAt};
+        return Problem{"The name is longer than " + std::to_string(longestName) + " bytes.", out.nameAt};
     if (hasUnit && out.unit.empty())
-        return Problem{"the unit is missing", {colon, 1}};
+        return Problem{"The unit is missing.", {colon, 1}};
     if (out.formulaAt.length == 0)
-        return Problem{"the formula is missing", {equals, 1}};
+        return Problem{"The formula is missing.", {equals, 1}};
     return std::nullopt;
 }
 

@@ -5,12 +5,14 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "vx/diagnose.hpp"
 #include "vx/parse.h"
 #include "vx/str.h"
 #include "vx/tools.h"
 
+#include "tools/vxsh/conditional.h"
+#include "tools/vxsh/explain.h"
 #include "tools/vxsh/messages.h"
-#include "tools/vxsh/number.h"
 
 namespace vxsh {
 
@@ -18,9 +20,13 @@ namespace {
 
 using namespace HESKET::Talm::Tool::Evaluation;
 
-/** Kinds of operands and codes of operations in the toolkit's trees. */
-constexpr int32_t subtree = 1, variable = 2, text = 7;
-constexpr int32_t leaf = 1, conditional = 24, num2str = 43, date = 45, substr = 46, vector = 68, point = 69;
+/** What the toolkit's trees are made of. */
+namespace kind {
+constexpr int32_t tree = 1, variable = 2, text = 7;
+}
+namespace op {
+constexpr int32_t num2str = 43, substr = 46, vector = 68, point = 69;
+}
 
 /** Calls visit(node) for every node, without recursion: chains may be very long. */
 template <typename Node, typename Visit> void eachNode(Node *root, Visit &&visit)
@@ -33,7 +39,7 @@ template <typename Node, typename Visit> void eachNode(Node *root, Visit &&visit
         open.pop_back();
         visit(*node);
         for (int32_t i = node->argc; i-- > 0;)
-            if (node->slot[i].kind == subtree)
+            if (node->slot[i].kind == kind::tree)
                 open.push_back(static_cast<VsCnsGenOp *>(node->slot[i].value.ptr));
     }
 }
@@ -111,7 +117,9 @@ VxDimNum inBaseUnits(const VxDimNum &number, const Unit *unit)
 
 std::string dimensionText(const VxDimNum &number)
 {
-    return isPlain(number) ? "a plain number" : "in " + baseUnit(number);
+    char text[96];
+    VxExprDimText(&number, text, sizeof text);
+    return text;
 }
 
 /** True when the formula makes or reads a text, a vector or a point, so that numbers alone do not do. */
@@ -119,42 +127,15 @@ bool handlesObjects(const VsCnsGenOp *tree, const Variables &variables)
 {
     bool found = false;
     eachNode(tree, [&](const VsCnsGenOp &node) {
-        found = found || (node.op >= num2str && node.op <= substr) || node.op == vector || node.op == point;
+        bool makesText = node.op >= op::num2str && node.op <= op::substr;
+        found = found || makesText || node.op == op::vector || node.op == op::point;
         for (int32_t i = 0; i < node.argc; ++i) {
             const VsCnsGenSlot &slot = node.slot[i];
-            const Result *result = slot.kind == variable ? variables.find(textOf(slot)) : nullptr;
-            found = found || slot.kind == text || (result && !result->isNumber());
+            const Result *result = slot.kind == kind::variable ? variables.find(textOf(slot)) : nullptr;
+            found = found || slot.kind == kind::text || (result && !result->isNumber());
         }
     });
     return found;
-}
-
-/** The operand as a tree; `made` holds it when it is a leaf. */
-const VsCnsGenOp *operand(const VsCnsGenOp *node, int32_t i, VsCnsGenOp &made)
-{
-    VsCnsGenSlot slot = node->slot[i];
-    if (slot.kind == subtree)
-        return static_cast<const VsCnsGenOp *>(slot.value.ptr);
-    made = {leaf, 1, {slot, {}, {}}};
-    return &made;
-}
-
-/**
- * Conditionals choose between numbers in the toolkit. Around texts, vectors
- * and points they are resolved here: the tree that the conditions lead to, or
- * null when one cannot be evaluated.
- */
-const VsCnsGenOp *chosen(const VsCnsGenOp *tree, const Variables &variables, VsCnsGenOp &made)
-{
-    constexpr double tolerance = 1e-12;
-    while (tree->op == conditional && handlesObjects(tree, variables)) {
-        VxDimNum condition = expected(nullptr);
-        if (VxGenExEvalRcrs(operand(tree, 0, made), nullptr, nullptr, &condition))
-            return nullptr;
-        bool holds = std::fabs(condition.factor * condition.value) > tolerance;
-        tree = operand(tree, holds ? 1 : 2, made);
-    }
-    return tree;
 }
 
 }
@@ -182,9 +163,11 @@ std::optional<Problem> Formula::parse(const std::string &formula)
     int32_t constant = 0;
     uint32_t failed = VxParseGeEx(text_.c_str(), &constant, &tree);
     tree_.reset(tree);
-    if (failed)
-        return Problem{Messages::takeLine("the formula cannot be read"), {0, text_.size()}};
-    return std::nullopt;
+    if (!failed)
+        return std::nullopt;
+    VxExprDiag diag;
+    VxExprDiagParse(text_.c_str(), 0, 1, &diag);
+    return explained(diag);
 }
 
 std::vector<std::string> Formula::variables() const
@@ -200,9 +183,9 @@ std::vector<std::string> Formula::variables() const
     while (!open.empty()) {
         const VsCnsGenSlot &slot = *open.back();
         open.pop_back();
-        if (slot.kind == subtree)
+        if (slot.kind == kind::tree)
             openSlots(static_cast<const VsCnsGenOp *>(slot.value.ptr));
-        else if (slot.kind == variable && seen.insert(textOf(slot)).second)
+        else if (slot.kind == kind::variable && seen.insert(textOf(slot)).second)
             names.emplace_back(textOf(slot));
     }
     return names;
@@ -212,7 +195,7 @@ void Formula::number(const std::string &name, int32_t number)
 {
     eachNode(tree_.get(), [&](VsCnsGenOp &node) {
         for (VsCnsGenSlot &slot : node.slot)
-            if (slot.kind == variable && name == textOf(slot))
+            if (slot.kind == kind::variable && name == textOf(slot))
                 slot.flag = number;
     });
 }
@@ -220,20 +203,85 @@ void Formula::number(const std::string &name, int32_t number)
 std::optional<Problem> Formula::evaluate(const Variables &variables, const Unit *unit, Result &result) const
 {
     VariablesInForce inForce(variables);
-    VxDimNum number = expected(unit);
-    Value value = 0.0;
-    VsCnsGenOp made{};
-    const VsCnsGenOp *tree = chosen(tree_.get(), variables, made);
-    if (!tree || VxGenExEval(tree, &number, &value))
-        return problem(Messages::takeLine("the formula cannot be evaluated"));
-    result.value = std::move(value);
-    if (!result.isNumber() && !unit)
+    bool objects = handlesObjects(tree_.get(), variables);
+    if (objects)
+        if (auto parts = splitConditional(text_))
+            return evaluateBranch(*parts, variables, unit, result);
+    if (auto problem = objects ? evaluateValue(expected(unit), result) : evaluateNumber(expected(unit), result))
+        return problem;
+    return giveIn(unit, result);
+}
+
+std::optional<Problem> Formula::evaluateNumber(VxDimNum expected, Result &result) const
+{
+    result.quantity = expected;
+    result.value = 0.0;
+    if (VxGenExEvalRcrs(tree_.get(), nullptr, nullptr, &result.quantity) == 0)
         return std::nullopt;
-    if (!result.isNumber())
-        return problem("the formula gives a " + kindName(result) + ", which cannot be in " + unit->name);
+    VxExprDiag diag;
+    VxExprDiagEvalRcrs(text_.c_str(), nullptr, nullptr, 1, &expected, &diag);
+    return explained(diag);
+}
+
+std::optional<Problem> Formula::evaluateValue(VxDimNum expected, Result &result) const
+{
+    result.quantity = expected;
+    if (VxGenExEval(tree_.get(), &result.quantity, &result.value) == 0)
+        return std::nullopt;
+    VxExprDiag diag;
+    Value unused;
+    VxExprDiagEvalValue(text_.c_str(), nullptr, nullptr, 1, &expected, &unused, &diag);
+    return explained(diag);
+}
+
+/**
+ * Conditionals choose between numbers in the toolkit. Those that choose
+ * between texts, vectors and points are resolved here, by their parts.
+ */
+std::optional<Problem> Formula::evaluateBranch(const Conditional &parts, const Variables &variables,
+                                               const Unit *unit, Result &result) const
+{
+    constexpr double tolerance = 1e-12;
+    Result condition;
+    if (auto problem = evaluatePart(parts.condition, variables, nullptr, condition))
+        return problem;
+    if (!condition.isNumber())
+        return Problem{"The condition is a " + kindName(condition) + ", not a number.", parts.condition};
+    if (std::fabs(condition.quantity.value) > tolerance)
+        return evaluatePart(parts.thenPart, variables, unit, result);
+    if (parts.elsePart.length > 0)
+        return evaluatePart(parts.elsePart, variables, unit, result);
+    result = {};
+    return giveIn(unit, result);
+}
+
+std::optional<Problem> Formula::evaluatePart(Span part, const Variables &variables, const Unit *unit,
+                                             Result &result) const
+{
+    Formula formula;
+    std::optional<Problem> problem = formula.parse(text_.substr(part.at, part.length));
+    if (!problem)
+        problem = formula.evaluate(variables, unit, result);
+    if (problem)
+        problem->place.at += part.at;
+    return problem;
+}
+
+/** The result of an evaluation as one in base units, if it is one of the unit's dimension. */
+std::optional<Problem> Formula::giveIn(const Unit *unit, Result &result) const
+{
+    if (!result.isNumber()) {
+        if (unit)
+            return problem("A " + kindName(result) + " cannot be given in " + unit->name + '.');
+        return std::nullopt;
+    }
+    const VxDimNum &number = result.quantity;
     if (unit && !isPlain(number) && !sameDimension(number, unit->dimension))
-        return problem("the result is " + dimensionText(number) + ", which cannot be given in " + unit->name);
+        return problem(sentence(unitMismatch) + ": " + dimensionText(number) + ", not "
+                       + dimensionText(unit->dimension) + '.');
     result.quantity = inBaseUnits(number, unit);
+    if (!std::isfinite(result.quantity.value))
+        return problem("The result is no finite number.");
     result.value = result.quantity.value;
     return std::nullopt;
 }
@@ -241,8 +289,9 @@ std::optional<Problem> Formula::evaluate(const Variables &variables, const Unit 
 std::optional<Problem> Formula::derivative(const Variables &variables, int32_t number, double &result) const
 {
     VariablesInForce inForce(variables);
+    Messages::take();
     if (VxGenDrvEvlRcrs(tree_.get(), number, &result))
-        return problem(Messages::takeLine("the formula has no derivative here"));
+        return problem(Messages::takeLine("The formula has no derivative here."));
     return std::nullopt;
 }
 

@@ -13,6 +13,8 @@
 
 namespace vxsh {
 
+struct Conditional;
+
 using Value = HESKET::Talm::Tool::Evaluation::VxEvalValue;
 
 /** What a formula gave. */
@@ -67,11 +69,18 @@ public:
     const VsCnsGenOp *tree() const { return tree_.get(); }
 
 private:
-    Problem problem(std::string message) const;
-
     struct Free {
         void operator()(VsCnsGenOp *tree) const { VxGenExFree(&tree); }
     };
+
+    std::optional<Problem> evaluateNumber(VxDimNum expected, Result &result) const;
+    std::optional<Problem> evaluateValue(VxDimNum expected, Result &result) const;
+    std::optional<Problem> evaluateBranch(const Conditional &parts, const Variables &variables,
+                                          const Unit *unit, Result &result) const;
+    std::optional<Problem> evaluatePart(Span part, const Variables &variables, const Unit *unit,
+                                        Result &result) const;
+    std::optional<Problem> giveIn(const Unit *unit, Result &result) const;
+    Problem problem(std::string message) const;
 
     std::string text_;
     std::unique_ptr<VsCnsGenOp, Free> tree_;

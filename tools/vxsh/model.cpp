@@ -15,6 +15,11 @@ constexpr size_t progressStep = 1024;
 /** Longer circles are not named in full by each of their members. */
 constexpr size_t namedInCircle = 12;
 
+std::string quoted(const std::string &name)
+{
+    return '\'' + name + '\'';
+}
+
 /** A place in the formula as a place in the line. */
 Problem inLine(Problem problem, const Definition &definition)
 {
@@ -36,21 +41,16 @@ std::optional<Problem> readFormula(Parameter &parameter)
         return inLine(std::move(*problem), definition);
     parameter.needs = formula.variables();
     if (!definition.unit.empty() && !(parameter.unit = findUnit(definition.unit)))
-        return Problem{"there is no unit '" + definition.unit + "'", definition.unitAt};
+        return Problem{"There is no unit " + quoted(definition.unit) + '.', definition.unitAt};
     return std::nullopt;
-}
-
-std::string quoted(const std::string &name)
-{
-    return '\'' + name + '\'';
 }
 
 /** The circle as the parameter at `from` meets it; a very long one is told in short. */
 std::string circleMessage(const std::vector<std::string> &names, size_t from)
 {
     if (names.size() == 1)
-        return "depends on itself";
-    std::string message = "depends on itself in a circle: " + names[from];
+        return "It depends on itself.";
+    std::string message = "It depends on itself in a circle: " + names[from];
     size_t steps = names.size() <= namedInCircle ? names.size() : namedInCircle;
     for (size_t step = 1; step <= steps; ++step)
         message += " -> " + names[(from + step) % names.size()];
@@ -117,9 +117,9 @@ std::optional<Problem> Model::missing(const std::vector<std::string> &names, std
     for (const std::string &name : names) {
         const Parameter *needed = parameter(name);
         if (!needed)
-            return Problem{quoted(name) + " is not defined", placeOfName(formula, name)};
+            return Problem{quoted(name) + " is not defined.", placeOfName(formula, name)};
         if (!needed->evaluated)
-            return Problem{"depends on " + quoted(name) + ", which failed", placeOfName(formula, name)};
+            return Problem{"It depends on " + quoted(name) + ", which failed.", placeOfName(formula, name)};
     }
     return std::nullopt;
 }
@@ -194,7 +194,7 @@ void Model::failCircles(const DependencyOrder &order, const std::vector<Index> &
         }
         for (uint32_t other : circle.others) {
             Parameter &parameter = parameters_[set[other]];
-            parameter.failure = Problem{"depends on itself by way of the circle of " + quoted(names.front()),
+            parameter.failure = Problem{"It depends on itself by way of the circle of " + quoted(names.front()) + '.',
                                         parameter.definition.formulaAt};
         }
     }

@@ -21,18 +21,6 @@ bool startsName(char c)
     return isLetter(c) || c == '#' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
 }
 
-/** "then" and "else" divide a formula wherever they stand, in any case. */
-bool startsKeyword(std::string_view text, size_t at)
-{
-    auto matches = [&](std::string_view word) {
-        for (size_t i = 0; i < word.size(); ++i)
-            if (at + i >= text.size() || (text[at + i] | 0x20) != word[i])
-                return false;
-        return true;
-    };
-    return matches("then") || matches("else");
-}
-
 /** A point and a letter begin a unit, save for the coordinates .x .y .z and for .e. */
 bool startsUnit(std::string_view text, size_t at)
 {
@@ -61,12 +49,6 @@ NameToken plainName(std::string_view formula, size_t at)
     return {name, {at, name.size()}};
 }
 
-size_t behindQuotes(std::string_view text, size_t open)
-{
-    size_t close = text.find('"', open + 1);
-    return close == std::string_view::npos ? text.size() : close + 1;
-}
-
 size_t behindNumber(std::string_view text, size_t at)
 {
     auto continues = [&](char c) { return isDigit(c) || c == '.' || c == 'e'; };
@@ -75,6 +57,23 @@ size_t behindNumber(std::string_view text, size_t at)
     return at;
 }
 
+}
+
+bool startsKeyword(std::string_view text, size_t at)
+{
+    auto matches = [&](std::string_view word) {
+        for (size_t i = 0; i < word.size(); ++i)
+            if (at + i >= text.size() || (text[at + i] | 0x20) != word[i])
+                return false;
+        return true;
+    };
+    return matches("then") || matches("else");
+}
+
+size_t behindQuotes(std::string_view text, size_t open)
+{
+    size_t close = text.find('"', open + 1);
+    return close == std::string_view::npos ? text.size() : close + 1;
 }
 
 size_t bracketEnd(std::string_view text, size_t open)
@@ -107,7 +106,7 @@ std::vector<NameToken> nameTokens(std::string_view formula)
         if (formula[at] == '"') {
             at = behindQuotes(formula, at);
         } else if (startsKeyword(formula, at)) {
-            at += 4;
+            at += keywordLength;
         } else if (startsUnit(formula, at)) {
             at += 1 + plainName(formula, at + 1).place.length;
         } else if (formula[at] == '[') {

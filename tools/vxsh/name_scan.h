@@ -28,6 +28,13 @@ bool isPlainName(std::string_view name);
 /** The position behind the bracket that closes the one at `open`, or the end of the text. */
 size_t bracketEnd(std::string_view text, size_t open);
 
+/** The position behind the double quote that closes the one at `open`, or the end of the text. */
+size_t behindQuotes(std::string_view text, size_t open);
+
+/** True at "then" or "else", which divide a formula wherever they stand, in any case. */
+bool startsKeyword(std::string_view text, size_t at);
+inline constexpr size_t keywordLength = 4;
+
 /** What stands in a bracketed text, without the brackets and a "$" behind the first. */
 std::string_view bracketContent(std::string_view bracketed);
 

@@ -36,7 +36,7 @@ private:
             return;
         if (line.size() > longestLine)
             return refuse({.line = std::string(line.substr(0, keptOfLongLine))},
-                          {"the line is longer than " + std::to_string(longestLine) + " bytes", {}});
+                          {"The line is longer than " + std::to_string(longestLine) + " bytes.", {}});
         Definition definition;
         if (auto problem = readDefinition(std::string(line), definition))
             return refuse(std::move(definition), std::move(*problem));
@@ -47,7 +47,7 @@ private:
     {
         auto [known, fresh] = lines_.try_emplace(definition.name, number_);
         if (!fresh) {
-            Problem problem{"'" + definition.name + "' is already defined at line " + std::to_string(known->second),
+            Problem problem{"'" + definition.name + "' is already defined at line " + std::to_string(known->second) + '.',
                             definition.nameAt};
             return refuse(std::move(definition), std::move(problem));
         }
