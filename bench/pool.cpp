@@ -49,9 +49,8 @@ struct Malloc {
     void free(void *block) { std::free(block); }
 };
 
-template <typename Heap> void randomOrder(benchmark::State &state)
+template <typename Heap> void randomOrder(benchmark::State &state, size_t n)
 {
-    auto n = static_cast<size_t>(state.range(0));
     auto size = sizes(n);
     auto order = shuffled(n);
     std::vector<void *> blocks(n);
@@ -64,9 +63,8 @@ template <typename Heap> void randomOrder(benchmark::State &state)
     }
 }
 
-template <typename Heap> void churn(benchmark::State &state)
+template <typename Heap> void churn(benchmark::State &state, size_t n)
 {
-    auto n = static_cast<size_t>(state.range(0));
     auto size = sizes(n);
     auto order = shuffled(n);
     std::vector<void *> blocks(n);
@@ -84,9 +82,9 @@ template <typename Heap> void churn(benchmark::State &state)
         heap.free(block);
 }
 
-void discardPool(benchmark::State &state)
+void discardPool(benchmark::State &state, size_t n)
 {
-    auto size = sizes(static_cast<size_t>(state.range(0)));
+    auto size = sizes(n);
     for (auto _ : state) {
         Pool heap;
         for (int32_t bytes : size)
@@ -94,9 +92,9 @@ void discardPool(benchmark::State &state)
     }
 }
 
-void discardMimalloc(benchmark::State &state)
+void discardMimalloc(benchmark::State &state, size_t n)
 {
-    auto size = sizes(static_cast<size_t>(state.range(0)));
+    auto size = sizes(n);
     for (auto _ : state) {
         mi_heap_t *heap = mi_heap_new();
         for (int32_t bytes : size)
@@ -106,9 +104,9 @@ void discardMimalloc(benchmark::State &state)
 }
 
 /** Not a time: the share of chunk memory beyond what was asked for, in percent. */
-void overhead(benchmark::State &state)
+void overhead(benchmark::State &state, size_t n)
 {
-    auto size = sizes(static_cast<size_t>(state.range(0)));
+    auto size = sizes(n);
     VxHpStatistics(1);
     double percent = 0;
     for (auto _ : state) {
@@ -124,11 +122,11 @@ void overhead(benchmark::State &state)
 }
 
 const bool registered = [] {
-    for (int64_t n : {10'000, 300'000}) {
-        auto add = [n](const char *work, const char *who, void (*run)(benchmark::State &)) {
+    for (size_t n : {10'000, 300'000}) {
+        auto add = [n](const char *work, const char *who, void (*run)(benchmark::State &, size_t)) {
             char name[64];
-            std::snprintf(name, sizeof name, "pool %s %lld/%s", work, static_cast<long long>(n), who);
-            benchmark::RegisterBenchmark(name, run)->Arg(n)->Unit(benchmark::kMicrosecond);
+            std::snprintf(name, sizeof name, "pool %s %zu/%s", work, n, who);
+            benchmark::RegisterBenchmark(name, run, n)->Unit(benchmark::kMicrosecond);
         };
         add("random order", "vx", randomOrder<Pool>);
         add("random order", "malloc", randomOrder<Malloc>);

@@ -324,8 +324,8 @@ TEST_F(Pools, NothingLeaksWhenAnyAllocationIsRefused)
         void *pool = nullptr;
         bool made = VxCreHpMemPool(8, "refused", 0, "described", &pool) == 0;
         void *block = made ? VxAlocHpMemPool(pool, 1, 3'000'000) : nullptr;
-        if (fault::refusals(fault::Kind::allocation) == 0)
-            EXPECT_NE(block, nullptr);
+        bool refused = fault::refusals(fault::Kind::allocation) > 0;
+        EXPECT_TRUE(refused || block);
         if (pool)
             VxFreeHpMemPool(pool);
         VxExitHeapStMgr();
