@@ -181,8 +181,9 @@ uint32_t VxStrFmtLines(const char *text, int32_t width, char *lines, int32_t lin
         if (*count == capacity)
             return 1;
         const Break line = breakLine(page, text, width);
-        char *slot = lines + size * static_cast<size_t>((*count)++);
-        whole &= text::copyPiece(slot, size, text, static_cast<size_t>(line.end - text));
+        whole &= text::copyPiece(lines, size, text, static_cast<size_t>(line.end - text));
+        ++*count;
+        lines += size;
         text = line.next;
     }
     return !whole;

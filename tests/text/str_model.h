@@ -4,6 +4,7 @@
 // operation on the pieces can tear one apart. And texts made to be torn: the
 // bytes of delimiters and letters as second halves, stray bytes, halves alone.
 
+#include <iostream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -104,9 +105,13 @@ class OnEveryPage : public testing::TestWithParam<int32_t> {
 protected:
     OnEveryPage() : page_(GetParam())
     {
-        RecordProperty("seed", seed);
-        // The failing run is found again by its seed and number.
         random_.seed(seed);
+    }
+
+    ~OnEveryPage() override
+    {
+        if (HasFailure())
+            std::cout << "seed " << seed << "\n";
     }
 
     unsigned any(size_t below) { return static_cast<unsigned>(random_() % below); }

@@ -3,6 +3,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstring>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -274,16 +275,32 @@ TEST(StrPrint, AnUnnamedTargetLiesInTheTemporaryFolder)
 TEST(StrPrint, ARefusedRedirectionLeavesStandardErrorAlone)
 {
     TempFolder folder;
-    const std::string file = folder.text("file.txt");
+    Environment temp("TMPDIR", folder.native().c_str());
+    const std::string before = VgPathTemp;
+    *VgPathTemp = '\0';
     EXPECT_EQ(VxStdErrRedirect(folder.text("missing\\file.txt").c_str()), 1u);
     refusingEachVerb([&] {
-        const bool redirected = VxStdErrRedirect(file.c_str()) == 0;
+        const bool redirected = VxStdErrRedirect(nullptr) == 0;
         const bool restored = VxStdErrRestore() == 0;
         // A restoration that was refused can be asked for again.
         const bool again = VxStdErrRestore() == 0;
         EXPECT_EQ(redirected, restored || again);
     });
     EXPECT_EQ(VxStdErrRestore(), 1u);
+    VxStrCpy(VgPathTemp, before.c_str(), sizeof VgPathTemp);
+}
+
+TEST(StrFormatBytes, ResultsOfTheLibraryAreEachThreadsOwn)
+{
+    const char *here[] = {VxStrDbl(1.5), VxStrInt(1), VxStrElem("one two", 1)};
+    std::thread([&here] {
+        const char *there[] = {VxStrDbl(2.5), VxStrInt(2), VxStrElem("one two", 2)};
+        for (int i : {0, 1, 2})
+            EXPECT_NE(here[i], there[i]);
+    }).join();
+    EXPECT_STREQ(here[0], "1.5");
+    EXPECT_STREQ(here[1], "1");
+    EXPECT_STREQ(here[2], "one");
 }
 
 }

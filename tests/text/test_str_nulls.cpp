@@ -4,13 +4,11 @@
 
 namespace {
 
-char kept[8] = "abc";
-int32_t number = 7;
-char *none = nullptr;
-const char *noneConst = nullptr;
-
 TEST(StrNulls, NothingToWorkOnIsAFailure)
 {
+    char kept[8] = "abc";
+    int32_t number = 7;
+    char *none = nullptr;
     const uint32_t results[] = {
         VxStrCpy(nullptr, "a", 8), VxStrCpy(nullptr, nullptr, 8), VxStrCat(nullptr, "a", 8),
         VxStrCat(kept, nullptr, 8), VxStrDup("a", nullptr), VxStrDup(nullptr, &none),
@@ -62,6 +60,8 @@ TEST(StrNulls, AMissingSourceEmptiesTheResult)
 
 TEST(StrNulls, PredicatesAndCountsOfNothingAreZero)
 {
+    char *none = nullptr;
+    const char *noneConst = nullptr;
     const char *const table[] = {"a"};
     const int32_t results[] = {
         VxStrSizeOkay(nullptr, 8), VxStrSame(nullptr, "a"), VxStrSame(nullptr, nullptr),

@@ -217,6 +217,46 @@ TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
                         << a << ", " << b;
 }
 
+/** A text as what natural order compares: numbers without their leading zeros, single bytes, an end. */
+std::vector<std::pair<int, std::string>> naturalParts(const std::string &s)
+{
+    enum { end, number, byte };
+    std::vector<std::pair<int, std::string>> parts;
+    for (size_t at = 0; at < s.size();) {
+        size_t digits = std::min(s.find_first_not_of("0123456789", at), s.size()) - at;
+        if (digits == 0) {
+            parts.emplace_back(byte, s.substr(at++, 1));
+            continue;
+        }
+        // Padded on the left, so that the order of the texts is that of the values.
+        const std::string run = s.substr(at, digits);
+        parts.emplace_back(number, std::string(100 - digits, '0') + run);
+        at += digits;
+    }
+    parts.emplace_back(end, "");
+    return parts;
+}
+
+TEST_P(StrSearch, NaturalOrderIsThatOfNumbersAndBytes)
+{
+    auto anyName = [this] {
+        static const std::string_view pieces[] = {"a", "b", "-", "0", "00", "1", "9", "12", "18446744073709551616"};
+        std::string s;
+        for (size_t n = any(6); n > 0; --n)
+            s += s.size() > 18 ? "a" : pieces[any(std::size(pieces))];
+        return s;
+    };
+    for (int run = 0; run < 4000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string common = anyName();
+        const std::string a = common + anyName();
+        const std::string b = common + anyName();
+        const auto x = naturalParts(a);
+        const auto y = naturalParts(b);
+        ASSERT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (x > y) - (x < y)) << a << ", " << b;
+    }
+}
+
 TEST(StrSearchBytes, CountingStopsAtEitherByte)
 {
     EXPECT_EQ(VxStrCnt("a b\tc,d", ',', ';'), 3);
