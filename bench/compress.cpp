@@ -22,8 +22,10 @@ const std::vector<unsigned char> &megabyte()
         std::mt19937 random(66);
         std::vector<unsigned char> all;
         for (int32_t i = 0; all.size() < 1 << 20; ++i) {
-            std::string line = "point " + std::to_string(i) + " " + std::to_string(random() % 10000 * 0.25) + " " +
-                               std::to_string(random() % 10000 * 0.125) + "\n";
+            std::string line = "point " + std::to_string(i);
+            for (int coordinate = 0; coordinate < 3; ++coordinate)
+                line += " " + std::to_string(random() % 10000 * 0.125);
+            line += '\n';
             all.insert(all.end(), line.begin(), line.end());
         }
         return all;
