@@ -58,11 +58,11 @@ int32_t VxFileClose(FILE **stream, int32_t flush)
 {
     if (!stream || !*stream)
         return 0;
-    if (flush)
-        std::fflush(*stream);
-    int32_t result = std::fclose(*stream);
+    // The C library forgets what a flush could not write, and then closes without complaint.
+    int32_t flushed = flush ? std::fflush(*stream) : 0;
+    int32_t closed = std::fclose(*stream);
     *stream = nullptr;
-    return result;
+    return closed ? closed : flushed;
 }
 
 int32_t VxFileExists(const char *name)

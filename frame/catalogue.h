@@ -17,6 +17,7 @@ public:
     /** Read the contents of a file, one zero byte behind them. `tag` is the current language's, or empty. */
     Catalogue(std::vector<char> bytes, std::string_view tag);
 
+    const std::vector<char> &bytes() const noexcept { return bytes_; }
     int32_t count() const noexcept { return static_cast<int32_t>(texts_.size()); }
 
     /** The text of a message, or null when there is no such number. */

@@ -71,9 +71,10 @@ uint32_t VxMemCompress(int32_t direction, int32_t marker, const void *bytes, int
     if (!bytes || count < 1 || !result || !resultSize)
         return 1;
     auto convert = direction != 0 ? compress : expand;
+    auto source = static_cast<const uint8_t *>(bytes);
     void *block = nullptr;
     int32_t size = 0;
-    if (convert(static_cast<uint8_t>(marker), static_cast<const uint8_t *>(bytes), count, &block, &size) != 0) {
+    if (convert(static_cast<uint8_t>(marker), source, count, &block, &size) != 0) {
         VxMemFree(&block);
         return 1;
     }

@@ -116,7 +116,7 @@ Outcome outcomeOf(int result)
     }
 }
 
-/** Go on one byte in and one byte out at a time, to the stream's end or as far as `length` and `size` allow. */
+/** Go on byte by byte, to the stream's end or as far as `length` and `size` allow. */
 Outcome inflateByBytes(Stream &stream, uint64_t length, uint64_t size)
 {
     Outcome outcome = Outcome::stopped;

@@ -18,8 +18,9 @@ constexpr int32_t black = 16;
 constexpr int32_t noColor = -1;
 constexpr int32_t colorOfPart = 255;
 constexpr const char *fromPart = "-FROM PART-";
-constexpr const char *colors = "ignore,green,red,brown,goldenrod,med-blue,dark-magenta,dark-grey,dark-blue,violet,"
-                               "light-green,light-blue,rose,light-magenta,light-grey,white,black,yellow,med-grey";
+constexpr const char *colors =
+    "ignore,green,red,brown,goldenrod,med-blue,dark-magenta,dark-grey,dark-blue,violet,"
+    "light-green,light-blue,rose,light-magenta,light-grey,white,black,yellow,med-grey";
 
 constexpr int32_t fieldWidth = 32; // of VxStrParse
 constexpr int32_t maxChoices = 32;

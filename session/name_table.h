@@ -64,7 +64,7 @@ public:
         return slot && slot->hash != empty ? &slot->entry->record : nullptr;
     }
 
-    /** The record of a name, value-initialised when the name is new. On an exception the table is as it was. */
+    /** The record of a name, value-initialised if the name is new. On an exception nothing has changed. */
     Record &at(std::string_view name)
     {
         if (Record *known = find(name))

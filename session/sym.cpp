@@ -13,11 +13,6 @@ namespace {
 
 constexpr int32_t unknownSymbol = 66;
 
-// The event log's category of the toolkit, and its types for the outcome of a test.
-constexpr int32_t toolkitEvents = 6;
-constexpr int32_t passed = 1;
-constexpr int32_t failed = 5;
-
 // A memory check is due on the first of every so many look-ups.
 constexpr int32_t getsPerCheck = 11;
 
@@ -108,6 +103,7 @@ void VxSymExecAllTestFcns(void)
     auto test = tests.begin();
     for (size_t left = tests.size(); left > 0; --left, ++test) {
         bool good = test->record && test->record() != 0;
-        EsPut(toolkitEvents, good ? passed : failed, good ? "[Pass] %s" : "[Fail] %s", test->name.c_str());
+        EsPut(EsCategoryTools, good ? EsLevelInformation : EsLevelFailure, good ? "[Pass] %s" : "[Fail] %s",
+              test->name.c_str());
     }
 }

@@ -59,18 +59,14 @@ struct Reading {
     uint32_t answered;
     int32_t answer;
     double real;
+
+    bool operator==(const Reading &) const = default;
 };
 
 std::ostream &operator<<(std::ostream &out, const Reading &r)
 {
-    return out << r.number << " yes " << r.yes << " no " << r.no << " answered " << r.answered << ": " << r.answer
-               << " real " << r.real;
-}
-
-bool operator==(const Reading &a, const Reading &b)
-{
-    return a.number == b.number && a.yes == b.yes && a.no == b.no && a.answered == b.answered &&
-           a.answer == b.answer && a.real == b.real;
+    return out << r.number << " yes " << r.yes << " no " << r.no << " answered " << r.answered << ": "
+               << r.answer << " real " << r.real;
 }
 
 Reading read(const char *key)
@@ -184,9 +180,10 @@ TEST(Config, AChoiceIsFoundWithoutRegardToCaseAndTheFirstCounts)
 
 TEST(Config, ColoursAreNumberedByName)
 {
-    const char *names[] = {"ignore", "green", "red", "brown", "goldenrod", "med-blue", "dark-magenta",
-                           "dark-grey", "dark-blue", "violet", "light-green", "light-blue", "rose",
-                           "light-magenta", "light-grey", "white", "BLACK", "yellow", "med-grey"};
+    const char *names[] = {"ignore",      "green",        "red",       "brown",         "goldenrod",
+                           "med-blue",    "dark-magenta", "dark-grey", "dark-blue",     "violet",
+                           "light-green", "light-blue",   "rose",      "light-magenta", "light-grey",
+                           "white",       "BLACK",        "yellow",    "med-grey"};
     Manager manager;
     for (int32_t number = 0; number < 19; ++number) {
         manager.values["c"] = manager.defaults["c"] = names[number];
@@ -267,17 +264,16 @@ TEST(Config, AnIntegerIsWrittenInTheStyleTheOptionHas)
     EXPECT_EQ(VxAcmInt("missing", 5), 1u);
     EXPECT_EQ(VxAcmMod("missing", "as given"), 7u);
     EXPECT_THAT(manager.written,
-                ElementsAre(Pair("answer", "yes"), Pair("answer", "no"), Pair("answer", "123"), Pair("answer", "-12"),
-                            Pair("number", "1"), Pair("number", "-2147483648"), Pair("text", "5"),
-                            Pair("missing", "as given")));
+                ElementsAre(Pair("answer", "yes"), Pair("answer", "no"), Pair("answer", "123"),
+                            Pair("answer", "-12"), Pair("number", "1"), Pair("number", "-2147483648"),
+                            Pair("text", "5"), Pair("missing", "as given")));
 }
 
 TEST(Config, LinesAreMergedUnlessTheyAreIncompleteOrBelongToTheSession)
 {
     Manager manager;
-    for (const char *line :
-         {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"", "Vx.Session=1", "Tl.Session = x",
-          "Vx.PaperSizes=A4,VXGL 7"}) {
+    for (const char *line : {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"",
+                             "Vx.Session=1", "Tl.Session = x", "Vx.PaperSizes=A4,VXGL 7"}) {
         std::string copy = line;
         EXPECT_EQ(VxAcmMerge(copy.data()), 0u) << line;
         EXPECT_TRUE(manager.written.empty()) << line;

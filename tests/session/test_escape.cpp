@@ -178,7 +178,9 @@ TEST_F(Escape, AnEscapeEndsWithTheOutermostCommand)
     EXPECT_EQ(trace, "00") << "lowered before the hook";
     EXPECT_EQ(VX::CommandRecover::gsInCmdStack, 0);
     VxEscRecover = [] { throw std::runtime_error("the hook failed"); };
-    { VX::CommandRecover again; }
+    {
+        VX::CommandRecover again;
+    }
     EXPECT_EQ(VX::CommandRecover::gsInCmdStack, 0);
 }
 

@@ -24,7 +24,8 @@ std::optional<std::string> convert(int32_t direction, int32_t marker, const std:
 {
     void *block = nullptr;
     int32_t size = -7;
-    if (VxMemCompress(direction, marker, bytes.data(), static_cast<int32_t>(bytes.size()), &block, &size) != 0) {
+    auto count = static_cast<int32_t>(bytes.size());
+    if (VxMemCompress(direction, marker, bytes.data(), count, &block, &size) != 0) {
         EXPECT_EQ(block, nullptr);
         EXPECT_EQ(size, -7);
         return {};

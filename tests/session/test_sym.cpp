@@ -84,7 +84,8 @@ struct Reals {
     static constexpr Type a = 0.1, b = -1e300, c = 2.5;
 };
 
-template <typename F> class Variables : public SymbolTable {};
+template <typename F> class Variables : public SymbolTable {
+};
 using BothTypes = testing::Types<Integers, Reals>;
 TYPED_TEST_SUITE(Variables, BothTypes);
 
@@ -229,7 +230,8 @@ TEST_F(SymbolTable, GetTellsAvailabilityApartFromTheAddress)
     EXPECT_EQ(out, &variable);
     VxSymLog2("v", 0xFEDCBA9876543210u);
     VxSymLog2("v", 1);
-    EXPECT_EQ(*session::symbols().availability.find("v"), 0xFEDCBA9876543210u) << "the first registration counts";
+    EXPECT_EQ(*session::symbols().availability.find("v"), 0xFEDCBA9876543210u)
+        << "the first registration counts";
     EXPECT_EQ(VxSymGet("v", &out), 0u);
     EXPECT_EQ(out, &variable);
     VxSymLogOff("v");
@@ -262,7 +264,8 @@ TEST_F(SymbolTable, EveryTestRunsOnceAndItsOutcomeGoesToTheEventLog)
     VxSymLogTestFcn("100%s", [] { return -1; });
     Events events;
     VxSymExecAllTestFcns();
-    EXPECT_THAT(events.lines, ElementsAre("5 [Fail] bad", "1 [Pass] more", "5 [Fail] none", "1 [Pass] 100%s"));
+    EXPECT_THAT(events.lines,
+                ElementsAre("5 [Fail] bad", "1 [Pass] more", "5 [Fail] none", "1 [Pass] 100%s"));
     EXPECT_EQ(session::symbols().tests.size(), 104u);
 }
 

@@ -1,0 +1,30 @@
+// Expansion of foreign bytes: whatever they are, the result is that of zlib
+// fed one byte at a time. The first byte chooses the room.
+
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/session/one_byte_zlib.h"
+#include "vx/compress.h"
+#include "vx/mem.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size < 2)
+        return 0;
+    int32_t room = data[0] < 128 ? 0 : (data[0] - 127) * 16;
+    vx::test::Bytes source(data + 1, data + size);
+    auto expected = vx::test::inflateOneByte(source, room ? static_cast<size_t>(room) : 8 * source.size());
+    bool nothing = !expected || expected->empty(); // no block is that small
+
+    void *block = nullptr;
+    int32_t produced = room;
+    bool failed = VxLibInflate(source.data(), static_cast<int32_t>(source.size()), &block, &produced) != 0;
+    bool same = failed ? nothing
+                       : !nothing && static_cast<size_t>(produced) == expected->size() &&
+                             std::memcmp(block, expected->data(), expected->size()) == 0;
+    VxMemFree(&block);
+    if (!same)
+        std::abort();
+    return 0;
+}

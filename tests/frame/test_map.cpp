@@ -1,0 +1,108 @@
+#include "vx/msg.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "frame/map_state.h"
+#include "tests/support/faults.h"
+#include "tests/support/temp_folder.h"
+
+using namespace vx;
+
+namespace {
+
+class Maps : public testing::Test {
+protected:
+    Maps() { folder_.write("file", "contents"); }
+    ~Maps() override
+    {
+        while (!frame::maps().open.empty())
+            VxUnMap(frame::maps().open.back().view);
+    }
+
+    test::TempFolder folder_;
+    std::string file_ = folder_.text("file");
+};
+
+TEST_F(Maps, AFileIsSeenThroughItsView)
+{
+    int64_t size = 0;
+    auto view = static_cast<const char *>(VxMap(file_.c_str(), 0, &size));
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(std::string(view, static_cast<size_t>(size)), "contents");
+    EXPECT_EQ(VxUnMap(const_cast<char *>(view)), 0u);
+    EXPECT_EQ(VxUnMap(const_cast<char *>(view)), 1u);
+}
+
+TEST_F(Maps, WhatIsWrittenReachesTheFile)
+{
+    for (int32_t mode : {1, 2}) {
+        int64_t size = 0;
+        auto view = static_cast<char *>(VxMap(file_.c_str(), mode, &size));
+        ASSERT_NE(view, nullptr);
+        view[0] = static_cast<char>('0' + mode);
+        EXPECT_EQ(VxUnMap(view), 0u);
+        EXPECT_EQ(folder_.read("file"), std::to_string(mode) + "ontents");
+    }
+}
+
+TEST_F(Maps, WhatCannotBeMappedGivesNull)
+{
+    folder_.write("empty", "");
+    int64_t size = -7;
+    for (int32_t mode : {0, 1, 2})
+        EXPECT_EQ(VxMap(folder_.text("empty").c_str(), mode, &size), nullptr);
+    EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 0, &size), nullptr);
+    EXPECT_FALSE(std::filesystem::exists(folder_.native() / "missing"));
+    EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 2, &size), nullptr);
+    EXPECT_TRUE(std::filesystem::exists(folder_.native() / "missing"));
+    for (int32_t mode : {-1, 3})
+        EXPECT_EQ(VxMap(file_.c_str(), mode, &size), nullptr);
+    EXPECT_EQ(VxMap(nullptr, 0, &size), nullptr);
+    EXPECT_EQ(VxMap(file_.c_str(), 0, nullptr), nullptr);
+    EXPECT_EQ(size, -7);
+    int local = 0;
+    EXPECT_EQ(VxUnMap(&local), 1u);
+    EXPECT_EQ(VxUnMap(nullptr), 1u);
+}
+
+TEST_F(Maps, ThereIsRoomFor1023)
+{
+    int64_t size = 0;
+    std::vector<void *> views;
+    for (int i = 0; i < 1023; ++i)
+        views.push_back(VxMap(file_.c_str(), 0, &size));
+    if (!views.back())
+        GTEST_FAIL() << "the system allows fewer open files than the table";
+    EXPECT_EQ(VxMap(file_.c_str(), 0, &size), nullptr);
+    EXPECT_EQ(VxUnMap(views[500]), 0u);
+    views[500] = VxMap(file_.c_str(), 0, &size);
+    EXPECT_NE(views[500], nullptr);
+    for (void *view : views)
+        EXPECT_EQ(VxUnMap(view), 0u);
+}
+
+TEST_F(Maps, ARefusalLeavesTheTableAsItWas)
+{
+    auto body = [&] {
+        int64_t size = -7;
+        void *view = VxMap(file_.c_str(), 0, &size);
+        EXPECT_EQ(size, view ? 8 : -7);
+        EXPECT_EQ(frame::maps().open.size(), view ? 1u : 0u);
+        if (view) {
+            VxUnMap(view);
+        }
+        EXPECT_TRUE(frame::maps().open.empty());
+    };
+    frame::maps().open.shrink_to_fit();
+    test::refusingEachAllocation([&] {
+        body();
+        frame::maps().open.shrink_to_fit();
+    });
+    test::refusingEachVerb(body, "mapFile");
+}
+
+}

@@ -1,0 +1,140 @@
+#include "vx/msg.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "frame/modules.h"
+#include "talm/base.hpp"
+#include "tests/support/captured_output.h"
+#include "tests/support/faults.h"
+#include "tests/support/temp_folder.h"
+#include "vx/tools.h"
+
+using namespace vx;
+using HESKET::Talm::Ap::Base;
+
+namespace {
+
+struct Window {
+    int calls;
+    int32_t kind, style, result, answer;
+    char text[100];
+} window;
+
+int32_t show(int32_t kind, int32_t style, const char *text, int32_t *answer)
+{
+    ++window.calls;
+    window.kind = kind;
+    window.style = style;
+    std::snprintf(window.text, sizeof window.text, "%s", text);
+    *answer = window.answer;
+    return window.result;
+}
+
+class Messages : public testing::Test {
+protected:
+    Messages() : catalogue_(frame::modules().tools.messages)
+    {
+        VxMsgFree();
+        window = {};
+        VgMsgGuiIsUp = 1;
+        Base::Instance().SetFunction(106, reinterpret_cast<void *>(show));
+    }
+
+    ~Messages() override
+    {
+        VgMsgGuiIsUp = 0;
+        Base::Instance().SetFunction(106, nullptr);
+        frame::modules().tools.messages = catalogue_;
+        VxMsgFree();
+    }
+
+    /** A toolkit catalogue whose messages from 219 on are these lines. */
+    void questions(const std::string &lines)
+    {
+        std::string file;
+        for (int i = 0; i < 219; ++i)
+            file += "x,filler\n";
+        folder_.write("Tools.MSG", file + lines);
+        VxMsgLoadFile(folder_.text("Tools.MSG").c_str(), &frame::modules().tools.messages);
+    }
+
+    test::TempFolder folder_;
+
+private:
+    int32_t catalogue_;
+};
+
+TEST_F(Messages, AMessageGoesToTheWindow)
+{
+    test::CapturedOutput output;
+    EXPECT_EQ(VxMessage("100%d"), 0u);
+    EXPECT_EQ(window.kind, 1);
+    EXPECT_EQ(window.style, 1);
+    EXPECT_STREQ(window.text, "100%d");
+    window.result = -3;
+    EXPECT_EQ(VxMessage("again"), 1u);
+    EXPECT_EQ(VxMessage(nullptr), 1u);
+    EXPECT_EQ(window.calls, 2);
+    EXPECT_EQ(output.text(), "");
+}
+
+TEST_F(Messages, WithoutAWindowAMessageIsPrinted)
+{
+    test::CapturedOutput output;
+    VgMsgGuiIsUp = 0;
+    EXPECT_EQ(VxMessage("100%d"), 0u);
+    VgMsgGuiIsUp = 1;
+    Base::Instance().SetFunction(106, nullptr);
+    EXPECT_EQ(VxMessage("absent"), 0u);
+    EXPECT_EQ(output.text(), "100%d\nabsent\n");
+    EXPECT_EQ(window.calls, 0);
+}
+
+TEST_F(Messages, AQuestionIsAskedWithRealLineBreaks)
+{
+    questions("219,zero\n220,Replace it?\\nThen it is gone.\n");
+    window.answer = 1;
+    EXPECT_EQ(VxMessage2(1), 0u);
+    EXPECT_EQ(window.kind, 2);
+    EXPECT_EQ(window.style, 1);
+    EXPECT_STREQ(window.text, "Replace it?\nThen it is gone.");
+    EXPECT_STREQ(VxMsg(VxToolsMsgID(), 220), "Replace it?\\nThen it is gone.");
+    EXPECT_EQ(VxMessage2(0), 0u);
+    EXPECT_STREQ(window.text, "zero");
+    for (int32_t number : {2, INT32_MAX, INT32_MIN, -220}) {
+        EXPECT_EQ(VxMessage2(number), 0u);
+        EXPECT_STREQ(window.text, " ") << number;
+    }
+}
+
+TEST_F(Messages, OnlyAPositiveAnswerIsYes)
+{
+    const struct {
+        int32_t answer, result;
+        uint32_t expected;
+    } cases[] = {{1, 0, 0}, {2, 0, 0}, {0, 0, 1}, {-1, 0, 1}, {1, 1, 1}};
+    for (const auto &c : cases) {
+        window.answer = c.answer;
+        window.result = c.result;
+        EXPECT_EQ(VxMessage2(1), c.expected);
+    }
+    VgMsgGuiIsUp = 0;
+    window = {};
+    EXPECT_EQ(VxMessage2(1), 0u);
+    EXPECT_EQ(window.calls, 0);
+}
+
+TEST_F(Messages, WithoutMemoryNothingIsAsked)
+{
+    questions("219,zero\n220,A question that is longer than any short text would be.\n");
+    window.answer = 1;
+    test::refusingEachAllocation([] {
+        int before = window.calls;
+        uint32_t result = VxMessage2(1);
+        EXPECT_EQ(result, window.calls == before ? 1u : 0u);
+    });
+}
+
+}

@@ -1,0 +1,321 @@
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/os/os.h"
+#include "tests/support/child.h"
+#include "tests/support/each_refusal.h"
+#include "tests/support/temp_folder.h"
+
+using namespace vx;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct OsFiles : testing::Test {
+    /** Closes at the end. */
+    struct Stream {
+        FILE *file = nullptr;
+        os::Error error;
+
+        Stream(const std::string &path, const char *mode) { error = os::openFile(path.c_str(), mode, file); }
+        ~Stream()
+        {
+            if (file)
+                fclose(file);
+        }
+        Stream(const Stream &) = delete;
+        Stream &operator=(const Stream &) = delete;
+    };
+
+    bool left(const char *name) const { return fs::exists(folder.native() / name); }
+
+    test::TempFolder folder;
+    std::string path = folder.text("f");
+};
+
+TEST_F(OsFiles, ReadersShareAndAWriterIsAlone)
+{
+    folder.write("f", "text");
+    const char *reading[] = {"r", "rb"};
+    const char *writing[] = {"r+", "w", "w+b", "a", "a+"};
+    for (const char *first : {"r", "r+"}) {
+        Stream held(path, first);
+        ASSERT_EQ(held.error, os::Error::none);
+        bool writer = first[1] == '+';
+        for (const char *mode : reading)
+            EXPECT_EQ(Stream(path, mode).error, writer ? os::Error::accessDenied : os::Error::none);
+        for (const char *mode : writing) {
+            errno = 0;
+            EXPECT_EQ(Stream(path, mode).error, os::Error::accessDenied) << mode;
+            EXPECT_EQ(errno, EACCES);
+        }
+    }
+    EXPECT_EQ(folder.read("f"), "text") << "a refused opening truncates nothing";
+    EXPECT_EQ(Stream(path, "r+").error, os::Error::none) << "closing lets go";
+}
+
+TEST_F(OsFiles, AnotherProcessIsKeptOutAndForeignReadersAreNot)
+{
+    Stream held(path, "w");
+    fputs("half", held.file);
+    fflush(held.file);
+    EXPECT_TRUE(test::inChild([&] {
+        return Stream(path, "r").error == os::Error::accessDenied && errno == EACCES &&
+               Stream(path, "a").error == os::Error::accessDenied;
+    }));
+    EXPECT_EQ(folder.read("f"), "half");
+}
+
+TEST_F(OsFiles, AProcessThatEndsLetsGo)
+{
+    int ready[2];
+    int done[2];
+    ASSERT_EQ(pipe(ready) + pipe(done), 0);
+    test::Child holder([&] {
+        Stream held(path, "w");
+        char byte = '!';
+        return held.file && write(ready[1], &byte, 1) == 1 && read(done[0], &byte, 1) == 1;
+    });
+    char byte;
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(Stream(path, "r").error, os::Error::accessDenied);
+    EXPECT_EQ(write(done[1], &byte, 1), 1);
+    EXPECT_TRUE(holder.succeeded());
+    EXPECT_EQ(Stream(path, "r").error, os::Error::none);
+    for (int end : {ready[0], ready[1], done[0], done[1]})
+        close(end);
+}
+
+TEST_F(OsFiles, ModesDoWhatTheyDoInTheStandardLibrary)
+{
+    struct {
+        const char *mode;
+        const char *content; ///< of "12" after writing "x", "!" when that fails
+        const char *fresh;   ///< of a missing file after writing "x", "!" when it is not made
+    } cases[] = {{"r", "!", "!"},   {"r+b", "x2", "!"}, {"w", "x", "x"},         {"w+t", "x", "x"},
+                 {"a", "12x", "x"}, {"ab+", "12x", "x"}, {"wcnStNRT", "x", "x"}, {"wx", "!", "x"}};
+    for (auto &c : cases) {
+        SCOPED_TRACE(c.mode);
+        auto writeX = [&] {
+            Stream stream(path, c.mode);
+            return stream.file && fputc('x', stream.file) == 'x' && fflush(stream.file) == 0;
+        };
+        folder.write("f", "12");
+        EXPECT_EQ(writeX() ? folder.read("f") : "!", c.content);
+        fs::remove(folder.native() / "f");
+        EXPECT_EQ(writeX() ? folder.read("f") : "!", c.fresh);
+        fs::remove(folder.native() / "f");
+    }
+    for (const char *mode : {"", "b", "q", "+r"})
+        EXPECT_EQ(Stream(path, mode).error, os::Error::invalid) << mode;
+    FILE *stream = stderr;
+    EXPECT_EQ(os::openFile(nullptr, "r", stream), os::Error::invalid);
+    EXPECT_EQ(os::openFile(path.c_str(), nullptr, stream), os::Error::invalid);
+    EXPECT_EQ(stream, nullptr);
+}
+
+TEST_F(OsFiles, DRemovesTheNameAtOnceAndAnEncodingIsNoLetter)
+{
+    {
+        Stream stream(path, "w+bD");
+        ASSERT_EQ(stream.error, os::Error::none);
+        EXPECT_FALSE(left("f"));
+        EXPECT_EQ(fputs("text", stream.file) < 0, false);
+    }
+    EXPECT_FALSE(left("f"));
+    Stream stream(path, "w,ccs=UNICODE");
+    EXPECT_TRUE(left("f"));
+}
+
+TEST_F(OsFiles, FoldersAreRefusedAndDevicesAreNotHeld)
+{
+    EXPECT_EQ(Stream(folder.text(), "r").error, os::Error::isDirectory);
+    EXPECT_EQ(Stream(folder.text(), "w").error, os::Error::isDirectory);
+    Stream first("\\dev\\null", "w");
+    Stream second("\\dev\\null", "w");
+    EXPECT_EQ(first.error, os::Error::none);
+    EXPECT_EQ(second.error, os::Error::none);
+}
+
+TEST_F(OsFiles, LinksLeadToTheirFileEvenBeforeItIsThere)
+{
+    fs::create_symlink("target", folder.native() / "f");
+    EXPECT_EQ(Stream(path, "r").error, os::Error::notFound);
+    EXPECT_EQ(Stream(path, "w").error, os::Error::none);
+    EXPECT_TRUE(left("target"));
+    fs::create_symlink("loop", folder.native() / "loop");
+    EXPECT_NE(Stream(folder.text("loop"), "w").error, os::Error::none);
+}
+
+TEST_F(OsFiles, StreamsAreNotHandedToOtherPrograms)
+{
+    Stream stream(path, "w");
+    EXPECT_TRUE(fcntl(fileno(stream.file), F_GETFD) & FD_CLOEXEC);
+}
+
+TEST_F(OsFiles, ManyMakersOfOneFileNeverTakeItFromItsHolder)
+{
+    constexpr int makers = 4;
+    constexpr int rounds = 200;
+    for (int round = 0; round < rounds; ++round) {
+        FILE *streams[makers] = {};
+        {
+            std::vector<std::jthread> threads;
+            for (FILE *&stream : streams)
+                threads.emplace_back([&] { os::openFile(path.c_str(), "w", stream); });
+        }
+        int holders = 0;
+        for (FILE *stream : streams)
+            if (stream) {
+                ++holders;
+                fclose(stream);
+            }
+        ASSERT_EQ(holders, 1);
+        ASSERT_TRUE(left("f"));
+        fs::remove(folder.native() / "f");
+    }
+}
+
+TEST_F(OsFiles, RightsAreThoseInForce)
+{
+    folder.write("f", "text");
+    fs::permissions(folder.native() / "f", fs::perms(0444));
+    fs::permissions(folder.native(), fs::perms(0755));
+    EXPECT_TRUE(test::inChild([&] {
+        test::dropRights();
+        return os::access(path.c_str(), os::Access::exists) == os::Error::none &&
+               os::access(path.c_str(), os::Access::read) == os::Error::none &&
+               os::access(path.c_str(), os::Access::write) == os::Error::accessDenied &&
+               Stream(path, "r").error == os::Error::none && Stream(path, "w").error == os::Error::accessDenied &&
+               os::replaceFile(path.c_str(), "x", 1) == os::Error::accessDenied &&
+               (getuid() != 0 || os::removeFile(path.c_str()) == os::Error::accessDenied) &&
+               (getuid() != 0 || os::makeDirectory(folder.text("d").c_str()) == os::Error::accessDenied);
+    }));
+    EXPECT_EQ(folder.read("f"), "text");
+    EXPECT_EQ(os::access(folder.text("g").c_str(), os::Access::exists), os::Error::notFound);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(OsFiles, ReplacingKeepsPermissionsLinksAndHolders)
+{
+    folder.write("f", "old");
+    fs::permissions(folder.native() / "f", fs::perms(0640));
+    fs::create_symlink("f", folder.native() / "link");
+    ASSERT_EQ(os::replaceFile(folder.text("link").c_str(), "new\0x", 5), os::Error::none);
+    EXPECT_EQ(folder.read("f"), std::string("new\0x", 5));
+    EXPECT_TRUE(fs::is_symlink(folder.native() / "link"));
+    EXPECT_EQ(fs::status(folder.native() / "f").permissions(), fs::perms(0640));
+
+    {
+        Stream reader(path, "r");
+        EXPECT_EQ(os::replaceFile(path.c_str(), "x", 1), os::Error::accessDenied);
+    }
+    EXPECT_EQ(os::replaceFile(folder.text("fresh").c_str(), "", 0), os::Error::none);
+    EXPECT_EQ(folder.read("fresh"), "");
+    EXPECT_NE(os::replaceFile(folder.text().c_str(), "x", 1), os::Error::none);
+    EXPECT_EQ(os::replaceFile(folder.text("none\\f").c_str(), "x", 1), os::Error::notFound);
+    EXPECT_EQ(os::replaceFile(nullptr, "x", 1), os::Error::invalid);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 3);
+}
+
+TEST_F(OsFiles, AFullDiskLeavesTheOldContent)
+{
+    folder.write("f", "old");
+    EXPECT_TRUE(test::inChild([&] {
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{1000, 1000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::string large(5000, 'x');
+        return os::replaceFile(path.c_str(), large.data(), large.size()) != os::Error::none && errno == EFBIG;
+    }));
+    EXPECT_EQ(folder.read("f"), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 1) << "no remains";
+}
+
+TEST_F(OsFiles, FoldersAreMadeEnteredAndTold)
+{
+    auto before = fs::current_path();
+    std::string made = folder.text("d");
+    EXPECT_EQ(os::makeDirectory(made.c_str()), os::Error::none);
+    EXPECT_EQ(os::makeDirectory(made.c_str()), os::Error::exists);
+    EXPECT_EQ(os::setCurrentDirectory(made.c_str()), os::Error::none);
+    char out[300];
+    EXPECT_EQ(os::currentDirectory(out, made.size() + 1), os::Error::none);
+    EXPECT_EQ(out, made);
+    EXPECT_EQ(os::currentDirectory(out, made.size()), os::Error::nameTooLong);
+    EXPECT_EQ(errno, ENAMETOOLONG);
+    EXPECT_EQ(os::setCurrentDirectory("\\"), os::Error::none);
+    EXPECT_EQ(os::currentDirectory(out, sizeof out), os::Error::none);
+    EXPECT_STREQ(out, "\\");
+    EXPECT_EQ(os::setCurrentDirectory(path.c_str()), os::Error::notFound);
+    fs::current_path(before);
+}
+
+TEST_F(OsFiles, TheProgramIsKnownAlsoAfterItsFileIsReplaced)
+{
+    char out[4096];
+    ASSERT_EQ(os::executablePath(out, sizeof out), os::Error::none);
+    std::string program = out;
+    EXPECT_EQ(os::access(program.c_str(), os::Access::exists), os::Error::none);
+    EXPECT_EQ(os::executablePath(out, program.size() + 1), os::Error::none);
+    EXPECT_EQ(os::executablePath(out, program.size()), os::Error::nameTooLong);
+    EXPECT_EQ(os::longPath("abc", out, 4), os::Error::none);
+    EXPECT_STREQ(out, "abc");
+    EXPECT_EQ(os::longPath("abc", out, 3), os::Error::nameTooLong);
+}
+
+TEST_F(OsFiles, PathsWithoutANativeNameFailInEveryVerb)
+{
+    os::FileStatus status;
+    EXPECT_EQ(os::fileStatus("Q:\\x", status), os::Error::notFound);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(os::fileStatus(nullptr, status), os::Error::invalid);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(os::removeFile(std::string(5000, 'x').c_str()), os::Error::nameTooLong);
+    EXPECT_EQ(errno, ENAMETOOLONG);
+}
+
+TEST_F(OsFiles, ARefusedVerbTouchesNothing)
+{
+    folder.write("f", "text");
+    os::FileStatus status{};
+    FILE *stream = nullptr;
+    char out[300] = "";
+    os::Error results[10];
+    int64_t refusals = 0;
+    fault::refuseFrom(fault::Kind::verb, 1);
+    int n = 0;
+    results[n++] = os::fileStatus(path.c_str(), status);
+    results[n++] = os::access(path.c_str(), os::Access::exists);
+    results[n++] = os::openFile(path.c_str(), "w", stream);
+    results[n++] = os::removeFile(path.c_str());
+    results[n++] = os::replaceFile(path.c_str(), "x", 1);
+    results[n++] = os::makeDirectory(folder.text("d").c_str());
+    results[n++] = os::currentDirectory(out, sizeof out);
+    results[n++] = os::setCurrentDirectory("\\");
+    results[n++] = os::executablePath(out, sizeof out);
+    results[n++] = os::longPath("a", out, sizeof out);
+    refusals = fault::refusals(fault::Kind::verb);
+    fault::refuse(fault::Kind::verb, 0);
+    EXPECT_EQ(refusals, n);
+    for (os::Error result : results)
+        EXPECT_EQ(result, os::Error::other);
+    EXPECT_EQ(folder.read("f"), "text");
+    EXPECT_FALSE(left("d"));
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(stream, nullptr);
+}
+
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+// As faults.h, for steps whose outcome is looked at outside the reach of the
+// refusals: the checks may allocate and look at files themselves.
+
+#include <cstdint>
+
+#include <gtest/gtest.h>
+
+#include "platform/os/fault.h"
+
+namespace vx::test {
+
+/**
+ * Run `act` with its 1st, 2nd, ... call of `kind` refused, until a run meets
+ * no refusal; after each, `check(refused)`. `verb` narrows it to one verb.
+ */
+template <typename Act, typename Check>
+void eachRefusal(fault::Kind kind, const char *verb, Act act, Check check)
+{
+    constexpr int64_t runaway = 100000;
+    bool refused = true;
+    int64_t nth = 0;
+    while (refused && ++nth < runaway && !testing::Test::HasFatalFailure()) {
+        SCOPED_TRACE(testing::Message() << "refused: number " << nth);
+        fault::onlyVerb(verb);
+        fault::refuse(kind, nth);
+        act();
+        refused = fault::refusals(kind) > 0;
+        fault::refuse(kind, 0);
+        fault::onlyVerb(nullptr);
+        check(refused);
+    }
+    EXPECT_GT(nth, 1) << "nothing was refused";
+    EXPECT_LT(nth, runaway) << "the step never ran through";
+}
+
+}
