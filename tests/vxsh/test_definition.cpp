@@ -72,16 +72,16 @@ TEST(Definition, takesBracketsOffTheNameAndLeavesColonsInThemAlone)
 
 TEST(Definition, saysWhichPartIsMissingAndWhere)
 {
-    EXPECT_EQ(problemOf("just words").message, "no '=' divides a name from a formula");
+    EXPECT_EQ(problemOf("just words").message, "No '=' divides a name from a formula.");
     EXPECT_EQ(problemOf("just words").place.length, 10u);
-    EXPECT_EQ(problemOf(" = 1").message, "the name is missing");
-    EXPECT_EQ(problemOf("[] = 1").message, "the name is missing");
-    EXPECT_EQ(problemOf(": mm = 1").message, "the name is missing");
-    EXPECT_EQ(problemOf("a : = 1").message, "the unit is missing");
+    EXPECT_EQ(problemOf(" = 1").message, "The name is missing.");
+    EXPECT_EQ(problemOf("[] = 1").message, "The name is missing.");
+    EXPECT_EQ(problemOf(": mm = 1").message, "The name is missing.");
+    EXPECT_EQ(problemOf("a : = 1").message, "The unit is missing.");
     EXPECT_EQ(problemOf("a : = 1").place.at, 2u);
-    EXPECT_EQ(problemOf("a = \t").message, "the formula is missing");
+    EXPECT_EQ(problemOf("a = \t").message, "The formula is missing.");
     EXPECT_EQ(problemOf("a = \t").place.at, 2u);
-    EXPECT_EQ(problemOf(std::string("a = 1\0 2", 8)).message, "the line holds a zero byte");
+    EXPECT_EQ(problemOf(std::string("a = 1\0 2", 8)).message, "The line holds a zero byte.");
 }
 
 TEST(Definition, refusesNamesThatNoFormulaCouldReferTo)
@@ -143,7 +143,7 @@ TEST(ParameterFile, keepsTheFirstOfTwoDefinitionsAndNamesItsLine)
     EXPECT_EQ(file.definitions[0].formula(), "1");
     ASSERT_EQ(file.refused.size(), 1u);
     EXPECT_EQ(file.refused[0].definition.number, 3u);
-    EXPECT_EQ(file.refused[0].problem.message, "'a' is already defined at line 1");
+    EXPECT_EQ(file.refused[0].problem.message, "'a' is already defined at line 1.");
 }
 
 TEST(ParameterFile, refusesOverlongLinesAndGoesOn)

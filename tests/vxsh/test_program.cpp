@@ -1,0 +1,410 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/temp_folder.h"
+#include "tests/vxsh/program.h"
+
+namespace vx::test {
+
+using testing::AllOf;
+using testing::Each;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+namespace {
+
+/** Expects success and gives what was printed, without the last line end. */
+std::string printed(const std::vector<std::string> &arguments)
+{
+    Outcome run = vxsh(arguments);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.err, IsEmpty());
+    EXPECT_TRUE(run.out.ends_with('\n')) << run.out;
+    return run.out.substr(0, run.out.size() - 1);
+}
+
+/** Expects that a formula fails, and gives the message. */
+std::string refused(const std::vector<std::string> &arguments)
+{
+    Outcome run = vxsh(arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, IsEmpty());
+    return run.err;
+}
+
+class Run : public testing::Test {
+protected:
+    Outcome runFile(const std::string &bytes, std::vector<std::string> options = {})
+    {
+        folder.write("part.vxp", bytes);
+        options.insert(options.begin(), {"run", "part.vxp"});
+        return vxsh(options, {}, folder.native().string());
+    }
+
+    TempFolder folder;
+};
+
+}
+
+TEST(Eval, printsTheNumberAlone)
+{
+    EXPECT_EQ(printed({"eval", "2*3"}), "6");
+    EXPECT_EQ(printed({"eval", "1/3"}), "0.333333333333333");
+    EXPECT_EQ(printed({"eval", "1e300*1e-3"}), "1e+297");
+    EXPECT_EQ(printed({"eval", "-5 + 2"}), "-3");
+    EXPECT_EQ(printed({"eval", "1.in + 1.cm"}), "35.4") << "base units without --unit";
+}
+
+TEST(Eval, givesTheResultInAUnit)
+{
+    EXPECT_EQ(printed({"eval", "--unit", "cm", "1.in + 1.cm"}), "3.54");
+    EXPECT_EQ(printed({"eval", "--unit", "cm", "1.cm + 1"}), "2");
+    EXPECT_EQ(printed({"eval", "--unit", "cm", "3"}), "3");
+    EXPECT_EQ(printed({"eval", "--unit", "mm", "2*3"}), "6");
+    EXPECT_EQ(printed({"eval", "--unit", "deg", "atan2(1,1)"}), "45");
+    EXPECT_EQ(printed({"eval", "--unit=cm^2", "2.in*1.in"}), "12.9032");
+}
+
+TEST(Eval, takesVariablesInAnyOrderWithTheirUnits)
+{
+    EXPECT_EQ(printed({"eval", "--set", "half=width/2", "--set", "width=3.in", "--unit", "mm", "half + 1"}), "39.1");
+    EXPECT_EQ(printed({"eval", "--set", "w : cm = 3", "w"}), "30") << "a length of 30 mm";
+    EXPECT_EQ(printed({"eval", "--set", "a b=2", "[a b]*a b"}), "4");
+}
+
+TEST(Eval, readsAnglesInDegreesOrRadians)
+{
+    EXPECT_EQ(printed({"eval", "sin(30)"}), "0.5");
+    EXPECT_EQ(printed({"eval", "--rad", "cos(0) + sin(1)"}), "1.8414709848079");
+}
+
+TEST(Eval, showsTheFailureAtItsPlace)
+{
+    EXPECT_EQ(refused({"eval", "1.in + 1.kg"}),
+              "vxsh: error: The dimensions of the operands do not agree: length + mass.\n"
+              "    1.in + 1.kg\n"
+              "         ^\n");
+    EXPECT_EQ(refused({"eval", "2 + sqrt(0-4)"}), "vxsh: error: sqrt: The argument of a square root is negative.\n"
+                                                  "    2 + sqrt(0-4)\n"
+                                                  "        ^~~~\n");
+    EXPECT_EQ(refused({"eval", "1 + nothing"}), "vxsh: error: 'nothing' is not defined.\n"
+                                                "    1 + nothing\n"
+                                                "        ^~~~~~~\n");
+    EXPECT_THAT(refused({"eval", "(1+2"}), HasSubstr("A closing parenthesis is missing."));
+    EXPECT_THAT(refused({"eval", "12a"}), HasSubstr("The number is not well formed."));
+    EXPECT_THAT(refused({"eval", "1<2<3"}), HasSubstr("There is text after the end of the expression."));
+    EXPECT_THAT(refused({"eval", ""}), HasSubstr("An operand is expected."));
+    EXPECT_THAT(refused({"eval", "1/0"}), HasSubstr("Division by zero."));
+    EXPECT_THAT(refused({"eval", "1e308*10"}), HasSubstr("The result is no finite number."));
+}
+
+TEST(Eval, refusesWhatCannotBeGiven)
+{
+    EXPECT_THAT(refused({"eval", "--unit", "cm", "3.kg"}),
+                HasSubstr("does not match the expected unit: mass, not length."));
+    EXPECT_THAT(refused({"eval", "--unit", "furlong", "3"}), HasSubstr("There is no unit 'furlong'"));
+    EXPECT_THAT(refused({"eval", "vector(1,2,3)"}), HasSubstr("gives a Vector, not a number; see 'vxsh value'"));
+    EXPECT_THAT(refused({"eval", "--set", "a=b", "--set", "b=a", "1"}),
+                AllOf(HasSubstr("in a circle: a -> b -> a"), HasSubstr("in a circle: b -> a -> b")));
+    EXPECT_THAT(refused({"eval", "--set", "a", "1"}), HasSubstr("No '=' divides"));
+}
+
+TEST(Value, namesTheKindBeforeTheValue)
+{
+    EXPECT_EQ(printed({"value", "vector(1, 2, 3)"}), "Vector 1 2 3");
+    EXPECT_EQ(printed({"value", "point(1.in, 2, 3) + vector(0, 0, 0.5)"}), "Point 25.4 2 3.5");
+    EXPECT_EQ(printed({"value", "2.in"}), "Number 50.8");
+    EXPECT_EQ(printed({"value", "--set", "n=3", "num2str(n) + \" off\""}), "String 3 off");
+    EXPECT_THAT(printed({"value", "time()"}), MatchesRegex("String [0-9][0-9]:[0-9][0-9]:[0-9][0-9]"));
+    EXPECT_EQ(refused({"value", "vector(1,2,3) + 1"}), "vxsh: error: The operands Vector and Number cannot be combined.\n"
+                                                       "    vector(1,2,3) + 1\n"
+                                                       "                  ^\n");
+}
+
+TEST(Value, choosesBetweenTextsVectorsAndPointsByTheirConditions)
+{
+    EXPECT_EQ(printed({"value", "1 < 2 then \"yes\" else \"no\""}), "String yes");
+    EXPECT_EQ(printed({"value", "1 > 2 then \"a\" else 2 > 2 then \"b\" else \"c\""}), "String c");
+    EXPECT_EQ(printed({"value", "1 then 0 then \"a\" else \"b\" else \"c\""}), "String b");
+    EXPECT_EQ(printed({"value", "(0 then vector(1,2,3) else (1 then point(4,5,6) else \"then else\"))"}), "Point 4 5 6");
+    EXPECT_EQ(printed({"value", "1 then \"else (\" else \"b\""}), "String else (");
+    EXPECT_EQ(printed({"value", "0 then \"a\""}), "Number 0");
+    EXPECT_EQ(refused({"value", "1 then \"a\" + 1 else \"b\""}),
+              "vxsh: error: The operands String and Number cannot be combined.\n"
+              "    1 then \"a\" + 1 else \"b\"\n"
+              "               ^\n");
+    EXPECT_THAT(refused({"value", "\"a\" then \"b\" else \"c\""}), HasSubstr("The condition is a String, not a number."));
+}
+
+TEST(Tree, isPrintedAsTheToolkitPrintsIt)
+{
+    EXPECT_THAT(printed({"tree", "2*(a + 3.cm)"}), AllOf(StartsWith("* 2.000"), HasSubstr("[1]+ a"), HasSubstr("cm")));
+    EXPECT_THAT(refused({"tree", "2*"}), HasSubstr("An operator has no valid operand after it."));
+}
+
+TEST(Names, areListedOnceInOrderOfAppearance)
+{
+    EXPECT_EQ(printed({"names", "(b + a)*[c d] + a*sin(b)^2.mm"}), "b\na\nc d");
+    EXPECT_EQ(vxsh({"names", "1 + 2"}).out, "");
+}
+
+TEST(Replace, replacesWholeWordsOnly)
+{
+    EXPECT_EQ(printed({"replace", "a", "(b + 1)", "a + ab*a"}), "(b + 1) + ab*(b + 1)");
+    EXPECT_EQ(printed({"replace", "a", "", "a+a+a"}), "++");
+    EXPECT_EQ(printed({"replace", "a", std::string(3000, 'x'), "a*a"}), std::string(3000, 'x') + "*" + std::string(3000, 'x'));
+    EXPECT_THAT(refused({"replace", "z", "b", "a + ab"}), HasSubstr("does not refer to 'z'"));
+    EXPECT_THAT(refused({"replace", "", "b", "a"}), HasSubstr("does not refer to ''"));
+}
+
+TEST(Derive, derivesByOneVariable)
+{
+    EXPECT_EQ(printed({"derive", "--by", "x", "--set", "x=3", "x^2"}), "6");
+    EXPECT_EQ(printed({"derive", "--by", "x", "--set", "x=3", "--set", "y=5", "x*y + y"}), "5");
+    EXPECT_EQ(printed({"derive", "--by", "z", "--set", "x=3", "x^2"}), "0");
+    EXPECT_THAT(refused({"derive", "--by", "x", "--set", "x=0", "1/x"}), StartsWith("vxsh: error: "));
+    EXPECT_THAT(refused({"derive", "--by", "x", "x^2"}), HasSubstr("'x' is not defined."));
+}
+
+TEST(Units, areListedWithFactorAndClass)
+{
+    std::string list = printed({"units"});
+    EXPECT_THAT(list, AllOf(HasSubstr("\nin         25.4             length\n"), HasSubstr("\ndeg        1                angle\n"),
+                            HasSubstr("kg/m^3"), HasSubstr("moment of inertia")));
+}
+
+TEST(Usage, isExplainedOnStandardErrorWithExitCode2)
+{
+    for (const std::vector<std::string> &arguments :
+         {std::vector<std::string>{"evil"}, {"eval"}, {"eval", "1", "2"}, {"eval", "--csv", "1"}, {"--nonsense"}}) {
+        Outcome run = vxsh(arguments);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_THAT(run.out, IsEmpty());
+        EXPECT_THAT(run.err, AllOf(StartsWith("vxsh: "), HasSubstr("Usage: vxsh"), HasSubstr("--help")));
+    }
+}
+
+TEST(Usage, helpAndVersionAreTexts)
+{
+    EXPECT_THAT(printed({"--help"}), StartsWith("Usage: vxsh [COMMAND]"));
+    EXPECT_THAT(printed({"run", "--help"}), StartsWith("Usage: vxsh run"));
+    EXPECT_THAT(printed({"eval", "--version", "1"}), StartsWith("vxsh " VXSH_VERSION "\nVERNUM:"));
+}
+
+TEST(Usage, helpNeedsNothingOfTheToolkitsInstallation)
+{
+    TempFolder bare;
+    std::filesystem::path program = bare.native() / "vxsh";
+    std::filesystem::path product = std::filesystem::path(VXSH_PROGRAM).parent_path();
+    std::filesystem::copy_file(VXSH_PROGRAM, program);
+    std::string command = "LD_LIBRARY_PATH=" + product.string() + " " + program.string();
+    EXPECT_EQ(std::system((command + " --help >" + (bare.native() / "out").string()).c_str()), 0);
+    EXPECT_THAT(bare.read("out"), StartsWith("Usage:"));
+    int status = std::system((command + " eval 1 >" + (bare.native() / "out").string() + " 2>&1").c_str());
+    EXPECT_EQ(status >> 8, 1) << "without its texts the toolkit does not start";
+    EXPECT_THAT(bare.read("out"), HasSubstr("vxsh: error: The toolkit cannot start: no language"));
+}
+
+TEST_F(Run, printsATableOfEveryKindOfValue)
+{
+    Outcome run = runFile("title = \"a plate\"\nwidth : mm = 3.in\narea = width*width\nratio = 1/8\ndir = vector(1, 0, 0.5)\n"
+                          "corner = point(width, 0, 0)\nturn : deg = atan2(1, 1)\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, IsEmpty());
+    EXPECT_EQ(run.out, "name      value  unit\n"
+                       "title   a plate\n"
+                       "width      76.2  mm\n"
+                       "area    5806.44  mm^2\n"
+                       "ratio     0.125\n"
+                       "dir     1 0 0.5\n"
+                       "corner  76.2 0 0\n"
+                       "turn         45  deg\n");
+}
+
+TEST_F(Run, printsCommaSeparatedValues)
+{
+    Outcome run = runFile("b : cm = a*2\na = 1.in\n[x, y] = \"say \" + \"it\"\nbad = 1/0\nn = \"1,2\"\n", {"--csv"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "name,value,unit\nb,5.08,cm\na,25.4,mm\n\"x, y\",say it,\nbad,,\nn,\"1,2\",\n");
+}
+
+TEST_F(Run, evaluatesLinesInAnyOrderAndTellsWhatFailedAndWhatDependsOnIt)
+{
+    Outcome run = runFile("top = middle + 1\nmiddle = 2*bottom\nbottom = 1.in + 1.kg\ngood : mm = 2\nlate = good*2\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, AllOf(HasSubstr("good        2  mm\n"), HasSubstr("late        4  mm\n"),
+                               HasSubstr("bottom  (failed)\n")));
+    EXPECT_EQ(run.err, "part.vxp:1:7: error: It depends on 'middle', which failed.\n"
+                       "    top = middle + 1\n"
+                       "          ^~~~~~\n"
+                       "part.vxp:2:12: error: It depends on 'bottom', which failed.\n"
+                       "    middle = 2*bottom\n"
+                       "               ^~~~~~\n"
+                       "part.vxp:3:15: error: The dimensions of the operands do not agree: length + mass.\n"
+                       "    bottom = 1.in + 1.kg\n"
+                       "                  ^\n"
+                       "vxsh: 3 of 5 parameters failed\n");
+}
+
+TEST_F(Run, namesCirclesAndEvaluatesTheRest)
+{
+    Outcome run = runFile("a = b + d\nb = c\nc = a\nd = 1\nself = self + 1\nuser = a*2\nfar = near\nnear = b\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("d         1\n"));
+    EXPECT_THAT(run.err, AllOf(HasSubstr("1:5: error: It depends on itself in a circle: a -> b -> c -> a\n"),
+                               HasSubstr("2:5: error: It depends on itself in a circle: b -> c -> a -> b\n"),
+                               HasSubstr("5:8: error: It depends on itself.\n"),
+                               HasSubstr("6:8: error: It depends on 'a', which failed.\n"),
+                               HasSubstr("7:7: error: It depends on 'near', which failed.\n"),
+                               HasSubstr("7 of 8 parameters failed\n")));
+}
+
+TEST_F(Run, refusesWhatIsNoDefinitionWithLineAndColumn)
+{
+    Outcome run = runFile("\xEF\xBB\xBF# ok\r\na : mm = 1\r\n\r\njust words\r\na = 2\r\n = 3\r\nf : furlong = 1\r\ne =\r\n"
+                          "t : mm = \"text\"\r\n" + std::string("z\0 = 1\r\n", 8));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("a         1  mm\n"));
+    EXPECT_THAT(run.err, AllOf(HasSubstr("part.vxp:4:1: error: No '=' divides a name from a formula.\n    just words\n    ^~~~"),
+                               HasSubstr("part.vxp:5:1: error: 'a' is already defined at line 2.\n"),
+                               HasSubstr("part.vxp:6:2: error: The name is missing.\n"),
+                               HasSubstr("part.vxp:7:5: error: There is no unit 'furlong'.\n"),
+                               HasSubstr("part.vxp:8:3: error: The formula is missing.\n"),
+                               HasSubstr("part.vxp:9:10: error: A String cannot be given in mm.\n"),
+                               HasSubstr("part.vxp:10:2: error: The line holds a zero byte.\n    z? = 1\n"),
+                               HasSubstr("7 of 8 parameters failed\n")));
+}
+
+TEST_F(Run, countsColumnsInCharacters)
+{
+    Outcome run = runFile("gr\xC3\xB6\xC3\x9F" "e = 3\np = gr\xC3\xB6\xC3\x9F" "e + 1/0\n");
+    EXPECT_THAT(run.out, HasSubstr("gr\xC3\xB6\xC3\x9F" "e"));
+    EXPECT_THAT(run.err, HasSubstr(":2:14: error: /: Division by zero.\n    p = gr\xC3\xB6\xC3\x9F" "e + 1/0\n                 ^\n"));
+}
+
+TEST_F(Run, readsStandardInputAndReportsFilesThatCannotBeRead)
+{
+    EXPECT_EQ(vxsh({"run", "--csv", "-"}, "a = 1\n").out, "name,value,unit\na,1,\n");
+    EXPECT_THAT(vxsh({"run", "-"}, "a = 1/0\n").err, StartsWith("stdin:1:6: error: "));
+
+    Outcome missing = vxsh({"run", "nowhere.vxp"}, {}, folder.native().string());
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "vxsh: error: nowhere.vxp: No such file or directory\n");
+    EXPECT_EQ(vxsh({"run", "."}, {}, folder.native().string()).err, "vxsh: error: .: Is a directory\n");
+    EXPECT_EQ(runFile("# nothing\n").status, 0);
+}
+
+TEST_F(Run, writesTheJournal)
+{
+    Outcome run = runFile("a : mm = 1.in\nbad = 1/0\n", {"--journal", "session.txt"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(folder.read("session.txt"), AllOf(StartsWith("["), HasSubstr(" log start!\r\n"),
+                                                  HasSubstr("a : mm = 1.in  # a = 25.4 mm\r\n"),
+                                                  HasSubstr("bad = 1/0  # bad = (failed)\r\n")));
+    Outcome refusedRun = runFile("a = 1\n", {"--journal", "no/such/folder.txt"});
+    EXPECT_EQ(refusedRun.status, 1);
+    EXPECT_THAT(refusedRun.out, IsEmpty());
+    EXPECT_THAT(refusedRun.err, AllOf(StartsWith("vxsh: error: The directory "), HasSubstr("does not exist.")));
+}
+
+TEST_F(Run, takesAChainOfAHundredThousandParameters)
+{
+    constexpr int count = 100'000;
+    std::string bytes;
+    for (int i = count; i > 0; --i)
+        bytes += "p" + std::to_string(i) + " = p" + std::to_string(i - 1) + " + 1\n";
+    Outcome run = runFile(bytes + "p0 : mm = 1\n", {"--csv"});
+    EXPECT_EQ(run.status, 0) << run.err.substr(0, 1000);
+    EXPECT_THAT(run.out, HasSubstr("p100000,100001,mm\n")) << "1 beside a length is a millimetre";
+
+    run = runFile(bytes + "p0 = p100000\n", {"--csv"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("(100,001 parameters)"));
+    EXPECT_THAT(run.err, HasSubstr("100,001 of 100,001 parameters failed"));
+}
+
+TEST_F(Run, takesFormulasOfAHundredThousandTermsAndRefusesDeepNests)
+{
+    std::string chain = "1", nest = std::string(100'000, '(') + "1" + std::string(100'000, ')');
+    for (int i = 1; i < 100'000; ++i)
+        chain += "+1";
+    Outcome run = runFile("long = " + chain + "\ndeep = " + nest + "\n", {"--csv"});
+    EXPECT_THAT(run.out, HasSubstr("long,100000,\n"));
+    EXPECT_THAT(run.err, HasSubstr("The expression is nested too deeply."));
+}
+
+TEST_F(Run, leavesTheUsersFoldersAlone)
+{
+    Environment home("HOME", (folder.native() / "home").c_str());
+    EXPECT_EQ(vxsh({"eval", "1"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder.native() / "home"));
+}
+
+TEST(Console, definesChangesAndAnswers)
+{
+    Outcome run = vxsh({}, "a = 3\nb : mm = a*2.mm\n# a comment\n\na = 4\nb\nb*2\nsin(30)\nlist\nquit\nnever = 1\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "a = 3\n"
+                       "b = 6 mm\n"
+                       "a = 4\n"
+                       "b = 8 mm\n"
+                       "b : mm = a*2.mm\n"
+                       "b = 8 mm\n"
+                       "16 mm\n"
+                       "0.5\n"
+                       "name  value  unit\n"
+                       "a         4\n"
+                       "b         8  mm\n");
+}
+
+TEST(Console, takesDefinitionsBeforeWhatTheyNeed)
+{
+    Outcome run = vxsh({}, "b = a + 1\na = 2\na = b\nb\na = 5\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, AllOf(HasSubstr("'a' is not defined."), HasSubstr("in a circle: b -> a -> b")));
+    EXPECT_EQ(run.out, "a = 2\nb = 3\nb = a + 1\na = 5\nb = 6\n");
+}
+
+TEST(Console, keepsWhatWasDefinedWhenAChangeIsMalformed)
+{
+    Outcome run = vxsh({}, "a = 2\na = 2*\na : furlong = 2\na = \na\nsave\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, AllOf(HasSubstr("An operator has no valid operand after it."), HasSubstr("There is no unit 'furlong'."),
+                               HasSubstr("The formula is missing."), HasSubstr("save needs the name of a file")));
+    EXPECT_EQ(run.out, "a = 2\na = 2\na = 2\n");
+}
+
+TEST(Console, savesWhatItCanLoad)
+{
+    TempFolder folder;
+    std::string place = folder.native().string();
+    Outcome saving = vxsh({}, "[a+b] : cm = 1.in\nc d = [a+b]*2\nsave my part.vxp\n", place);
+    EXPECT_EQ(saving.status, 0) << saving.err;
+    EXPECT_THAT(saving.out, HasSubstr("2 parameters saved to my part.vxp\n"));
+    EXPECT_EQ(folder.read("my part.vxp"), "[a+b] : cm = 1.in\nc d = [a+b]*2\n");
+
+    Outcome loading = vxsh({}, "load my part.vxp\nc d\nload nowhere\nsave /no/such/folder/x\n", place);
+    EXPECT_EQ(loading.out, "2 parameters read from my part.vxp\nc d = [a+b]*2\nc d = 50.8 mm\n");
+    EXPECT_EQ(loading.status, 1);
+    EXPECT_THAT(loading.err, AllOf(HasSubstr("nowhere: No such file or directory"), HasSubstr("/no/such/folder/x: ")));
+}
+
+TEST(Console, explainsItself)
+{
+    EXPECT_THAT(vxsh({}, "help\n").out, AllOf(HasSubstr("list"), HasSubstr("save FILE"), HasSubstr("quit")));
+}
+
+TEST(Console, readsInputThatIsNoText)
+{
+    std::string noise;
+    for (int i = 0; i < 20'000; ++i)
+        noise += static_cast<char>(i * 7919 % 256);
+    EXPECT_LT(vxsh({}, noise).status, 2);
+    EXPECT_EQ(vxsh({"run", "-"}, noise).status, 1);
+}
+
+}

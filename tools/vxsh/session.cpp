@@ -1,8 +1,9 @@
 #include "tools/vxsh/session.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <clocale>
 #include <iterator>
+#include <string_view>
 
 #include "talm/base.hpp"
 #include "talm/config.hpp"
@@ -31,11 +32,20 @@ const struct Module {
     uint32_t (*init)();
     uint32_t (*exit)();
 } modules[] = {
-    {"its texts", [] { return VxToolsInit(); }, VxToolsExit},
-    {"the numerics", [] { return VxMathInit(); }, VxMathExit},
-    {"the search paths", [] { return VxDmgrInit(); }, VxDmgrExit},
-    {"the memory reserve", VxMemInit, VxMemExit},
+    {"texts", [] { return VxToolsInit(); }, VxToolsExit},
+    {"numerics", [] { return VxMathInit(); }, VxMathExit},
+    {"search paths", [] { return VxDmgrInit(); }, VxDmgrExit},
+    {"memory reserve", VxMemInit, VxMemExit},
 };
+
+/** Where the user's locale names no code page, texts are taken for UTF-8. */
+void chooseCodePage()
+{
+    constexpr int32_t utf8 = 65001;
+    const char *locale = std::setlocale(LC_CTYPE, "");
+    if (!locale || std::string_view(locale) == "C" || std::string_view(locale) == "POSIX")
+        VX::CodePageSet(utf8, utf8);
+}
 
 std::string withSeparators(std::string path, char from, char to)
 {
@@ -50,29 +60,27 @@ Session::Session()
     Base::Instance().SetVariable(executableName, programName);
     // The user's folders are neither made nor entered: a command works where it was called.
     VgTplCompile = 1;
-    if (!start())
-        failure_ = Messages::takeLine("the toolkit cannot start: " + failure_);
+    if (std::string missing = start(); !missing.empty())
+        failure_ = "The toolkit cannot start: no " + missing + ". " + Messages::takeLine("");
 }
 
-bool Session::start()
+/** What could not be started; empty when everything was. */
+std::string Session::start()
 {
+    chooseCodePage();
     // Every option has a value of its own where there is no option file.
     VxAcmLoad();
-    failure_ = "its folders";
     if (VxPathInit())
-        return false;
-    failure_ = "its language";
+        return "folders";
     if (VxLangSet("en_US"))
-        return false;
+        return "language beside the program";
     VxPathLogLang();
     for (const Module &module : modules) {
-        failure_ = module.name;
         ++started_;
         if (module.init())
-            return false;
+            return module.name;
     }
-    failure_.clear();
-    return true;
+    return "";
 }
 
 Session::~Session()

@@ -20,7 +20,7 @@ public:
     const std::string &failure() const { return failure_; }
 
 private:
-    bool start();
+    std::string start();
 
     Messages messages_;
     std::string failure_;
