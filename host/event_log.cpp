@@ -78,20 +78,25 @@ bool wanted(int32_t category, int32_t level)
     return eventLog().enabled && EsCheck(level, category);
 }
 
-void copyText(char *out, size_t size, const char *text)
+/** Control characters could forge records or steer a terminal. */
+char tidied(char c)
 {
-    std::snprintf(out, size, "%s", text ? text : "");
+    return static_cast<unsigned char>(c) >= ' ' || c == '\n' || c == '\t' ? c : '?';
 }
 
-/** Control characters could forge records or steer a terminal. */
 void tidy(std::pmr::string &text)
 {
     std::erase(text, '\r');
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    for (char &c : text)
-        if (static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t')
-            c = '?';
+    text.erase(text.find_last_not_of('\n') + 1);
+    std::transform(text.begin(), text.end(), text.begin(), tidied);
+}
+
+/** A name or heading, on one line. */
+void copyName(char *out, size_t size, const char *text)
+{
+    std::snprintf(out, size, "%s", text ? text : "");
+    for (; *out; ++out)
+        *out = *out == '\n' ? ' ' : tidied(*out);
 }
 
 void appendIndented(std::pmr::string &line, std::string_view text, size_t indent)
@@ -241,7 +246,7 @@ void EsEnter(int32_t level, const char *text)
         return;
     Section &section = thread.sections[depth];
     section.level = level;
-    copyText(section.heading, sizeof section.heading, text);
+    copyName(section.heading, sizeof section.heading, text);
     section.written = section.heading[0] == 0;
 }
 
@@ -271,9 +276,11 @@ void EsLogGeneral(const char *source, int32_t level, const char *format, ...)
 {
     bool tools = source && std::strcmp(source, EsGeneralGetName(EsCategoryTools)) == 0;
     int32_t category = tools ? EsCategoryTools : EsCategoryGeneral;
+    char name[nameSize];
+    copyName(name, sizeof name, source && *source ? source : EsGeneralGetName(category));
     va_list args;
     va_start(args, format);
-    record(category, level, source && *source ? source : EsGeneralGetName(category), format, args);
+    record(category, level, name, format, args);
     va_end(args);
 }
 
@@ -294,7 +301,7 @@ void EsControlGetField(const char *format, ...)
     try {
         std::pmr::string text(&pool);
         talm::appendFormatted(text, format, args);
-        copyText(thread.field, sizeof thread.field, text.c_str());
+        std::snprintf(thread.field, sizeof thread.field, "%s", text.c_str());
     } catch (const std::bad_alloc &) {
         // The field stays empty, and an empty record is not written.
     }
@@ -306,7 +313,7 @@ void EsLogControl(int32_t category, int32_t level)
     char form[nameSize];
     {
         std::lock_guard guard(eventLog().lock);
-        copyText(form, sizeof form, eventLog().form);
+        copyName(form, sizeof form, eventLog().form);
     }
     if (!*form || !wanted(category, level))
         return;
@@ -398,6 +405,6 @@ void EsControlSetForm(const char *name)
 {
     Log &state = eventLog();
     std::lock_guard guard(state.lock);
-    copyText(state.form, sizeof state.form, name);
+    copyName(state.form, sizeof state.form, name);
     state.hasForm = state.form[0] != 0;
 }

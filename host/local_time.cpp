@@ -23,26 +23,26 @@ std::tm calendarOf(int64_t seconds)
     out.tm_hour = static_cast<int>(clock.hours().count());
     out.tm_min = static_cast<int>(clock.minutes().count());
     out.tm_sec = static_cast<int>(clock.seconds().count());
-    out.tm_isdst = -1;
+    out.tm_isdst = 0;
     return out;
-}
-
-/** Which moment a calendar that is meant as local time stands for. */
-int64_t momentOf(std::tm local)
-{
-    return static_cast<int64_t>(std::mktime(&local));
 }
 
 }
 
 void localTimeText(int64_t seconds, char *out, size_t size)
 {
-    // Local time is UTC's calendar of a moment shifted by the zone's offset;
-    // the second step mends an offset taken across a change of the clocks.
+    // std::mktime reads a calendar as local standard time and writes it anew
+    // as the clocks of that moment show it. So look for the calendar that it
+    // takes for our moment; a second step finds it unless the zone changed.
+    std::tm local = {};
     int64_t shifted = seconds;
-    for (int step = 0; step < 2; ++step)
-        shifted += seconds - momentOf(calendarOf(shifted));
-    std::tm local = calendarOf(shifted);
+    for (int step = 0; step < 4; ++step) {
+        local = calendarOf(shifted);
+        auto moment = static_cast<int64_t>(std::mktime(&local));
+        if (moment == seconds)
+            break;
+        shifted += seconds - moment;
+    }
     std::snprintf(out, size, "%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
                   local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
 }

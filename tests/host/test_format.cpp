@@ -1,0 +1,155 @@
+#include "host/format.h"
+
+#include <clocale>
+#include <cmath>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "host/local_time.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+/** The locale with a decimal comma. */
+class DecimalComma {
+public:
+    DecimalComma() : set_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr) {}
+    ~DecimalComma() { std::setlocale(LC_ALL, "C"); }
+
+    bool isSet() const { return set_; }
+
+private:
+    bool set_;
+};
+
+std::string ours(const char *format, ...)
+{
+    std::pmr::string out;
+    va_list args;
+    va_start(args, format);
+    talm::appendFormatted(out, format, args);
+    va_end(args);
+    return std::string(out);
+}
+
+std::string printfs(const char *format, ...)
+{
+    char out[8192];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(out, sizeof out, format, args);
+    va_end(args);
+    return out;
+}
+
+/** All combinations of flags, widths and precisions before these conversions. */
+std::vector<std::string> formatsOf(const char *lengthAndTypes)
+{
+    std::vector<std::string> out;
+    const char flags[] = "-+ #0";
+    for (unsigned set = 0; set < 32; ++set)
+        for (const char *width : {"", "1", "9", "40"})
+            for (const char *precision : {"", ".", ".0", ".3", ".17"}) {
+                std::string format = "<%";
+                for (unsigned i = 0; i < 5; ++i)
+                    if (set >> i & 1)
+                        format += flags[i];
+                out.push_back(format + width + precision + lengthAndTypes + ">");
+            }
+    return out;
+}
+
+template <typename Value> void compareAll(const char *lengthAndType, std::initializer_list<Value> values)
+{
+    for (const std::string &format : formatsOf(lengthAndType))
+        for (Value value : values)
+            ASSERT_EQ(ours(format.c_str(), value), printfs(format.c_str(), value)) << format;
+}
+
+TEST(Format, EveryConversionWritesWhatPrintfWrites)
+{
+    compareAll<int>("d", {0, 7, -7, std::numeric_limits<int>::min()});
+    compareAll<int>("hhi", {0, 300, -129});
+    compareAll<int>("hd", {0, 70000, -40000});
+    compareAll<long>("ld", {0, std::numeric_limits<long>::min()});
+    compareAll<long long>("lld", {1, std::numeric_limits<long long>::max()});
+    compareAll<intmax_t>("jd", {-3});
+    compareAll<ptrdiff_t>("td", {-3, 1});
+    compareAll<unsigned>("x", {0, 255, 0xFFFFFFFF});
+    compareAll<unsigned>("hhX", {255, 256});
+    compareAll<size_t>("zu", {0, std::numeric_limits<size_t>::max()});
+    compareAll<unsigned long>("lo", {8, 0});
+    compareAll<double>("f", {0.0, -0.0, 1.5, -123456.789, 1e300, std::nan(""), HUGE_VAL});
+    compareAll<double>("e", {0.0, -1.25e-9, 1e300});
+    compareAll<double>("G", {0.0001, 1e-5, 123456789.0, -HUGE_VAL});
+    compareAll<double>("a", {0.0, 1.5, -0.1});
+    compareAll<long double>("Lg", {1.5L, -1e-30L});
+    compareAll<const char *>("s", {"", "abc", "a long text with % in it"});
+    compareAll<int>("c", {'a'});
+    compareAll<const void *>("p", {nullptr, "address"});
+}
+
+TEST(Format, WidthsFromArgumentsAndTextAroundConversionsAreKept)
+{
+    EXPECT_EQ(ours("%*d|%-*d|%*d", 5, 1, 5, 2, -5, 3), printfs("%*d|%-*d|%*d", 5, 1, 5, 2, -5, 3));
+    EXPECT_EQ(ours("%.*s|%.*f", 2, "abc", -1, 0.5), printfs("%.*s|%.*f", 2, "abc", -1, 0.5));
+    EXPECT_EQ(ours("100%% of %s: %d, %g", "x", 3, 2.5), "100% of x: 3, 2.5");
+}
+
+TEST(Format, NoLocaleChangesANumber)
+{
+    std::string before = ours("%f %.2e %G %'d %8.3f|%-8.3f|", 1234.5, 1.5, 0.25, 1234567, 2.5, 2.5);
+    DecimalComma german;
+    ASSERT_TRUE(german.isSet()) << "the tests' locale is missing: run them with ctest";
+    ASSERT_EQ(printfs("%.1f", 0.5), "0,5");
+    EXPECT_EQ(ours("%f %.2e %G %'d %8.3f|%-8.3f|", 1234.5, 1.5, 0.25, 1234567, 2.5, 2.5), before);
+    EXPECT_EQ(before, "1234.500000 1.50e+00 0.25 1234567    2.500|2.500   |");
+}
+
+TEST(Format, HostileFormatsDoNoHarm)
+{
+    int stored = 5;
+    EXPECT_EQ(ours("a%nb", &stored), "ab");
+    EXPECT_EQ(stored, 5);
+    EXPECT_EQ(ours("%s", static_cast<const char *>(nullptr)), "(null)");
+    EXPECT_EQ(ours("%999999999d", 1).size(), 4096U);
+    EXPECT_EQ(ours("%*d", std::numeric_limits<int>::min(), 1).size(), 4096U);
+    for (const char *cut : {"%", "%-", "%5", "%5.", "%ll", "%h", "%!"})
+        EXPECT_EQ(ours((std::string("x") + cut).c_str(), 1), "x") << cut;
+}
+
+TEST(LocalTime, AgreesWithTheSystemInEveryKindOfZone)
+{
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    for (const char *zone : {"UTC0", "CET-1CEST,M3.5.0,M10.5.0/3", "EST5EDT,M3.2.0,M11.1.0", "<+0545>-5:45",
+                             "<-11>11", "NZST-12NZDT,M9.5.0,M4.1.0/3"}) {
+        vx::test::Environment environment("TZ", zone);
+        tzset();
+        auto check = [&](int64_t seconds) {
+            auto time = static_cast<time_t>(seconds);
+            char theirs[32], text[32];
+            std::strftime(theirs, sizeof theirs, "%Y-%m-%d %H:%M:%S", std::localtime(&time));
+            talm::localTimeText(seconds, text, sizeof text);
+            ASSERT_STREQ(text, theirs) << zone << " " << seconds;
+        };
+        for (int i = 0; i < 2000; ++i)
+            check(static_cast<int64_t>(random()));
+        // Every quarter of an hour around the changes of the clocks in 2026.
+        for (int64_t day : {1772928000, 1774742400, 1775347200, 1790380800, 1792886400, 1793491200})
+            for (int64_t quarter = -96; quarter < 192; ++quarter)
+                check(day + quarter * 900);
+    }
+    tzset();
+}
+
+}

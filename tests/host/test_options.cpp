@@ -1,0 +1,319 @@
+#include "talm/config.hpp"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/host/caught_log.h"
+#include "tests/support/faults.h"
+#include "tests/support/temp_folder.h"
+
+using namespace vx;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+/** The library's own manager over four files in a folder of the test. */
+class Options : public testing::Test {
+protected:
+    Options()
+    {
+        for (int32_t file = 0; file < 4; ++file)
+            TalmSetOptionFile(file, path(file).c_str());
+    }
+    ~Options() override
+    {
+        for (int32_t file = 0; file < 4; ++file)
+            TalmSetOptionFile(file, nullptr);
+    }
+
+    std::string name(int32_t file) const { return std::to_string(file) + ".opt"; }
+    std::string path(int32_t file) const { return folder.native() / name(file); }
+
+    bool loadAll()
+    {
+        bool all = true;
+        for (int32_t file = 0; file < 4; ++file)
+            all = GetIConfigMgr()->Load(file) && all;
+        return all;
+    }
+
+    static std::optional<std::string> value(const char *key, bool defaults = false)
+    {
+        char *text = nullptr;
+        if (GetIConfigMgr()->GetValue(key, &text, defaults) != 0) {
+            EXPECT_EQ(text, nullptr);
+            return std::nullopt;
+        }
+        std::string out = text;
+        std::free(text);
+        return out;
+    }
+
+    std::vector<std::string> filesInFolder() const
+    {
+        std::vector<std::string> out;
+        for (const auto &entry : std::filesystem::directory_iterator(folder.native()))
+            out.push_back(entry.path().filename());
+        return out;
+    }
+
+    test::TempFolder folder;
+};
+
+TEST_F(Options, TheLowestFileWinsAndDefaultsComeFromTheLastAlone)
+{
+    for (int32_t file = 0; file < 4; ++file) {
+        std::string text;
+        for (int32_t key = file; key < 4; ++key)
+            text += "K" + std::to_string(key) + " = of " + std::to_string(file) + "\n";
+        folder.write(name(file), text);
+    }
+    EXPECT_EQ(value("K0"), std::nullopt) << "known before it was loaded";
+    ASSERT_TRUE(loadAll());
+    // Key n stands in files 0 to n.
+    EXPECT_EQ(value("K3"), "of 0");
+    EXPECT_EQ(value("K3", true), "of 3");
+    EXPECT_EQ(value("K0", true), std::nullopt);
+    EXPECT_EQ(value("k3"), std::nullopt) << "keys are compared exactly";
+    folder.write(name(0), "");
+    folder.write(name(1), "");
+    ASSERT_TRUE(loadAll());
+    EXPECT_EQ(value("K3"), "of 2");
+    EXPECT_EQ(value("K1"), std::nullopt) << "a value of the last loading is still there";
+}
+
+TEST_F(Options, FaultsAreToldWithFileAndLineAndTheOtherLinesCount)
+{
+    folder.write(name(0), "A = 1\nnonsense\nB = 2\n= 3\n");
+    folder.write(name(3), "");
+    test::CaughtLog log;
+    EXPECT_TRUE(GetIConfigMgr()->Load(0));
+    EXPECT_EQ(value("A"), "1");
+    EXPECT_EQ(value("B"), "2");
+    auto records = log.records();
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].level, EsLevelWarning);
+    EXPECT_THAT(records[0].text, HasSubstr(path(0) + ", line 2: "));
+    EXPECT_THAT(records[1].text, HasSubstr(path(0) + ", line 4: "));
+}
+
+TEST_F(Options, OnlyTheDefaultsMayNotBeMissing)
+{
+    test::CaughtLog log;
+    for (int32_t file = 0; file < 4; ++file)
+        EXPECT_EQ(GetIConfigMgr()->Load(file), file != 3) << file;
+    auto records = log.records();
+    ASSERT_EQ(records.size(), 4U);
+    for (size_t file = 0; file < 4; ++file) {
+        EXPECT_EQ(records[file].level, file == 3 ? EsLevelError : EsLevelInformation);
+        EXPECT_THAT(records[file].text, HasSubstr(path(static_cast<int32_t>(file))));
+    }
+    EXPECT_FALSE(GetIConfigMgr()->Load(-1));
+    EXPECT_FALSE(GetIConfigMgr()->Load(4));
+}
+
+TEST_F(Options, AFileThatCannotBeReadFailsAndKeepsTheValues)
+{
+    folder.write(name(1), "A = 1\n");
+    ASSERT_TRUE(GetIConfigMgr()->Load(1));
+    std::filesystem::remove(path(1));
+    std::filesystem::create_directory(path(1));
+    test::CaughtLog log;
+    EXPECT_FALSE(GetIConfigMgr()->Load(1));
+    EXPECT_EQ(value("A"), "1");
+    ASSERT_EQ(log.records().size(), 1U);
+    EXPECT_EQ(log.records()[0].level, EsLevelError);
+}
+
+TEST_F(Options, AUsersValueCountsAtOnceAndIsInTheFileForTheNextSession)
+{
+    folder.write(name(0), "# mine\nA = 1\n");
+    folder.write(name(3), "A = 0\nB = 0\n");
+    ASSERT_TRUE(loadAll());
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", " 2 "), 0U);
+    EXPECT_EQ(GetIConfigMgr()->SetValue("B", "x = \"y\""), 0U);
+    EXPECT_EQ(value("A"), "2");
+    EXPECT_EQ(value("B", true), "0");
+    EXPECT_EQ(folder.read(name(0)), "# mine\nA = 2\nB = x = \"y\"\n");
+    EXPECT_THAT(filesInFolder(), testing::UnorderedElementsAre("0.opt", "3.opt"));
+    ASSERT_TRUE(loadAll());
+    EXPECT_EQ(value("A"), "2");
+    EXPECT_EQ(value("B"), "x = \"y\"");
+}
+
+TEST_F(Options, WhatAFileCannotHoldIsRefused)
+{
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A=B", "1"), 1U);
+    EXPECT_EQ(GetIConfigMgr()->SetValue("", "1"), 1U);
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1\nB = 2"), 1U);
+    EXPECT_EQ(GetIConfigMgr()->SetValue(nullptr, "1"), 1U);
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", nullptr), 1U);
+    EXPECT_EQ(GetIConfigMgr()->GetValue("A", nullptr, false), 1U);
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+}
+
+TEST_F(Options, AValueThatCannotBeWrittenChangesNothing)
+{
+    folder.write(name(0), "A = 1\n");
+    ASSERT_TRUE(GetIConfigMgr()->Load(0));
+    // A folder stands where the new file would be made.
+    std::filesystem::create_directory(path(0) + ".new");
+    folder.write(name(0) + ".new/inside", "");
+    test::CaughtLog log;
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "2"), 1U);
+    EXPECT_EQ(value("A"), "1");
+    EXPECT_EQ(folder.read(name(0)), "A = 1\n");
+    ASSERT_EQ(log.records().size(), 1U);
+    EXPECT_THAT(log.records()[0].text, HasSubstr(path(0)));
+    EXPECT_FALSE(std::filesystem::exists(path(0) + ".lock"));
+
+    folder.write("file", "");
+    std::string below = folder.native() / "file" / "user.opt";
+    TalmSetOptionFile(0, below.c_str());
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "2"), 1U);
+}
+
+TEST_F(Options, TheUsersFileStaysALinkAndKeepsItsPermissions)
+{
+    namespace fs = std::filesystem;
+    folder.write("elsewhere/real.opt", "A = 1\n");
+    fs::permissions(folder.native() / "elsewhere/real.opt", fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("elsewhere/real.opt", path(0));
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "2"), 0U);
+    EXPECT_TRUE(fs::is_symlink(path(0)));
+    EXPECT_EQ(folder.read("elsewhere/real.opt"), "A = 2\n");
+    EXPECT_EQ(fs::status(path(0)).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(Options, ALockLeftBehindByACrashDoesNotStopTheUser)
+{
+    namespace fs = std::filesystem;
+    folder.write(name(0) + ".lock", "");
+    fs::last_write_time(path(0) + ".lock", fs::file_time_type::clock::now() - std::chrono::hours(1));
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 0U);
+    EXPECT_FALSE(fs::exists(path(0) + ".lock"));
+}
+
+TEST_F(Options, ProcessesThatStoreAtOnceKeepEachOthersOptions)
+{
+    constexpr int processes = 4, each = 20;
+    std::vector<pid_t> children;
+    for (int p = 0; p < processes; ++p) {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            uint32_t failures = 0;
+            for (int i = 0; i < each; ++i)
+                failures += GetIConfigMgr()->SetValue(("P" + std::to_string(p) + "." + std::to_string(i)).c_str(), "1");
+            _exit(failures ? 1 : 0);
+        }
+        children.push_back(child);
+    }
+    for (pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    ASSERT_TRUE(GetIConfigMgr()->Load(0));
+    for (int p = 0; p < processes; ++p)
+        for (int i = 0; i < each; ++i)
+            EXPECT_EQ(value(("P" + std::to_string(p) + "." + std::to_string(i)).c_str()), "1") << p << ' ' << i;
+}
+
+TEST_F(Options, ThreadsReadWhileOneWritesAndLoads)
+{
+    folder.write(name(0), "A = 0\n");
+    ASSERT_TRUE(GetIConfigMgr()->Load(0));
+    std::atomic<bool> done{false};
+    std::vector<std::thread> readers;
+    for (int t = 0; t < 3; ++t)
+        readers.emplace_back([&] {
+            while (!done)
+                EXPECT_NE(value("A"), std::nullopt);
+        });
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(GetIConfigMgr()->SetValue("A", std::to_string(i).c_str()), 0U);
+        EXPECT_TRUE(GetIConfigMgr()->Load(0));
+    }
+    done = true;
+    for (std::thread &reader : readers)
+        reader.join();
+}
+
+TEST_F(Options, WithoutMemoryTheAnswerIsAFailureAndNothingElse)
+{
+    folder.write(name(0), "A = a value that is too long to stand in a string itself\n");
+    const char *fresh = "another value that is too long to stand in a string itself";
+    uint32_t stored = 1;
+    test::refusingEachAllocation([&] {
+        bool loaded = GetIConfigMgr()->Load(0);
+        stored = GetIConfigMgr()->SetValue("B", fresh);
+        bool refused = fault::refusals(fault::Kind::allocation) > 0;
+        EXPECT_TRUE(refused || (loaded && stored == 0));
+        char *text = nullptr;
+        if (stored == 0 && GetIConfigMgr()->GetValue("B", &text, false) == 0) {
+            EXPECT_STREQ(text, fresh);
+        } else {
+            EXPECT_NE(stored, 0U);
+        }
+        std::free(text);
+    });
+    EXPECT_EQ(stored, 0U);
+    EXPECT_EQ(folder.read(name(0)), std::string("A = a value that is too long to stand in a string itself\nB = ") +
+                                        fresh + "\n");
+}
+
+TEST_F(Options, WithoutAChoiceTheFilesLieInTheUsersFolderAndBesideTheProgram)
+{
+    for (int32_t file = 0; file < 4; ++file)
+        TalmSetOptionFile(file, nullptr);
+    std::string user = folder.native() / "user";
+    test::Environment environment("VX_USER_DIR", user.c_str());
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 0U);
+    EXPECT_EQ(folder.read("user/options/user.opt"), "A = 1\n");
+    folder.write("user/options/session.opt", "S = 1\n");
+    EXPECT_TRUE(loadAll());
+    EXPECT_EQ(value("S"), "1");
+    EXPECT_EQ(value("Vx.EscapeCount", true), "500");
+    EXPECT_EQ(TalmSetOptionFile(4, "x"), 1U);
+    EXPECT_EQ(TalmSetOptionFile(-1, "x"), 1U);
+}
+
+TEST_F(Options, WithoutAHomeNothingOfTheUserIsReadOrStored)
+{
+    TalmSetOptionFile(0, nullptr);
+    test::Environment user("VX_USER_DIR", nullptr), home("HOME", nullptr), profile("USERPROFILE", nullptr);
+    EXPECT_TRUE(GetIConfigMgr()->Load(0));
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 1U);
+    EXPECT_EQ(value("A"), std::nullopt);
+}
+
+TEST_F(Options, AnApplicationsManagerAnswersUntilItIsTakenBack)
+{
+    struct Manager final : IConfigMgr {
+        uint32_t GetValue(const char *, char **, bool) override { return 1; }
+        uint32_t SetValue(const char *, const char *) override { return 7; }
+        bool Load(int32_t) override { return true; }
+    } manager;
+    IConfigMgr *own = GetIConfigMgr();
+    TalmSetConfigMgr(&manager);
+    EXPECT_EQ(GetIConfigMgr(), &manager);
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 7U);
+    TalmSetConfigMgr(nullptr);
+    EXPECT_EQ(GetIConfigMgr(), own);
+}
+
+}
