@@ -89,8 +89,7 @@ uint32_t VxFileUniqueName(const char *dir, const char *base, const char *ext, ch
         VxSprintf(number, sizeof number, "%03d", n);
         char candidate[candidateSize];
         if (!join(out, static_cast<size_t>(size), {base, number, ".", ext}) ||
-            VxStrCpy(candidate, dir, sizeof candidate) ||
-            VxPathCompose(candidate, sizeof candidate, out, 0))
+            VxStrCpy(candidate, dir, sizeof candidate) || VxPathCompose(candidate, sizeof candidate, out, 0))
             return 1;
         if (!VxFileExists(candidate))
             return 0;

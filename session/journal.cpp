@@ -77,8 +77,8 @@ bool stamp(std::string &text)
     if (os::localTime(os::wallSeconds(), now) != os::Error::none)
         return false;
     char line[64];
-    VxSprintf(line, sizeof line, "[%04d-%02d-%02d %02d:%02d:%02d] log start!\r\n", now.year, now.month, now.day,
-              now.hour, now.minute, now.second);
+    VxSprintf(line, sizeof line, "[%04d-%02d-%02d %02d:%02d:%02d] log start!\r\n", now.year, now.month,
+              now.day, now.hour, now.minute, now.second);
     text += line;
     return true;
 }

@@ -188,7 +188,11 @@ enum class SettingsRoot { user, machine };
 /** A value: `notFound` without one, `nameTooLong` for one that does not fit; `out` is then empty. */
 Error readSetting(SettingsRoot root, const char *key, const char *name, char *out, size_t size) noexcept;
 
-/** Set a value, with its key when needed. A key or name with a line break, and a name with '=', is `invalid`. */
+/**
+ * Set a value, with its key when needed. A key or name that could not be read
+ * back is `invalid`: one with a line break; in a key file also a name with "="
+ * or with "[", "#" or ";" in front. On failure nothing has changed.
+ */
 Error writeSetting(SettingsRoot root, const char *key, const char *name, const char *text) noexcept;
 
 // ---------------------------------------------------------------- fatal signals

@@ -72,7 +72,8 @@ TEST_F(PathExpand, WithoutMemoryNothingIsWritten)
         fault::Kind::allocation, nullptr,
         [&] {
             out[0] = '\0';
-            resolved = VxPathExpand("~profile-of-some-user\\$VX_NAME_THAT_NEEDS_MEMORY\\$VX_T", out, sizeof out);
+            resolved =
+                VxPathExpand("~profile-of-some-user\\$VX_NAME_THAT_NEEDS_MEMORY\\$VX_T", out, sizeof out);
         },
         [&](bool refused) {
             EXPECT_EQ(resolved, 0);

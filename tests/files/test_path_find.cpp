@@ -21,7 +21,10 @@ struct PathFind : test::ToolkitFixture {
         VxPathSet(folder.text("second").c_str());
     }
 
-    std::string languages(const std::string &rest) { return std::string("root/languages/") + locale_ + "/" + rest; }
+    std::string languages(const std::string &rest)
+    {
+        return std::string("root/languages/") + locale_ + "/" + rest;
+    }
 
     static std::string find(const std::string &name, int32_t size = 512)
     {
@@ -114,10 +117,11 @@ TEST_F(PathFind, FindInComposesUpTo255Characters)
 
 TEST_F(PathFind, TheHostIsAskedLast)
 {
-    host(68, +[](const char *name, char *out, int32_t size) -> int32_t {
-        snprintf(out, static_cast<size_t>(size), "%s", std::strcmp(name, "f") == 0 ? "P:\\vault\\f" : "");
-        return 7;
-    });
+    host(
+        68, +[](const char *name, char *out, int32_t size) -> int32_t {
+            snprintf(out, static_cast<size_t>(size), "%s", std::strcmp(name, "f") == 0 ? "P:\\vault\\f" : "");
+            return 7;
+        });
     EXPECT_EQ(find("f"), "P:\\vault\\f");
     folder.write("second/f", "");
     EXPECT_EQ(find("f"), folder.text("second/f"));
@@ -130,10 +134,14 @@ TEST_F(PathFind, SubdirectoriesAreTriedInTheirOrder)
         std::string file;
         std::string expected;
     } places[] = {
-        {"second/sub/f", folder.text("second/sub/f")}, {"second/f", folder.text("second/f")},
-        {"first/sub/f", folder.text("first/sub/f")},   {"first/f", folder.text("first/f")},
-        {"root/sub/f", folder.text("root/sub/f")},     {languages("sub/f"), folder.text(languages("sub/f"))},
-        {"sub/f", ".\\sub\\f"},                        {"local/f", ".\\local\\f"},
+        {"second/sub/f", folder.text("second/sub/f")},
+        {"second/f", folder.text("second/f")},
+        {"first/sub/f", folder.text("first/sub/f")},
+        {"first/f", folder.text("first/f")},
+        {"root/sub/f", folder.text("root/sub/f")},
+        {languages("sub/f"), folder.text(languages("sub/f"))},
+        {"sub/f", ".\\sub\\f"},
+        {"local/f", ".\\local\\f"},
         {"f", "f"},
     };
     for (auto &place : places) {

@@ -48,8 +48,8 @@ struct PathInit : test::ToolkitFixture {
     {
         EsSinkCallback(
             [](void *lines, const EsRecord *record) {
-                static_cast<std::vector<std::string> *>(lines)->push_back(std::to_string(record->level) + " " +
-                                                                          record->text);
+                static_cast<std::vector<std::string> *>(lines)->push_back(std::to_string(record->level) +
+                                                                          " " + record->text);
             },
             &log);
     }
@@ -61,7 +61,8 @@ TEST_F(PathInit, AnInstalledProductSearchesItsOwnFolderAndTheUsers)
 {
     goTo("anywhere");
     EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_THAT(registered(), ElementsAre(install + "\\", folders.folders[9] + "\\", folders.folders[10] + "\\"));
+    EXPECT_THAT(registered(),
+                ElementsAre(install + "\\", folders.folders[9] + "\\", folders.folders[10] + "\\"));
     EXPECT_EQ(files::pathState.root, install + "\\");
     char buffer[300];
     EXPECT_EQ(VxPathInstallGet(buffer, sizeof buffer), 0u);

@@ -27,7 +27,8 @@ std::vector<std::string> notified;
 TEST_F(PathRegistry, DirectoriesAreKeptOnceInOrderOfRegistration)
 {
     notified.clear();
-    host(67, +[](const char *path) { notified.emplace_back(path); });
+    host(
+        67, +[](const char *path) { notified.emplace_back(path); });
     EXPECT_EQ(VxPathSet("D:/a/b"), 0u);
     EXPECT_EQ(VxPathSet("d:\\A\\B\\"), 0u);
     EXPECT_EQ(VxPathSet(""), 0u);

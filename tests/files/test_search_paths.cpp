@@ -25,7 +25,8 @@ struct SearchPaths : test::ToolkitFixture {
     SearchPaths()
     {
         shown.clear();
-        host(71, +[](const char *text) { shown.emplace_back(text); });
+        host(
+            71, +[](const char *text) { shown.emplace_back(text); });
         folders.folders[14] = folder.text("paths.txt");
     }
 
@@ -209,7 +210,8 @@ TEST_F(SearchPaths, SavingIsLeftWhenTheUserOrTheHostSaysSo)
     EXPECT_EQ(DmPathSave(0), 0u);
     EXPECT_FALSE(fs::exists("paths.txt"));
     hostAnswer = 1;
-    host(28, +[]() -> int32_t { return hostAnswer; });
+    host(
+        28, +[]() -> int32_t { return hostAnswer; });
     EXPECT_EQ(DmPathSave(1), 0u);
     EXPECT_FALSE(fs::exists("paths.txt"));
     hostAnswer = 0;
@@ -228,7 +230,8 @@ TEST_F(SearchPaths, AListThatCannotBeWrittenStaysAsItWas)
         test::eachRefusal(
             kind, kind == fault::Kind::verb ? "replaceFile" : nullptr, [&] { result = DmPathSave(1); },
             [&](bool refused) {
-                EXPECT_EQ(folder.read("paths.txt"), result ? "old" : "\nD:\\a\\longer\\than\\a\\short\\text\n\n");
+                EXPECT_EQ(folder.read("paths.txt"),
+                          result ? "old" : "\nD:\\a\\longer\\than\\a\\short\\text\n\n");
                 EXPECT_TRUE(refused || result == 0);
                 if (result) {
                     EXPECT_FALSE(shown.empty());

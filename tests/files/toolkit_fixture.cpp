@@ -29,7 +29,7 @@ ToolkitFixture::ToolkitFixture() : current_(std::filesystem::current_path())
     // The errors of one test must not count as repeats of another's.
     static int64_t seconds = 1'000'000'000;
     os::setTestClock(1'000'000 * (seconds += 100));
-    if (VxToolsErrID() < 0) {
+    if (VxToolsErrID() < 0 || VxToolsMsgID() < 0) {
         EXPECT_TRUE(frame::loadTexts(frame::modules().tools, "Tools.ALERT", "Tools.MSG"));
     }
     VxErrClear();

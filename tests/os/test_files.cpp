@@ -104,7 +104,7 @@ TEST_F(OsFiles, ModesDoWhatTheyDoInTheStandardLibrary)
         const char *mode;
         const char *content; ///< of "12" after writing "x", "!" when that fails
         const char *fresh;   ///< of a missing file after writing "x", "!" when it is not made
-    } cases[] = {{"r", "!", "!"},   {"r+b", "x2", "!"}, {"w", "x", "x"},         {"w+t", "x", "x"},
+    } cases[] = {{"r", "!", "!"},   {"r+b", "x2", "!"},  {"w", "x", "x"},        {"w+t", "x", "x"},
                  {"a", "12x", "x"}, {"ab+", "12x", "x"}, {"wcnStNRT", "x", "x"}, {"wx", "!", "x"}};
     for (auto &c : cases) {
         SCOPED_TRACE(c.mode);
@@ -198,7 +198,8 @@ TEST_F(OsFiles, RightsAreThoseInForce)
         return os::access(path.c_str(), os::Access::exists) == os::Error::none &&
                os::access(path.c_str(), os::Access::read) == os::Error::none &&
                os::access(path.c_str(), os::Access::write) == os::Error::accessDenied &&
-               Stream(path, "r").error == os::Error::none && Stream(path, "w").error == os::Error::accessDenied &&
+               Stream(path, "r").error == os::Error::none &&
+               Stream(path, "w").error == os::Error::accessDenied &&
                os::replaceFile(path.c_str(), "x", 1) == os::Error::accessDenied &&
                (getuid() != 0 || os::removeFile(path.c_str()) == os::Error::accessDenied) &&
                (getuid() != 0 || os::makeDirectory(folder.text("d").c_str()) == os::Error::accessDenied);

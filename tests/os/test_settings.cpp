@@ -20,7 +20,8 @@ using os::SettingsRoot;
 namespace {
 
 struct Settings : testing::Test {
-    static std::string get(const std::string &key, const std::string &name, SettingsRoot root = SettingsRoot::user)
+    static std::string get(const std::string &key, const std::string &name,
+                           SettingsRoot root = SettingsRoot::user)
     {
         char out[600] = "?";
         os::Error error = os::readSetting(root, key.c_str(), name.c_str(), out, sizeof out);
@@ -44,7 +45,8 @@ struct Settings : testing::Test {
 TEST_F(Settings, WhatIsWrittenIsRead)
 {
     // A model of the store against the store, with texts full of what its file gives a meaning.
-    const char *pieces[] = {"%", "0", "A", "D", "2", "5", "\n", "\r", "[", "]", "=", " ", "\\", "#", "x", "\xE9"};
+    const char *pieces[] = {"%", "0", "A", "D", "2",  "5", "\n", "\r",
+                            "[", "]", "=", " ", "\\", "#", "x",  "\xE9"};
     const char *keys[] = {"Software\\Some\\Key", "a b", "k]", ""};
     const char *names[] = {"name", "with blank", "", "1"};
     std::mt19937 random(4711);
@@ -53,7 +55,8 @@ TEST_F(Settings, WhatIsWrittenIsRead)
         std::string text;
         for (size_t n = random() % 8; n > 0; --n)
             text += pieces[random() % std::size(pieces)];
-        std::pair<std::string, std::string> place{keys[random() % std::size(keys)], names[random() % std::size(names)]};
+        std::pair<std::string, std::string> place{keys[random() % std::size(keys)],
+                                                  names[random() % std::size(names)]};
         ASSERT_EQ(set(place.first, place.second, text), os::Error::none);
         model[place] = text;
         for (auto &[where, expected] : model)
@@ -76,15 +79,17 @@ TEST_F(Settings, KeysAndNamesIgnoreCaseAndRootsAreApart)
 
 TEST_F(Settings, FilesWrittenByHandAreReadAndKept)
 {
-    std::string text = "# mine\r\n\r\n[Soft\\Key]\r\nPath=D:\\new\\%TEMP%\r\n;Path=no\r\n\r\n\r\n[Other]\nlast=1";
+    std::string text =
+        "# mine\r\n\r\n[Soft\\Key]\r\nPath=D:\\new\\%TEMP%\r\n;Path=no\r\n\r\n\r\n[Other]\nlast=1";
     folder.write("registry.ini", text);
     EXPECT_EQ(get("Soft\\Key", "Path"), "D:\\new\\%TEMP%");
     EXPECT_EQ(get("Other", "last"), "1");
     set("Soft\\Key", "More", "2");
     set("Other", "next", "3");
-    EXPECT_EQ(folder.read("registry.ini"),
-              "# mine\r\n\r\n[Soft\\Key]\r\nPath=D:\\new\\%TEMP%\r\n;Path=no\r\nMore=2\n\r\n\r\n[Other]\nlast=1\n"
-              "next=3\n");
+    EXPECT_EQ(
+        folder.read("registry.ini"),
+        "# mine\r\n\r\n[Soft\\Key]\r\nPath=D:\\new\\%TEMP%\r\n;Path=no\r\nMore=2\n\r\n\r\n[Other]\nlast=1\n"
+        "next=3\n");
 }
 
 TEST_F(Settings, AValueThatDoesNotFitIsNone)
@@ -125,8 +130,9 @@ TEST_F(Settings, ProcessesThatWriteAtOnceKeepEachOthersValues)
             children.push_back(std::make_unique<test::Child>([w] {
                 bool good = true;
                 for (int v = 0; v < values; ++v)
-                    good = good && set("key" + std::to_string(w % 2), std::to_string(w) + "." + std::to_string(v),
-                                       std::to_string(v)) == os::Error::none;
+                    good = good &&
+                           set("key" + std::to_string(w % 2), std::to_string(w) + "." + std::to_string(v),
+                               std::to_string(v)) == os::Error::none;
                 return good;
             }));
         for (auto &child : children)
@@ -145,7 +151,9 @@ TEST_F(Settings, AFailedWriteLeavesTheStoreAsItWas)
     os::Error result = os::Error::none;
     test::eachRefusal(
         fault::Kind::allocation, nullptr,
-        [&] { result = os::writeSetting(SettingsRoot::user, "key of some length", "name of some length", "new"); },
+        [&] {
+            result = os::writeSetting(SettingsRoot::user, "key of some length", "name of some length", "new");
+        },
         [&](bool refused) {
             EXPECT_EQ(result, refused ? os::Error::noMemory : os::Error::none);
             EXPECT_EQ(folder.read("registry.ini") == before, refused);

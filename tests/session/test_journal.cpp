@@ -44,7 +44,7 @@ struct Journal : testing::Test {
         static int64_t seconds = 1'500'000'000;
         os::setTestClock(1'000'000 * (seconds += 100));
         now = seconds;
-        if (VxToolsErrID() < 0) {
+        if (VxToolsErrID() < 0 || VxToolsMsgID() < 0) {
             EXPECT_TRUE(frame::loadTexts(frame::modules().tools, "Tools.ALERT", "Tools.MSG"));
         }
         VxErrClear();
@@ -67,8 +67,8 @@ struct Journal : testing::Test {
         os::CalendarTime t;
         EXPECT_EQ(os::localTime(now, t), os::Error::none);
         char line[64];
-        snprintf(line, sizeof line, "[%04d-%02d-%02d %02d:%02d:%02d] log start!\r\n", t.year, t.month, t.day, t.hour,
-                 t.minute, t.second);
+        snprintf(line, sizeof line, "[%04d-%02d-%02d %02d:%02d:%02d] log start!\r\n", t.year, t.month, t.day,
+                 t.hour, t.minute, t.second);
         return line;
     }
 
@@ -122,7 +122,8 @@ TEST_F(Journal, AnOversizedFileStartsAnewWithoutAStamp)
 TEST_F(Journal, ABlankPathTurnsItOffUnlessTheHostKeepsIt)
 {
     setPath("a.log");
-    HESKET::Talm::Ap::Base::Instance().SetFunction(41, reinterpret_cast<void *>(+[]() -> int32_t { return 1; }));
+    HESKET::Talm::Ap::Base::Instance().SetFunction(41,
+                                                   reinterpret_cast<void *>(+[]() -> int32_t { return 1; }));
     EXPECT_EQ(VxJnlPathSet(" "), 0u);
     VxJnlPrint("kept");
     HESKET::Talm::Ap::Base::Instance().SetFunction(41, nullptr);
@@ -225,7 +226,8 @@ TEST_F(Journal, EveryRefusalLeavesWholeLinesOnly)
     std::string path = session::journal.path;
     const char line[] = "a line that is too long for the string itself";
     for (auto [kind, verb] : {std::pair{fault::Kind::allocation, (const char *)nullptr},
-                              {fault::Kind::verb, "openFile"}, {fault::Kind::verb, "localTime"}}) {
+                              {fault::Kind::verb, "openFile"},
+                              {fault::Kind::verb, "localTime"}}) {
         fs::remove(folder.native() / "a.log");
         session::journal.firstWrite = 1;
         uint32_t result = 0;

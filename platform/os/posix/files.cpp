@@ -128,8 +128,9 @@ Error fileStatus(const char *path, FileStatus &out) noexcept
     Error error = withNative(path, [&](const char *name) { return stat(name, &status); });
     if (error != Error::none)
         return error;
-    out = {status.st_dev,  status.st_ino,          status.st_mode,         static_cast<uint32_t>(status.st_nlink),
-           status.st_size, status.st_atim.tv_sec, status.st_mtim.tv_sec, status.st_ctim.tv_sec};
+    out = {
+        status.st_dev,  status.st_ino,         status.st_mode,        static_cast<uint32_t>(status.st_nlink),
+        status.st_size, status.st_atim.tv_sec, status.st_mtim.tv_sec, status.st_ctim.tv_sec};
     return Error::none;
 }
 

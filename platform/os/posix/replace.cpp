@@ -57,7 +57,8 @@ public:
     explicit Successor(const char *target) noexcept
     {
         for (int n = 0; n < attempts && file_ < 0; ++n) {
-            int length = std::snprintf(name_, sizeof name_, "%s.%ld-%d.new", target, static_cast<long>(getpid()), n);
+            int length =
+                std::snprintf(name_, sizeof name_, "%s.%ld-%d.new", target, static_cast<long>(getpid()), n);
             if (length < 0 || static_cast<size_t>(length) >= sizeof name_) {
                 errno = ENAMETOOLONG;
                 return;
@@ -87,7 +88,10 @@ public:
         return pending_ && writeAll(file_, static_cast<const char *>(bytes), size);
     }
 
-    bool takePermissionsOf(const struct stat &old) noexcept { return fchmod(file_, old.st_mode & 07777) == 0; }
+    bool takePermissionsOf(const struct stat &old) noexcept
+    {
+        return fchmod(file_, old.st_mode & 07777) == 0;
+    }
 
     bool takeName(const char *target) noexcept
     {
