@@ -1,5 +1,5 @@
 // Expansion of foreign bytes: whatever they are, the result is that of zlib
-// fed one byte at a time. The first byte chooses the room.
+// fed one byte at a time. Three bytes in front choose the room and the damage.
 
 #include <cstdlib>
 #include <cstring>
@@ -17,10 +17,16 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    if (size < 2)
+    if (size < 4)
         return 0;
     int32_t room = data[0] < 128 ? 0 : (data[0] - 127) * 16;
-    vx::test::Bytes source(data + 1, data + size);
+    vx::test::Bytes source(data + 3, data + size);
+    if (data[0] % 2) {
+        // Noise seldom gets past zlib's header: make a stream of it, and damage that.
+        std::vector<intptr_t> progress;
+        source = *vx::test::deflateOneByte(source, progress);
+        source[data[1] % source.size()] ^= data[2];
+    }
     auto expected = vx::test::inflateOneByte(source, room ? static_cast<size_t>(room) : 8 * source.size());
     bool nothing = !expected || expected->empty(); // no block is that small
 

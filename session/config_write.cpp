@@ -24,12 +24,14 @@ struct MappedKeys {
 
 thread_local MappedKeys mapped;
 
-/** `key` with its first `dropped` bytes replaced by `prefix`, cut to the buffer. */
+/** `key`, perhaps in `out` itself, with its first `dropped` bytes replaced by `prefix`, cut to the buffer. */
 char *withPrefix(char (&out)[keySize], const char *prefix, const char *key, size_t dropped)
 {
-    VxStrCpy(out, prefix, keySize);
-    size_t length = std::strlen(out);
-    VxStrCpy(out + length, key + dropped, keySize - static_cast<int32_t>(length));
+    char text[keySize];
+    VxStrCpy(text, prefix, keySize);
+    size_t length = std::strlen(text);
+    VxStrCpy(text + length, key + dropped, keySize - static_cast<int32_t>(length));
+    VxStrCpy(out, text, keySize);
     return out;
 }
 

@@ -236,6 +236,7 @@ TEST(Config, KeysChangeTheirPrefixBothWays)
     const char *in = MapIn("Tl.a"), *out = MapOut("Vx.b");
     EXPECT_STREQ(in, "Vx.a") << "each has a buffer of its own";
     EXPECT_STREQ(out, "Tl.b");
+    EXPECT_STREQ(MapIn(MapIn("Tl.again")), "Vx.again");
 }
 
 TEST(Config, LoadingStopsAtTheFirstFileThatFails)
