@@ -1,10 +1,11 @@
 // Texts in the process code page, with or without escapes, to UTF-16 or UTF-8
-// and back. Each conversion runs twice over the same source, once to measure
-// and once to write, so that every result is allocated once and to size.
+// and back. Every result is allocated once and to size: a conversion measures
+// what it writes, into a scratch buffer, and runs again when that was too small.
 
 #include "vx/lang.h"
 #include "vx/lang.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -30,32 +31,42 @@ bool isLowSurrogate(char32_t unit) noexcept
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/** Where a conversion puts its result: measures only, as long as it has no place to write to. */
+/** Where a conversion puts its result: all of it is measured, and written as far as there is room. */
 template <typename Unit> class Output {
 public:
-    explicit Output(Unit *place = nullptr) noexcept : place_(place) {}
+    Output(Unit *place, size_t room) noexcept : place_(place), room_(room) {}
 
-    template <typename Value> void put(Value unit) noexcept
+    void put(char32_t unit) noexcept
     {
-        if (place_)
+        if (length_ < room_)
             place_[length_] = static_cast<Unit>(unit);
         ++length_;
     }
 
+    /** Put bytes that are units as they stand: ASCII, or a character where units are bytes. */
+    void put(std::string_view bytes) noexcept
+    {
+        if (length_ < room_)
+            std::copy_n(bytes.data(), std::min(bytes.size(), room_ - length_), place_ + length_);
+        length_ += bytes.size();
+    }
+
     size_t length() const noexcept { return length_; }
+    bool fits() const noexcept { return length_ <= room_; }
 
 private:
     Unit *place_;
+    size_t room_;
     size_t length_ = 0;
 };
 
+constexpr size_t scratchUnits = 2048;
+
 void putEscape(Output<char> &out, char32_t unit) noexcept
 {
-    out.put('\\');
-    out.put('U');
-    out.put('+');
+    out.put("\\U+");
     for (int shift = 12; shift >= 0; shift -= 4)
-        out.put("0123456789ABCDEF"[unit >> shift & 0xF]);
+        out.put(U"0123456789ABCDEF"[unit >> shift & 0xF]);
 }
 
 void putUtf16(Output<char16_t> &out, char32_t character) noexcept
@@ -73,12 +84,12 @@ void putCharacter(Output<char> &out, const CodePage &page, char32_t character) n
 {
     char bytes[4];
     int n = encode(page, character, bytes);
-    for (int i = 0; i < n; ++i)
-        out.put(bytes[i]);
-    if (n > 0)
+    if (n > 0) {
+        out.put({bytes, static_cast<size_t>(n)});
         return;
+    }
     char16_t units[2];
-    Output<char16_t> written(units);
+    Output<char16_t> written(units, 2);
     putUtf16(written, character);
     for (size_t i = 0; i < written.length(); ++i)
         putEscape(out, units[i]);
@@ -110,6 +121,23 @@ template <typename Unit> bool takeEscape(std::basic_string_view<Unit> &rest, cha
     unit = static_cast<char16_t>(value);
     rest.remove_prefix(escapeUnits);
     return true;
+}
+
+/** Take the bytes off `rest` that stand before the first byte beyond ASCII. */
+std::string_view takeAscii(std::string_view &rest) noexcept
+{
+    constexpr uint64_t highBits = 0x8080808080808080;
+    size_t n = 0;
+    for (uint64_t word; n + sizeof word <= rest.size(); n += sizeof word) {
+        std::memcpy(&word, rest.data() + n, sizeof word);
+        if (word & highBits)
+            break;
+    }
+    while (n < rest.size() && static_cast<uint8_t>(rest[n]) < 0x80)
+        ++n;
+    std::string_view run = rest.substr(0, n);
+    rest.remove_prefix(n);
+    return run;
 }
 
 /** charBytes() of the first character of a text that no terminator need follow. */
@@ -160,15 +188,27 @@ template <typename Unit> std::basic_string_view<Unit> upTo(const Unit *text, int
     return {text, end ? static_cast<size_t>(end - text) : most};
 }
 
+/** Write to `place`, which has room for all, what a first run put into `scratch` as far as that went. */
+template <typename Unit, typename Convert>
+void writeAgain(const Output<Unit> &first, const Unit *scratch, Unit *place, Convert convert) noexcept
+{
+    if (first.fits()) {
+        std::copy_n(scratch, first.length(), place);
+        return;
+    }
+    Output<Unit> second(place, first.length());
+    convert(second);
+}
+
 /** Fill a vector with what `convert` puts out and a terminator; on failure it is as it was. */
 template <typename Unit, typename Convert> uint32_t fill(std::vector<Unit> &result, Convert convert) noexcept
 {
-    Output<Unit> measured;
-    convert(measured);
+    Unit scratch[scratchUnits];
+    Output<Unit> first(scratch, scratchUnits);
+    convert(first);
     try {
-        std::vector<Unit> filled(measured.length() + 1);
-        Output<Unit> written(filled.data());
-        convert(written);
+        std::vector<Unit> filled(first.length() + 1);
+        writeAgain(first, scratch, filled.data(), convert);
         result.swap(filled);
         return 0;
     } catch (const std::bad_alloc &) {
@@ -179,17 +219,18 @@ template <typename Unit, typename Convert> uint32_t fill(std::vector<Unit> &resu
 /** A new block with what `convert` puts out and a terminator, or null. */
 template <typename Unit, typename Convert> Unit *newText(Convert convert) noexcept
 {
-    Output<Unit> measured;
-    convert(measured);
-    if (measured.length() >= INT32_MAX / sizeof(Unit))
+    Unit scratch[scratchUnits];
+    Output<Unit> first(scratch, scratchUnits);
+    convert(first);
+    if (first.length() >= INT32_MAX / sizeof(Unit))
         return nullptr;
     void *block = nullptr;
-    if (VxMemAlloc(static_cast<int32_t>((measured.length() + 1) * sizeof(Unit)), &block) != 0)
+    if (VxMemAlloc(static_cast<int32_t>((first.length() + 1) * sizeof(Unit)), &block) != 0)
         return nullptr;
-    Output<Unit> written(static_cast<Unit *>(block));
-    convert(written);
-    written.put(0);
-    return static_cast<Unit *>(block);
+    Unit *text = static_cast<Unit *>(block);
+    writeAgain(first, scratch, text, convert);
+    text[first.length()] = Unit{};
+    return text;
 }
 
 char *transcode(const char *text, const CodePage &from, const CodePage &to) noexcept
@@ -197,8 +238,11 @@ char *transcode(const char *text, const CodePage &from, const CodePage &to) noex
     if (!text)
         return nullptr;
     return newText<char>([&](Output<char> &out) {
-        for (std::string_view rest = text; !rest.empty();)
-            putCharacter(out, to, takeCharacter(rest, from));
+        for (std::string_view rest = text; !rest.empty();) {
+            out.put(takeAscii(rest));
+            if (!rest.empty())
+                putCharacter(out, to, takeCharacter(rest, from));
+        }
     });
 }
 
@@ -294,8 +338,11 @@ char16_t *VxStrToUTF16(const char *text)
         return nullptr;
     const CodePage &page = codePage();
     return newText<char16_t>([&](Output<char16_t> &wide) {
-        for (std::string_view rest = text; !rest.empty();)
-            putUtf16(wide, takeCharacter(rest, page));
+        for (std::string_view rest = text; !rest.empty();) {
+            wide.put(takeAscii(rest));
+            if (!rest.empty())
+                putUtf16(wide, takeCharacter(rest, page));
+        }
     });
 }
 

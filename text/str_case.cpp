@@ -6,7 +6,8 @@ namespace vx::text {
 
 namespace {
 
-void mapChar(const CodePage &page, const char *p, int bytes, char32_t (*map)(char32_t) noexcept, char *out) noexcept
+void mapChar(const CodePage &page, const char *p, int bytes, char32_t (*map)(char32_t) noexcept,
+             char *out) noexcept
 {
     char32_t codePoint;
     char mapped[4];

@@ -11,6 +11,25 @@
 
 using namespace vx;
 
+namespace {
+
+constexpr size_t longestChar = 4;
+
+/** End a text at a character. It may fill its buffer without a terminator: nothing behind it is looked at. */
+void cutWithin(char *s, size_t position, size_t size)
+{
+    if (size - position >= longestChar || std::memchr(s + position, '\0', size - position)) {
+        text::cutAt(s, position);
+        return;
+    }
+    const text::CodePage &page = text::codePage();
+    const bool mayContinue = page.has(s[position], text::CodePage::trailByte);
+    const size_t torn = mayContinue ? text::unfinishedBytes(page, s, position) : 0;
+    std::memset(s + position - torn, 0, torn + 1);
+}
+
+}
+
 uint32_t VxStrCpy(char *dst, const char *src, int32_t size)
 {
     if (!dst)
@@ -24,26 +43,24 @@ uint32_t VxStrCpy(char *dst, const char *src, int32_t size)
         return 1;
     }
     const size_t room = static_cast<size_t>(size);
-    if (const void *end = std::memchr(src, '\0', room)) {
-        std::memmove(dst, src, static_cast<size_t>(static_cast<const char *>(end) - src) + 1);
-        return 0;
+    const size_t length = std::strlen(src);
+    if (length >= room) {
+        text::copyCut(dst, room, src);
+        return 1;
     }
-    text::copyPiece(dst, room, src, room);
-    return 1;
+    std::memmove(dst, src, length + 1);
+    return 0;
 }
 
 uint32_t VxStrCat(char *dst, const char *src, int32_t size)
 {
     if (!dst || !src || size < 1)
         return 1;
-    const size_t room = static_cast<size_t>(size);
-    char *end = static_cast<char *>(std::memchr(dst, '\0', room));
-    if (!end)
+    const size_t used = std::strlen(dst);
+    const size_t added = std::strlen(src);
+    if (used + added >= static_cast<size_t>(size))
         return 1;
-    const void *srcEnd = std::memchr(src, '\0', room - static_cast<size_t>(end - dst));
-    if (!srcEnd)
-        return 1;
-    std::memmove(end, src, static_cast<size_t>(static_cast<const char *>(srcEnd) - src) + 1);
+    std::memmove(dst + used, src, added + 1);
     return 0;
 }
 
@@ -97,12 +114,9 @@ uint32_t VxStrTermAt(char *s, int32_t position, int32_t size)
 {
     if (!s || size < 1)
         return 1;
-    if (position < 0 || position >= size) {
-        VxStrTruncAt(s, size - 1);
-        return 1;
-    }
-    text::cutAt(s, static_cast<size_t>(position));
-    return 0;
+    const bool inside = position >= 0 && position < size;
+    cutWithin(s, static_cast<size_t>(inside ? position : size - 1), static_cast<size_t>(size));
+    return !inside;
 }
 
 uint32_t VxStrTruncAt(char *s, int32_t position)

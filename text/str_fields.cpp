@@ -91,7 +91,8 @@ struct Fields {
     int32_t capacity;
 };
 
-template <typename Finder> uint32_t splitLine(const Line &line, Finder finder, const Fields &fields, int32_t &count)
+template <typename Finder>
+uint32_t splitLine(const Line &line, Finder finder, const Fields &fields, int32_t &count)
 {
     bool whole = true;
     const char *p = line.first;

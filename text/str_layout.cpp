@@ -78,7 +78,7 @@ struct Break {
     const char *next; ///< where the next one begins
 };
 
-/** Where the line at `p` ends: at a newline, else before the last word that does not fit, else at the width. */
+/** Where the line at `p` ends: at a newline, else before the word that does not fit, else at the width. */
 Break breakLine(const text::CodePage &page, const char *p, int32_t width)
 {
     const char *at = p;
@@ -181,8 +181,9 @@ uint32_t VxStrFmtLines(const char *text, int32_t width, char *lines, int32_t lin
         if (*count == capacity)
             return 1;
         const Break line = breakLine(page, text, width);
-        char *slot = lines + size * static_cast<size_t>((*count)++);
-        whole &= text::copyPiece(slot, size, text, static_cast<size_t>(line.end - text));
+        whole &= text::copyPiece(lines, size, text, static_cast<size_t>(line.end - text));
+        ++*count;
+        lines += size;
         text = line.next;
     }
     return !whole;

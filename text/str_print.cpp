@@ -15,11 +15,11 @@ using namespace vx;
 
 namespace {
 
-struct {
+struct Redirection {
     std::mutex mutex;
-    bool redirected = false;
-    os::SavedStream before; ///< standard error as it was, while redirected
-} standardError;
+    bool active = false;
+    os::SavedStream before; ///< standard error as it was, while active
+} redirection;
 
 uint32_t printed(int32_t length)
 {
@@ -88,23 +88,23 @@ uint32_t VxStdErrRedirect(const char *file)
     char composed[260 + 16];
     if (!file && !defaultFile(composed, sizeof composed))
         return 1;
-    std::lock_guard lock(standardError.mutex);
+    std::lock_guard lock(redirection.mutex);
     os::SavedStream before;
     if (os::redirectStandardError(file ? file : composed, before) != os::Error::none)
         return 1;
-    if (standardError.redirected)
+    if (redirection.active)
         os::forget(before);
     else
-        standardError.before = before;
-    standardError.redirected = true;
+        redirection.before = before;
+    redirection.active = true;
     return 0;
 }
 
 uint32_t VxStdErrRestore(void)
 {
-    std::lock_guard lock(standardError.mutex);
-    if (!standardError.redirected || os::restoreStandardError(standardError.before) != os::Error::none)
+    std::lock_guard lock(redirection.mutex);
+    if (!redirection.active || os::restoreStandardError(redirection.before) != os::Error::none)
         return 1;
-    standardError.redirected = false;
+    redirection.active = false;
     return 0;
 }

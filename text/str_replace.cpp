@@ -129,7 +129,8 @@ uint32_t VxStrReplaceSub2(char *s, int32_t size, int32_t position, int32_t lengt
     const size_t total = std::strlen(s);
     const size_t first = static_cast<size_t>(position);
     const size_t end = first + static_cast<size_t>(length);
-    if (end > total || text::boundaryBefore(page, s, first) != first || text::boundaryBefore(page, s, end) != end)
+    if (end > total || text::boundaryBefore(page, s, first) != first ||
+        text::boundaryBefore(page, s, end) != end)
         return 1;
     const size_t room = static_cast<size_t>(size) - 1;
     const size_t inserted = std::strlen(replacement);

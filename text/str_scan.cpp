@@ -77,6 +77,13 @@ const char *endWithoutBlanks(const CodePage &page, const char *text, const char 
     return kept;
 }
 
+void copyCut(char *out, size_t size, const char *text) noexcept
+{
+    size_t cut = boundaryBefore(codePage(), text, size - 1);
+    std::memmove(out, text, cut);
+    std::memset(out + cut, 0, size - cut);
+}
+
 void cutAt(char *text, size_t position) noexcept
 {
     size_t cut = boundaryBefore(codePage(), text, position);

@@ -43,7 +43,7 @@ inline bool standsAlone(const CodePage &page, char byte) noexcept
            !(page.has(byte, CodePage::leadByte) || page.has(byte, CodePage::trailByte));
 }
 
-/** The first character `wanted` from the boundary `p` on; null when there is none. A terminator is never found. */
+/** The first character `wanted` from the boundary `p` on, which is no terminator; null when there is none. */
 const char *findChar(const CodePage &page, const char *p, uint32_t wanted) noexcept;
 
 /** The last character `wanted` of a text; null when there is none. */
@@ -65,7 +65,7 @@ inline bool beginsWith(const CodePage &page, const char *p, const char *part, si
     return std::strncmp(p, part, length) == 0 && boundaryFrom(page, p, p + length) == p + length;
 }
 
-/** The first place from the boundary `p` on that beginsWith() `part`, which is not empty; null when there is none. */
+/** The first place from the boundary `p` on that beginsWith() the non-empty `part`; null for none. */
 const char *findText(const CodePage &page, const char *p, const char *part, size_t length) noexcept;
 
 /** The end of what is left of a text that ends at `end` when its trailing white space goes. */
@@ -87,6 +87,9 @@ inline const char *skipToBlank(const CodePage &page, const char *p) noexcept
     return p;
 }
 
+/** Copy what fits in `size` bytes of a text of at least so many that begins at a boundary; clear the rest. */
+void copyCut(char *out, size_t size, const char *text) noexcept;
+
 /** End a text at `position`, or where the character there begins; the bytes passed are cleared. */
 void cutAt(char *text, size_t position) noexcept;
 
@@ -97,13 +100,13 @@ void cutAt(char *text, size_t position) noexcept;
  */
 inline bool copyPiece(char *out, size_t size, const char *text, size_t length) noexcept
 {
-    bool fits = length < size;
-    std::memmove(out, text, fits ? length : size);
-    if (fits)
-        out[length] = '\0';
-    else
-        cutAt(out, size - 1);
-    return fits;
+    if (length >= size) {
+        copyCut(out, size, text);
+        return false;
+    }
+    std::memmove(out, text, length);
+    out[length] = '\0';
+    return true;
 }
 
 /** Bytes at the end of a text that was cut off at `length` which begin a character and do not finish it. */

@@ -51,7 +51,8 @@ uint32_t give(const char *piece, const char *end, char *out, int32_t size)
 }
 
 /** What the prefix and suffix functions share: the found delimiter, or null after emptying the result. */
-template <typename Find> const char *delimiterFor(Find find, const char *s, int32_t delim, char *out, int32_t size)
+template <typename Find>
+const char *delimiterFor(Find find, const char *s, int32_t delim, char *out, int32_t size)
 {
     if (!out || size < 1)
         return nullptr;

@@ -98,9 +98,10 @@ uint32_t VxStrMovePtrRev(const char *start, char **p, int32_t delim)
     const text::CodePage &page = text::codePage();
     const uint32_t wanted = text::asCharValue(delim);
     const char *last = nullptr;
-    for (const char *at = start; at < *p && (at = text::findChar(page, at, wanted)) && at < *p; ) {
+    const char *at = text::findChar(page, start, wanted);
+    while (at && at < *p) {
         last = at;
-        at += text::valueBytes(wanted);
+        at = text::findChar(page, at + text::valueBytes(wanted), wanted);
     }
     if (!last)
         return 1;

@@ -29,7 +29,7 @@ constexpr Range notLetters[] = {
     {0x1F000, 0x1FBFF}, {0xE0000, 0x10FFFF},
 };
 
-/** Capitals `first` to `last`, every `step`-th of them; the small letter of each lies `distance` behind it. */
+/** Capitals `first` to `last`, every `step`-th of them; small letters lie `distance` behind them. */
 struct CaseRun {
     char32_t first, last, step, distance;
 };

@@ -166,7 +166,7 @@ struct SavedStream {
     intptr_t handle = -1;
 };
 
-/** Send standard error to a file, which is emptied. A failure leaves all as it was. */
+/** Send standard error to a file, which is emptied. A failure leaves standard error as it was. */
 Error redirectStandardError(const char *path, SavedStream &before) noexcept;
 
 /** Put back and release what redirectStandardError() gave. A failure keeps it. */

@@ -35,6 +35,16 @@ void *operator new(std::size_t size, const std::nothrow_t &) noexcept
     return allocate(size);
 }
 
+void *operator new[](std::size_t size)
+{
+    return orThrow(allocate(size));
+}
+
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept
+{
+    return allocate(size);
+}
+
 void *operator new(std::size_t size, std::align_val_t alignment)
 {
     return orThrow(allocate(size, static_cast<std::size_t>(alignment)));
@@ -46,6 +56,16 @@ void operator delete(void *block) noexcept
 }
 
 void operator delete(void *block, std::size_t) noexcept
+{
+    std::free(block);
+}
+
+void operator delete[](void *block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete[](void *block, std::size_t) noexcept
 {
     std::free(block);
 }

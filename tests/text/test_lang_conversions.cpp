@@ -238,6 +238,29 @@ TEST(Conversion, StopsAtATerminatorAndAtTheLength)
     EXPECT_EQ(units, (std::vector<char16_t>{u'a', 0, u'b', 0}));
 }
 
+TEST(Conversion, TextsOfAnyLengthComeOutWhole)
+{
+    test::CodePageScope western(1252);
+    for (size_t length : {292u, 293u, 682u, 683u, 2047u, 2048u, 2049u, 100000u}) {
+        SCOPED_TRACE(length);
+        const std::string text(length, '\xE9');
+        const std::u16string utf16(length, u'\u00E9');
+        std::string utf8, escapes;
+        for (size_t i = 0; i < length; ++i) {
+            utf8 += "\xC3\xA9";
+            escapes += "\\U+00E9";
+        }
+        EXPECT_EQ(wide(text), utf16);
+        EXPECT_EQ(escaped(utf16), escapes);
+        EXPECT_EQ(wide(escapes), utf16);
+        EXPECT_EQ(taken(VxStrToUTF8(text.c_str())), utf8);
+        EXPECT_EQ(taken(VxStrFromUTF8(utf8.c_str())), text);
+        EXPECT_EQ(taken(VxStrToUTF16(text.c_str())), utf16);
+        EXPECT_EQ(taken(VxStrFromUTF16(utf16.c_str())), text);
+        EXPECT_EQ(taken(VxStrFromCIFStr(escapes.c_str())), text);
+    }
+}
+
 TEST(Conversion, NullTextsAndNegativeLengthsAreRefused)
 {
     std::vector<char16_t> units = {u'x', 0};

@@ -1,0 +1,249 @@
+#include "vx/str.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include "tests/text/str_model.h"
+
+using namespace vx::test;
+
+namespace {
+
+using StrFields = OnEveryPage;
+INSTANTIATE_TEST_SUITE_P(Pages, StrFields, testing::Values(932, 936, 949, 950, 1252, 65001));
+
+/** The caller's array in a block of its exact size. */
+class FieldArray {
+public:
+    FieldArray(size_t width, size_t capacity) : width_(width), bytes_(width * capacity, '#') {}
+
+    char *data() { return bytes_.data(); }
+    std::string at(size_t i) const
+    {
+        const char *field = bytes_.data() + i * width_;
+        return std::string(field, strnlen(field, width_));
+    }
+    std::vector<std::string> first(int32_t count) const
+    {
+        std::vector<std::string> fields;
+        for (size_t i = 0; i < static_cast<size_t>(count); ++i)
+            fields.push_back(at(i));
+        return fields;
+    }
+    bool isClearFrom(size_t i) const
+    {
+        return std::all_of(bytes_.begin() + static_cast<ptrdiff_t>(i * width_), bytes_.end(),
+                           [](char c) { return c == '\0'; });
+    }
+
+private:
+    size_t width_;
+    std::vector<char> bytes_;
+};
+
+struct Expected {
+    std::vector<std::string> fields;
+    bool cut = false;
+};
+
+Expected splitAt(const std::string &s, const Chars &delimiters, size_t width, size_t capacity)
+{
+    Expected expected;
+    std::string field;
+    auto complete = [&] {
+        expected.fields.push_back(whole(field, width - 1));
+        expected.cut |= expected.fields.back() != field;
+        field.clear();
+    };
+    for (const std::string &ch : split(s)) {
+        if (ch == "\r" || expected.fields.size() == capacity)
+            break;
+        if (std::find(delimiters.begin(), delimiters.end(), ch) != delimiters.end())
+            complete();
+        else
+            field += ch;
+    }
+    if (!field.empty() && expected.fields.size() < capacity)
+        complete();
+    return expected;
+}
+
+TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
+{
+    for (int run = 0; run < 3000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string s = anyText(16);
+        const Chars delimiters = {anyChar(s), any(2) ? anyChar(s) : ","};
+        const size_t width = 1 + any(6);
+        const size_t capacity = 1 + any(6);
+        const Expected expected = splitAt(s, delimiters, width, capacity);
+        auto check = [&](auto parse) {
+            FieldArray fields(width, capacity);
+            int32_t count = static_cast<int32_t>(capacity);
+            ASSERT_EQ(parse(fields.data(), &count), expected.cut);
+            ASSERT_EQ(fields.first(count), expected.fields);
+            ASSERT_TRUE(fields.isClearFrom(expected.fields.size()));
+        };
+        const int32_t w = static_cast<int32_t>(width);
+        check([&](char *fields, int32_t *count) {
+            return VxStrParseUtil(s.c_str(), value(delimiters[0]), value(delimiters[1]), w, fields, count);
+        });
+        // A half character and what follows it would be another delimiter.
+        if (split(join(delimiters)) == delimiters)
+            check([&](char *fields, int32_t *count) {
+                return VxStrParse3(s.c_str(), join(delimiters).c_str(), w, fields, count);
+            });
+    }
+}
+
+TEST(StrFieldsBytes, TheFixedFormsHaveTheWidthsOfTheirNames)
+{
+    struct Form {
+        size_t width;
+        uint32_t (*parse)(const char *, char *, int32_t *);
+        bool trims;
+    };
+    const Form forms[] = {
+        {32, [](const char *s, char *f, int32_t *n) { return VxStrParse(s, ',', f, n); }, false},
+        {32, [](const char *s, char *f, int32_t *n) { return VxStrParse2(s, ';', ',', f, n); }, false},
+        {32, [](const char *s, char *f, int32_t *n) { return VxStrParse2_Clean(s, ';', ',', f, n); }, true},
+        {80, [](const char *s, char *f, int32_t *n) { return VxStrParse80(s, ',', f, n); }, false},
+        {80, [](const char *s, char *f, int32_t *n) { return VxStrParse80_Clean(s, ',', f, n); }, true},
+        {128, [](const char *s, char *f, int32_t *n) { return VxStrParse128(s, ',', f, n); }, false},
+        {256, [](const char *s, char *f, int32_t *n) { return VxStrParse256(s, ',', f, n); }, false},
+        {256, [](const char *s, char *f, int32_t *n) { return VxStrParse256_Clean(s, ',', f, n); }, true},
+    };
+    for (const Form &form : forms) {
+        SCOPED_TRACE(form.width);
+        for (size_t length : {form.width - 1, form.width}) {
+            FieldArray fields(form.width, 3);
+            int32_t count = 3;
+            const std::string longest(length, 'x');
+            EXPECT_EQ(form.parse((" a ,," + longest).c_str(), fields.data(), &count), length == form.width);
+            EXPECT_EQ(fields.first(count), (std::vector<std::string>{form.trims ? "a" : " a ", "",
+                                                                     longest.substr(0, form.width - 1)}));
+        }
+    }
+    FieldArray words(32, 4);
+    int32_t count = 4;
+    EXPECT_EQ(VxStrParse_Space("a b\t\tc", words.data(), &count), 0u);
+    EXPECT_EQ(words.first(count), (std::vector<std::string>{"a", "b", "", "c"}));
+}
+
+TEST(StrFieldsBytes, MissingTextIsNoFailureAMissingArrayIs)
+{
+    char field[32] = "old";
+    int32_t count = 1;
+    EXPECT_EQ(VxStrParse(nullptr, ',', field, &count), 0u);
+    EXPECT_EQ(count, 0);
+    for (auto [array, width, capacity] :
+         {std::tuple{static_cast<char *>(nullptr), 32, 1}, {field, 0, 1}, {field, 32, 0}}) {
+        count = capacity;
+        EXPECT_EQ(VxStrParseUtil("a", ',', ',', width, array, &count), 1u);
+        EXPECT_EQ(count, 0);
+    }
+    EXPECT_EQ(VxStrParse("a", ',', field, nullptr), 1u);
+}
+
+TEST_P(StrFields, WordsAreWhatStandsBetweenWhiteSpace)
+{
+    for (int run = 0; run < 2000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string s = anyText(10);
+        std::vector<std::string> words(1);
+        for (const std::string &ch : split(s)) {
+            if (!isBlank(ch))
+                words.back() += ch;
+            else if (!words.back().empty())
+                words.emplace_back();
+        }
+        for (size_t n = 0; n <= words.size() + 1; ++n) {
+            const std::string word = n >= 1 && n <= words.size() ? words[n - 1] : "";
+            ASSERT_EQ(VxStrElem(s.c_str(), static_cast<int32_t>(n)), word);
+            ASSERT_EQ(VxStrElemIs(s.c_str(), word.c_str(), static_cast<int32_t>(n)), !word.empty());
+            ASSERT_EQ(VxStrElemIs(s.c_str(), (word + "x").c_str(), static_cast<int32_t>(n)), 0);
+        }
+        Buffer buffer(s);
+        char *p = buffer.data();
+        const int32_t leading = VxStrSkipBlank(&p);
+        const int32_t first = VxStrSkipToBlank(&p);
+        ASSERT_EQ(std::string(p - first, static_cast<size_t>(first)), words[0]);
+        ASSERT_EQ(p, buffer.data() + leading + first);
+    }
+}
+
+TEST(StrFieldsDeathTest, AWordThatTheBufferCannotHoldStopsTheProcess)
+{
+    EXPECT_EQ(VxStrElem((" " + std::string(255, 'w')).c_str(), 1), std::string(255, 'w'));
+    EXPECT_EQ(VxStrElemIs(std::string(256, 'w').c_str(), "w", 1), 0);
+    EXPECT_DEATH(VxStrElem((" " + std::string(256, 'w')).c_str(), 1), "256");
+}
+
+TEST_P(StrFields, StepsGoByCharactersAndDelimiters)
+{
+    for (int run = 0; run < 2000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string s = anyText(8);
+        const Chars chars = split(s);
+        const char *p = s.c_str();
+        for (const std::string &ch : chars) {
+            const char *next = VxStrNext(p);
+            ASSERT_EQ(next, p + ch.size());
+            ASSERT_EQ(VxStrPrev(s.c_str(), next), p);
+            p = next;
+        }
+        ASSERT_EQ(VxStrNext(p), nullptr);
+        ASSERT_EQ(VxStrPrev(s.c_str(), s.c_str()), nullptr);
+
+        const std::string delimiter = anyChar(s);
+        std::vector<size_t> places;
+        size_t at = 0;
+        for (const std::string &ch : chars) {
+            if (ch == delimiter)
+                places.push_back(at);
+            at += ch.size();
+        }
+        Buffer buffer(s);
+        char *walk = buffer.data();
+        for (size_t place : places) {
+            ASSERT_EQ(VxStrMovePtr(&walk, value(delimiter)), 0u);
+            ASSERT_EQ(walk, buffer.data() + place + delimiter.size());
+        }
+        ASSERT_EQ(VxStrMovePtr(&walk, value(delimiter)), 1u);
+        for (auto place = places.rbegin(); place != places.rend(); ++place) {
+            ASSERT_EQ(VxStrMovePtrRev(buffer.data(), &walk, value(delimiter)), 0u);
+            ASSERT_EQ(walk, buffer.data() + *place);
+        }
+        ASSERT_EQ(VxStrMovePtrRev(buffer.data(), &walk, value(delimiter)), 1u);
+    }
+}
+
+TEST(StrFieldsBytes, IntegersAreReadOneAfterTheOther)
+{
+    Buffer buffer("x12, -7;+3 - 4 2147483648 -2147483648end");
+    char *p = buffer.data();
+    for (int32_t expected : {12, -7, 3, 4, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(VxStrNextInt(&p), expected);
+    EXPECT_STREQ(p, "end");
+    EXPECT_EQ(VxStrNextInt(&p), 0);
+    EXPECT_STREQ(p, "");
+}
+
+TEST(StrFieldsBytes, AUidIsThreeIntegersAndNothingElse)
+{
+    for (const char *good : {"1,-2,3", "1:-2:3", " 1 -2\t3 ", "1 , -2 : 3"}) {
+        int32_t uid[3] = {};
+        EXPECT_EQ(VxStrParseUid(good, uid), 0u) << good;
+        EXPECT_EQ(std::vector<int32_t>(uid, uid + 3), (std::vector<int32_t>{1, -2, 3})) << good;
+    }
+    for (const char *bad :
+         {"", "1,2", "1,2,3,4", "1,,3", "1;2;3", "1,2,x", "1-2-3", "1,2,2147483648", ",1,2,3"}) {
+        int32_t uid[3] = {7, 8, 9};
+        EXPECT_EQ(VxStrParseUid(bad, uid), 1u) << bad;
+        EXPECT_EQ(uid[0], 7) << bad;
+    }
+}
+
+}

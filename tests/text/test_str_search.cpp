@@ -1,0 +1,276 @@
+#include "vx/str.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include "tests/text/str_model.h"
+
+using namespace vx::test;
+
+namespace {
+
+using StrSearch = OnEveryPage;
+INSTANTIATE_TEST_SUITE_P(Pages, StrSearch, testing::Values(932, 936, 949, 950, 1252, 65001));
+
+int32_t sign(int32_t n)
+{
+    return (n > 0) - (n < 0);
+}
+
+/** The byte offset of a place among characters, -1 for the end. */
+int32_t offsetOf(const Chars &chars, Chars::const_iterator place)
+{
+    return place == chars.end() ? -1 : static_cast<int32_t>(join(chars.begin(), place).size());
+}
+
+int32_t offsetIn(const std::string &s, const char *p)
+{
+    return p ? static_cast<int32_t>(p - s.c_str()) : -1;
+}
+
+TEST_P(StrSearch, CharactersAreFoundWhereTheyStandAlone)
+{
+    for (int run = 0; run < 2000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string s = anyText(8);
+        const std::string ch = anyChar(s);
+        const Chars chars = split(s);
+        const auto first = std::find(chars.begin(), chars.end(), ch);
+        const auto last = std::find_end(chars.begin(), chars.end(), &ch, &ch + 1);
+
+        ASSERT_EQ(offsetIn(s, VxStrchrCONST(s.c_str(), value(ch))), offsetOf(chars, first));
+        ASSERT_EQ(offsetIn(s, VxStrrchrCONST(s.c_str(), value(ch))), offsetOf(chars, last));
+        ASSERT_EQ(VxStrCharOffset(s.c_str(), value(ch)), offsetOf(chars, first));
+        ASSERT_EQ(VxStrlen(s.c_str()), static_cast<int32_t>(chars.size()));
+
+        const auto nonBlank = std::find_if_not(chars.begin(), chars.end(), isBlank);
+        ASSERT_EQ(offsetIn(s, VxStrFirstChar(s.c_str())), offsetOf(chars, nonBlank));
+        const auto behind = std::find_if_not(chars.rbegin(), chars.rend(), isBlank).base();
+        ASSERT_EQ(offsetIn(s, VxStrLastChar(s.c_str())),
+                  behind == chars.begin() ? -1 : offsetOf(chars, behind - 1));
+        ASSERT_EQ(offsetIn(s, VxStrEndChar(s.c_str())),
+                  chars.empty() ? -1 : offsetOf(chars, chars.end() - 1));
+
+        Buffer out("old", 1 + any(10));
+        const size_t room = static_cast<size_t>(out.size()) - 1;
+        const bool found = first != chars.end();
+        auto expectPiece = [&](uint32_t result, const std::string &piece) {
+            ASSERT_EQ(result, !found || piece.size() > room);
+            ASSERT_EQ(out.text(), found ? whole(piece, room) : "");
+        };
+        expectPiece(VxStrPrefix(s.c_str(), value(ch), out.data(), out.size()), join(chars.begin(), first));
+        expectPiece(VxStrPrefix2(s.c_str(), value(ch), out.data(), out.size()), join(chars.begin(), last));
+        expectPiece(VxStrSuffix(s.c_str(), value(ch), out.data(), out.size()),
+                    found ? join(last + 1, chars.end()) : "");
+    }
+}
+
+TEST_P(StrSearch, TextsAreFoundWhereTheirCharactersStand)
+{
+    for (int run = 0; run < 4000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string s = anyText(8);
+        const std::string part = anyText(2);
+        const Chars chars = split(s);
+        const Chars sought = split(part);
+        const auto found = std::search(chars.begin(), chars.end(), sought.begin(), sought.end());
+        const int32_t expected = part.empty() ? -1 : offsetOf(chars, found);
+        ASSERT_EQ(offsetIn(s, VxStrFind(s.c_str(), part.c_str())), expected);
+        ASSERT_EQ(VxStrPos(s.c_str(), part.c_str()), expected);
+        ASSERT_EQ(VxStrIsSub(part.c_str(), s.c_str()), expected >= 0);
+        ASSERT_EQ(VxStrIsSub2(s.c_str(), part.c_str(), 0), expected >= 0);
+
+        const bool shorter = sought.size() <= chars.size();
+        ASSERT_EQ(VxStrAtStart(s.c_str(), part.c_str()),
+                  shorter && std::equal(sought.begin(), sought.end(), chars.begin()));
+        ASSERT_EQ(VxStrAtEnd(s.c_str(), part.c_str()),
+                  shorter && std::equal(sought.rbegin(), sought.rend(), chars.rbegin()));
+        const char *table[] = {nullptr, part.c_str()};
+        ASSERT_EQ(VxStrMatch(s.c_str(), 2, table), VxStrAtStart(s.c_str(), part.c_str()));
+        ASSERT_EQ(VxStrMatch(s.c_str(), 1, table), 0);
+
+        std::string cleaned = edited(s, VxStrClean);
+        ASSERT_EQ(VxStrStart(s.c_str(), part.c_str()), VxStrAtStart(cleaned.c_str(), part.c_str()));
+    }
+}
+
+TEST_P(StrSearch, TheOrderIsThatOfTheCharactersNumbers)
+{
+    auto numbers = [](const std::string &s) {
+        std::vector<uint32_t> result;
+        for (const std::string &ch : split(s))
+            result.push_back(static_cast<uint32_t>(value(ch)));
+        return result;
+    };
+    for (int run = 0; run < 4000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string common = anyText(3);
+        const std::string a = common + anyText(3);
+        const std::string b = common + anyText(3);
+        const auto x = numbers(a);
+        const auto y = numbers(b);
+        ASSERT_EQ(sign(VxStrcmp(a.c_str(), b.c_str())), (x > y) - (x < y));
+        ASSERT_EQ(VxStrSame(a.c_str(), b.c_str()), a == b);
+        const size_t n = any(8);
+        const std::vector<uint32_t> xn(x.begin(), x.begin() + static_cast<ptrdiff_t>(std::min(n, x.size())));
+        const std::vector<uint32_t> yn(y.begin(), y.begin() + static_cast<ptrdiff_t>(std::min(n, y.size())));
+        ASSERT_EQ(sign(VxStrncmp(a.c_str(), b.c_str(), static_cast<int32_t>(n))), (xn > yn) - (xn < yn));
+    }
+}
+
+TEST_P(StrSearch, SortingGivesTheSameRecordsInOrder)
+{
+    for (size_t count : {0u, 1u, 2u, 3u, 100u, 1000u}) {
+        constexpr size_t width = 24;
+        std::vector<char> array(count * width + 1, '\0');
+        std::vector<std::string> records;
+        for (size_t i = 0; i < count; ++i) {
+            records.push_back(anyText(5));
+            records.back().copy(&array[i * width], width - 1);
+            records.back() = &array[i * width];
+        }
+        ASSERT_EQ(VxStrSort(static_cast<int32_t>(count), array.data(), width), 0u);
+        std::vector<std::string> sorted;
+        for (size_t i = 0; i < count; ++i)
+            sorted.push_back(&array[i * width]);
+        auto before = [](auto &a, auto &b) { return VxStrcmp(a.c_str(), b.c_str()) < 0; };
+        EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end(), before));
+        EXPECT_TRUE(std::is_permutation(records.begin(), records.end(), sorted.begin()));
+    }
+}
+
+TEST_P(StrSearch, CaseIsThatOfWholeCharacters)
+{
+    // A second half that is a letter has no case.
+    const std::string small = "x\260a1z";
+    const std::string capital = "X\260A1Z";
+    const bool pairs = split("\260a").size() == 1;
+    EXPECT_EQ(VxStrcasecmp(small.c_str(), capital.c_str()) == 0, !pairs);
+    EXPECT_EQ(VxStrcaseFind(small.c_str(), capital.c_str()) != nullptr, !pairs);
+    EXPECT_EQ(VxStrSameI(capital.c_str(), small.c_str()), !pairs);
+    EXPECT_EQ(edited(small, [](char *p) { VxStrToupper(p, 0); }), pairs ? "X\260a1Z" : capital);
+}
+
+TEST(StrSearchBytes, LettersBeyondAsciiHaveTheCaseOfTheirCodePage)
+{
+    struct Case {
+        int32_t page;
+        const char *small, *capital;
+    };
+    const Case cases[] = {{1252, "\xE9\xFF", "\xC9\x9F"},
+                          {1251, "\xE6\xB8", "\xC6\xA8"},
+                          {65001, "\xC3\xA9\xD0\xB6", "\xC3\x89\xD0\x96"},
+                          {932, "\x82\x81", "\x82\x60"},
+                          {936, "\xA3\xE1", "\xA3\xC1"}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.page);
+        CodePageScope page(c.page);
+        EXPECT_EQ(edited(c.small, [](char *p) { VxStrToupper(p, 0); }), c.capital);
+        EXPECT_EQ(VxStrcasecmp(c.small, c.capital), 0);
+        EXPECT_EQ(VxStrIsSub2(c.small, c.capital, 1), 1);
+        EXPECT_EQ(VxStrSameI(c.capital, c.small), 1);
+        EXPECT_EQ(VxStrSameI(c.small, c.capital), 0);
+    }
+}
+
+TEST(StrSearchBytes, OnlyTheFirstCharactersAreUpperCased)
+{
+    EXPECT_EQ(edited("abc", [](char *p) { VxStrToupper(p, 2); }), "ABc");
+    EXPECT_EQ(edited("abc", [](char *p) { VxStrToupper(p, -1); }), "ABC");
+}
+
+TEST(StrSearchBytes, TheOneSidedComparisonTakesTheFirstTextAsTheKeyword)
+{
+    EXPECT_EQ(VxStrSameI("ABC", "abc"), 1);
+    EXPECT_EQ(VxStrSameI("abc", "ABC"), 0);
+    EXPECT_EQ(VxStrSameI("aBc", "aBc"), 1);
+    EXPECT_EQ(VxStrSameI("ABC", "ab"), 0);
+    EXPECT_EQ(VxStrSameI("AB", "abc"), 0);
+}
+
+TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
+{
+    // Each text comes before the next; texts of one row are equal.
+    const std::vector<std::vector<std::string>> ascending = {
+        {""},
+        {"18446744073709551615", "0018446744073709551615"},
+        {"18446744073709551616"},
+        {"100000000000000000000000000001", "0100000000000000000000000000001"},
+        {"100000000000000000000000000002"},
+        {"a"},
+        {"a7", "a007"},
+        {"a7b0", "a07b00"},
+        {"a7b1"},
+        {"a-"},
+        {"ab"},
+        {"file9"},
+        {"file10"},
+        {"file10b"},
+        {"\xE9"}};
+    for (size_t i = 0; i < ascending.size(); ++i)
+        for (size_t j = 0; j < ascending.size(); ++j)
+            for (const std::string &a : ascending[i])
+                for (const std::string &b : ascending[j])
+                    EXPECT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (i > j) - (i < j))
+                        << a << ", " << b;
+}
+
+/** A text as what natural order compares: numbers without their leading zeros, single bytes, an end. */
+std::vector<std::pair<int, std::string>> naturalParts(const std::string &s)
+{
+    enum { end, number, byte };
+    std::vector<std::pair<int, std::string>> parts;
+    for (size_t at = 0; at < s.size();) {
+        size_t digits = std::min(s.find_first_not_of("0123456789", at), s.size()) - at;
+        if (digits == 0) {
+            parts.emplace_back(byte, s.substr(at++, 1));
+            continue;
+        }
+        // Padded on the left, so that the order of the texts is that of the values.
+        const std::string run = s.substr(at, digits);
+        parts.emplace_back(number, std::string(100 - digits, '0') + run);
+        at += digits;
+    }
+    parts.emplace_back(end, "");
+    return parts;
+}
+
+TEST_P(StrSearch, NaturalOrderIsThatOfNumbersAndBytes)
+{
+    auto anyName = [this] {
+        static const std::string_view pieces[] = {"a", "b", "-", "0", "00", "1", "9", "12", "18446744073709551616"};
+        std::string s;
+        for (size_t n = any(6); n > 0; --n)
+            s += s.size() > 18 ? "a" : pieces[any(std::size(pieces))];
+        return s;
+    };
+    for (int run = 0; run < 4000; ++run) {
+        SCOPED_TRACE(run);
+        const std::string common = anyName();
+        const std::string a = common + anyName();
+        const std::string b = common + anyName();
+        const auto x = naturalParts(a);
+        const auto y = naturalParts(b);
+        ASSERT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (x > y) - (x < y)) << a << ", " << b;
+    }
+}
+
+TEST(StrSearchBytes, CountingStopsAtEitherByte)
+{
+    EXPECT_EQ(VxStrCnt("a b\tc,d", ',', ';'), 3);
+    EXPECT_EQ(VxStrCnt("ab;c,d", ',', ';'), 2);
+    EXPECT_EQ(VxStrCnt(",ab", ',', ';'), 0);
+    CodePageScope page(932);
+    EXPECT_EQ(VxStrCnt("\201@\201|a|", '|', '|'), 3);
+}
+
+TEST(StrSearchBytes, APrefixLongerThanTheCleanedTextIsNone)
+{
+    EXPECT_EQ(VxStrStart(" a b c", "abc"), 1);
+    EXPECT_EQ(VxStrStart(std::string(1030, 'x').c_str(), std::string(1023, 'x').c_str()), 1);
+    EXPECT_EQ(VxStrStart(std::string(1030, 'x').c_str(), std::string(1024, 'x').c_str()), 0);
+}
+
+}
