@@ -1,7 +1,9 @@
 // Formulas typical of the parameters of parts: parsed, evaluated, and both.
 
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -11,7 +13,7 @@
 #include <Expr_Array1OfNamedUnknown.hxx>
 #include <Expr_GeneralExpression.hxx>
 #include <Expr_NamedUnknown.hxx>
-#include <Expr_NumericValue.hxx>
+#include <Expr_UnknownIterator.hxx>
 #include <TColStd_Array1OfReal.hxx>
 
 #include "vx/eval.h"
@@ -178,36 +180,40 @@ void evaluate_vx(benchmark::State &state)
 }
 BENCHMARK(evaluate_vx)->Name("expr_evaluate/vx");
 
-/**
- * It folds formulas of numbers as it reads them, so that nothing would be left
- * to evaluate: its names stay, and numbers are assigned to them.
- */
-void assignNumbers(const Handle(Expr_GeneralExpression) & tree)
+/** A formula and its unknowns with their values, as Open CASCADE evaluates it. */
+struct OccFormula {
+    Handle(Expr_GeneralExpression) tree;
+    std::unique_ptr<Expr_Array1OfNamedUnknown> unknowns;
+    std::unique_ptr<TColStd_Array1OfReal> values;
+};
+
+/** It folds formulas of numbers as it reads them, and nothing would be left to evaluate: its names stay. */
+OccFormula prepareOcc(const char *text, benchmark::State &state)
 {
-    if (Handle(Expr_NamedUnknown) unknown = Handle(Expr_NamedUnknown)::DownCast(tree); !unknown.IsNull()) {
+    OccFormula formula{parsedByOcc(text, state), nullptr, nullptr};
+    int count = 0;
+    for (Expr_UnknownIterator it(formula.tree); it.More(); it.Next())
+        ++count;
+    formula.unknowns = std::make_unique<Expr_Array1OfNamedUnknown>(1, count);
+    formula.values = std::make_unique<TColStd_Array1OfReal>(1, count);
+    int at = 1;
+    for (Expr_UnknownIterator it(formula.tree); it.More(); it.Next(), ++at) {
+        (*formula.unknowns)(at) = it.Value();
         for (const Variable &variable : variables)
-            if (unknown->GetName() == variable.name && !unknown->IsAssigned())
-                unknown->Assign(new Expr_NumericValue(variable.value));
-        return;
+            if (it.Value()->GetName() == variable.name)
+                (*formula.values)(at) = variable.value;
     }
-    for (int i = 1; i <= tree->NbSubExpressions(); ++i)
-        assignNumbers(tree->SubExpression(i));
+    return formula;
 }
 
 void evaluate_occ(benchmark::State &state)
 {
-    std::array<Handle(Expr_GeneralExpression), std::size(formulas)> trees;
-    for (size_t i = 0; i < trees.size(); ++i) {
-        trees[i] = parsedByOcc(occText(formulas[i]), state);
-        assignNumbers(trees[i]);
-    }
-    Expr_Array1OfNamedUnknown unknowns(1, 1);
-    TColStd_Array1OfReal values(1, 1);
-    unknowns(1) = new Expr_NamedUnknown("unused");
-    values(1) = 0.0;
+    std::array<OccFormula, std::size(formulas)> prepared;
+    for (size_t i = 0; i < prepared.size(); ++i)
+        prepared[i] = prepareOcc(occText(formulas[i]), state);
     for (auto _ : state)
-        for (const Handle(Expr_GeneralExpression) & tree : trees)
-            benchmark::DoNotOptimize(tree->Evaluate(unknowns, values));
+        for (const OccFormula &formula : prepared)
+            benchmark::DoNotOptimize(formula.tree->Evaluate(*formula.unknowns, *formula.values));
 }
 BENCHMARK(evaluate_occ)->Name("expr_evaluate/ExprIntrp");
 

@@ -89,7 +89,7 @@ void describe(const EvalFailure &failure, const char *text, const Tree &tree, Vx
 {
     diag.number = failure.number;
     if (failure.node)
-        copyCut(diag.operation, operationName(failure.node->op));
+        copyCut(diag.operation, operationName(failure.node->op)); // none for a lone operand
     if (failure.name)
         copyCut(diag.name, failure.name);
     setDimensions(diag, failure);

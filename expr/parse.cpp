@@ -2,6 +2,7 @@
 #include "vx/parse.hpp"
 
 #include <cstring>
+#include <new>
 
 #include "expr/parser.h"
 #include "expr/report.h"
@@ -83,9 +84,13 @@ std::vector<std::string> VxParseVarInquire(const char *text)
     if (!text)
         return names;
     Tokenizer tokens(text, Tokenizer::Mode::inquiry);
-    while (tokens.next() == 0 && tokens.token().type != TokenType::end)
-        if (tokens.token().type == TokenType::name)
-            names.emplace_back(tokens.token().text);
+    try {
+        while (tokens.next() == 0 && tokens.token().type != TokenType::end)
+            if (tokens.token().type == TokenType::name)
+                names.emplace_back(tokens.token().text);
+    } catch (const std::bad_alloc &) {
+        // As at a malformed token: what was found so far.
+    }
     return names;
 }
 
