@@ -138,8 +138,10 @@ public:
         while (!frames_.empty())
             if (!step(frames_.top()))
                 return false;
+        if (!duals_.top().hasDerivative)
+            return false;
         derivative = duals_.top().derivative;
-        return duals_.top().hasDerivative;
+        return true;
     }
 
 private:

@@ -205,24 +205,11 @@ int32_t divide(int32_t code, VxDimNum &left, const VxDimNum &right) noexcept
     return ok;
 }
 
-int32_t raise(VxDimNum &left, const VxDimNum &right) noexcept
+int32_t raiseQuantity(VxDimNum &left, const VxDimNum &right) noexcept
 {
-    double x = magnitude(left), y = magnitude(right);
-    double value;
-    if (isZero(x)) {
-        if (y < tolerance)
-            return error::zeroDivision;
-        value = 0.0;
-    } else if (isZero(y)) {
-        value = 1.0;
-    } else if (x < 0 && !isWhole(y)) {
-        // The real root of a negative base, as of (-8)^(1/3).
-        value = -std::pow(-x, y);
-    } else if (x < 0) {
-        value = std::pow(x, std::round(y));
-    } else {
-        value = std::pow(x, y);
-    }
+    double y = magnitude(right), value;
+    if (int32_t number = raise(magnitude(left), y, value))
+        return number;
     left = {value, left.len_exp * y, left.ang_exp * y, left.mass_exp * y, 1.0};
     return ok;
 }
@@ -236,6 +223,26 @@ int32_t roundToDecimals(const Settings &settings, VxDimNum &left, const VxDimNum
     return give(left, std::floor(value * p + 0.5) / p);
 }
 
+}
+
+int32_t raise(double x, double y, double &result) noexcept
+{
+    if (isZero(x)) {
+        result = 0.0;
+        return y < tolerance ? error::zeroDivision : ok;
+    }
+    if (isZero(y))
+        result = 1.0;
+    else if (y == 2.0)
+        result = x * x; // what formulas raise to nearly always
+    else if (x > 0)
+        result = std::pow(x, y);
+    else if (isWhole(y))
+        result = std::pow(x, std::round(y));
+    else
+        // The real root of a negative base, as of (-8)^(1/3).
+        result = -std::pow(-x, y);
+    return ok;
 }
 
 double roundHalfAway(double value) noexcept
@@ -315,7 +322,7 @@ int32_t applyTwo(const Settings &settings, int32_t code, VxDimNum &l, const VxDi
     case op::mod2:
         return divide(code, l, r);
     case op::power:
-        return raise(l, r);
+        return raiseQuantity(l, r);
     case op::atan2:
         return giveAngle(l, std::atan2(magnitude(l), magnitude(r)));
     case op::less:

@@ -17,7 +17,7 @@ struct EvalFailure {
     int32_t operand = -1;
     const char *name = nullptr; ///< of a variable that nobody supplied
     bool hasDimensions = false;
-    VxDimNum left{}, right{};
+    VxDimNum left, right; ///< when hasDimensions
     int32_t leftKind = 0, rightKind = 0; ///< of values that do not go together
 };
 
@@ -53,6 +53,9 @@ Settings settingsFor(const VxDimNum &expected, void *ctx1, void *ctx2) noexcept;
 int32_t applyOne(const Settings &settings, int32_t code, VxDimNum &x) noexcept;
 int32_t applyTwo(const Settings &settings, int32_t code, VxDimNum &l, const VxDimNum &r) noexcept;
 int32_t applyUnit(const char *unit, VxDimNum &l, VxDimNum &unitDimension) noexcept;
+
+/** `x` to the power `y`; the error number. */
+int32_t raise(double x, double y, double &result) noexcept;
 
 /** Halves away from zero. */
 double roundHalfAway(double value) noexcept;

@@ -22,19 +22,19 @@ public:
     SmallStack(const SmallStack &) = delete;
     SmallStack &operator=(const SmallStack &) = delete;
 
-    bool empty() const noexcept { return size_ == 0; }
-    int32_t size() const noexcept { return size_; }
-    T &top() noexcept { return data_[size_ - 1]; }
-    T &below() noexcept { return data_[size_ - 2]; }
-    T &operator[](int32_t index) noexcept { return data_[index]; }
-    void pop() noexcept { --size_; }
+    bool empty() const noexcept { return next_ == begin_; }
+    int32_t size() const noexcept { return static_cast<int32_t>(next_ - begin_); }
+    T &top() noexcept { return next_[-1]; }
+    T &below() noexcept { return next_[-2]; }
+    T &operator[](int32_t index) noexcept { return begin_[index]; }
+    void pop() noexcept { --next_; }
 
     /** Room for one more, its content open; null when there is no memory. */
     T *push() noexcept
     {
-        if (size_ == capacity_ && !grow())
+        if (next_ == end_ && !grow())
             return nullptr;
-        return &data_[size_++];
+        return next_++;
     }
 
     bool push(const T &element) noexcept
@@ -49,29 +49,31 @@ public:
 private:
     bool grow() noexcept
     {
-        constexpr int64_t most = INT32_MAX;
-        int64_t bytes = int64_t{capacity_} * 2 * static_cast<int64_t>(sizeof(T));
+        int64_t capacity = 2 * (end_ - begin_);
+        int64_t bytes = capacity * static_cast<int64_t>(sizeof(T));
         void *block = nullptr;
-        if (bytes > most || VxMemAlloc(static_cast<int32_t>(bytes), &block) != 0)
+        if (bytes > INT32_MAX || VxMemAlloc(static_cast<int32_t>(bytes), &block) != 0)
             return false;
-        std::memcpy(block, data_, static_cast<size_t>(size_) * sizeof(T));
+        auto count = static_cast<size_t>(next_ - begin_);
+        std::memcpy(block, begin_, count * sizeof(T));
         release();
-        data_ = static_cast<T *>(block);
-        capacity_ *= 2;
+        begin_ = static_cast<T *>(block);
+        next_ = begin_ + count;
+        end_ = begin_ + capacity;
         return true;
     }
 
     void release() noexcept
     {
-        if (data_ == own_)
+        if (begin_ == own_)
             return;
-        void *block = data_;
+        void *block = begin_;
         VxMemFree(&block);
     }
 
-    T *data_ = own_;
-    int32_t size_ = 0;
-    int32_t capacity_ = N;
+    T *begin_ = own_;
+    T *next_ = own_;
+    T *end_ = own_ + N;
     T own_[static_cast<size_t>(N)];
 };
 

@@ -1,0 +1,341 @@
+#include <cstring>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "expr/number.h"
+#include "platform/os/os.h"
+#include "tests/expr/formula.h"
+#include "tests/support/captured_output.h"
+#include "tests/support/code_page.h"
+#include "vx/debug.h"
+#include "vx/diagnose.h"
+#include "vx/parse.hpp"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+struct Case {
+    const char *text;
+    const char *expected;
+};
+
+TEST(Parser, BuildsTheTreeThatPrecedenceTells)
+{
+    const Case cases[] = {
+        {"-5", "(1 -5)"},
+        {"-(5)", "(1 -5)"},
+        {"+5", "(1 5)"},
+        {"-a", "(4 -1 a)"},
+        {"a+2", "(2 a 2)"},
+        {"2^3^2", "(22 2 (22 3 2))"},
+        {"8/2/2", "(5 (5 8 2) 2)"},
+        {"1-2-3", "(3 (3 1 2) 3)"},
+        {"1+2*3", "(2 1 (4 2 3))"},
+        {"(1+2)*3", "(4 (2 1 2) 3)"},
+        {"-2^2", "(4 -1 (22 2 2))"},
+        {"2*-3", "(4 2 -3)"},
+        {"!a^2", "(28 (22 a 2))"},
+        {"1<2&3>4|5=6", "(30 (29 (25 1 2) (26 3 4)) (27 5 6))"},
+        {"a|b&c", "(29 (30 a b) c)"},
+        {"1+2<3*4", "(25 (2 1 2) (4 3 4))"},
+        {"[a]>0 then 1", "(24 (26 a 0) 1 0)"},
+        {"a then b then c else d", "(24 a (24 b c d) 0)"},
+        {"a then b then c else d else e", "(24 a (24 b c d) e)"},
+        {"a then b else c then d else e", "(24 a b (24 c d e))"},
+        {"a THEN b eLSe c", "(24 a b c)"},
+        {"-2.cm", "(42 -2 .cm)"},
+        {"a*b.cm", "(4 a (42 b .cm))"},
+        {"2^3.mm", "(42 (22 2 3) .mm)"},
+        {"-a.cm.in", "(42 (42 (4 -1 a) .cm) .in)"},
+        {"len.zoll", "(1 len.zoll)"},
+        {"len.bogus+1", "(2 len 1)"},
+        {"\"a b\"", "(1 \"a b\")"},
+        {"\"open", "(1 \"open\")"},
+        {"atan2(a+1,b)", "(18 (2 a 1) b)"},
+        {"max((1,2)", "refused"},
+        {"sin(cos(1))^2", "(22 (6 (7 1)) 2)"},
+        {"SIN(30)", "(6 30)"},
+        {"substr(a,,)", "(46 a 0 0)"},
+        {"time()", "(44)"},
+        {"vector(1,2,3)", "(68 1 2 3)"},
+        {"sin(a,b)", "(6 a,b)"},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(shapeOf(c.text), c.expected) << c.text;
+}
+
+TEST(Parser, ReadsNamesWithBlanksBracketsAndCoordinates)
+{
+    const Case cases[] = {
+        {"[my var]+1", "(2 my var 1)"},
+        {"my var +1", "(2 my var 1)"},
+        {"[$my var]", "(1 my var)"},
+        {"[a[1]]+1", "(2 a[1] 1)"},
+        {"[a \"]\" b]", "(1 a \"]\" b)"},
+        {"[a \\\" b]+1", "(2 a \\\" b 1)"},
+        {"[open", "(1 open)"},
+        {"p.x", "(1 p.x)"},
+        {"p.X", "(1 p)"},
+        {"len.cm", "(42 len .cm)"},
+        {"#3+$b", "(2 #3 $b)"},
+        {"lengthen", "refused"},
+        {"athen b", "(24 a b 0)"},
+        {"sin (30)", "refused"},
+        {"sin", "(1 sin)"},
+        {"1e-3", "(1 0.001)"},
+        {"1-3", "(3 1 3)"},
+        {"1.5.2+1", "(2 1.5 1)"},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(shapeOf(c.text), c.expected) << c.text;
+}
+
+TEST(Parser, KnowsTheGeometricFunctionsOnlyWhenExtended)
+{
+    EXPECT_EQ(shapeOf("DirZ(a)"), "refused");
+    EXPECT_EQ(shapeOf("DirZ(a)", true), "(54 a)");
+    EXPECT_EQ(shapeOf("Dir(a)", true), "(54 a)");
+    EXPECT_EQ(shapeOf("sin(Dist(Pnt(a)))", true), "(6 (47 (53 a)))");
+    EXPECT_EQ(shapeOf("Dist(a)"), "refused") << "the switch lasts for one parse";
+}
+
+TEST(Parser, SaysWhatIsWrongAndWhere)
+{
+    struct Wrong {
+        const char *text;
+        int32_t number, offset, length;
+    };
+    const Wrong cases[] = {
+        {"12a", 46, 0, 3},      {"1+2,5", 46, 2, 3},    {"1+", 47, 1, 1},       {"-", 47, 0, 1},
+        {"a then", 47, 2, 4},   {"1+2*", 47, 3, 1},     {"(1+2", 48, 0, 1},     {"(", 48, 0, 1},
+        {"(1<2<3)", 48, 4, 1},  {"sin(1", 48, 0, 3},    {"*2", 49, 0, 1},       {"2^-1", 49, 2, 1},
+        {"--2", 49, 1, 1},      {"()", 49, 1, 1},       {"1+_a", 49, 2, 0},     {"max(1)", 49, 5, 1},
+        {"1<2<3", 52, 3, 1},    {"sin (30)", 52, 4, 1}, {"3.cm^2", 52, 4, 1},   {"1 2", 52, 2, 1},
+        {"1%2", 52, 1, 1},      {"sin(1 2)", 52, 6, 1}, {"1 else 2", 52, 2, 4}, {"1\n+2", 52, 1, 1},
+        {"max(1,2a)", 46, 6, 2}, {"", 49, 0, 0},        {"sin()", 49, 4, 0},    {"1)", 52, 1, 1},
+    };
+    for (const Wrong &c : cases) {
+        VxExprDiag diag;
+        EXPECT_EQ(VxExprDiagParse(c.text, 0, 1, &diag), 1U) << c.text;
+        EXPECT_EQ(diag.number, c.number) << c.text;
+        EXPECT_EQ(diag.offset, c.offset) << c.text;
+        EXPECT_EQ(diag.length, c.length) << c.text;
+        EXPECT_EQ(diag.token, std::string(c.text).substr(static_cast<size_t>(c.offset), static_cast<size_t>(c.length)));
+        Parsed parsed(c.text);
+        EXPECT_EQ(parsed.result, 1U) << c.text;
+        EXPECT_EQ(parsed.constant, 0) << c.text;
+        EXPECT_EQ(parsed.tree, nullptr) << c.text;
+    }
+}
+
+TEST(Parser, CallsOnlyFormulasWithoutNamesAndUnitsConstant)
+{
+    for (const char *text : {"1+2", "sin(30)", "\"text\"", "3.bogus", "time()"})
+        EXPECT_EQ(Parsed(text).constant, 1) << text;
+    for (const char *text : {"a", "sin(a)", "max(1,b)+2", "3.cm", "sin(3.deg)", "1 then a"})
+        EXPECT_EQ(Parsed(text).constant, 0) << text;
+}
+
+TEST(Parser, TakesArgumentsOfUpTo511Bytes)
+{
+    auto call = [](size_t bytes) { return "sin(" + std::string(bytes - 1, ' ') + "1)"; };
+    EXPECT_EQ(parseError(call(511)), 0);
+    EXPECT_EQ(parseError(call(512)), 48);
+}
+
+TEST(Parser, CutsNamesBetweenCharactersAt1023Bytes)
+{
+    CodePageScope scope(65001);
+    std::string name = std::string(1022, 'a') + "\xC3\xA4" + "b";
+    EXPECT_EQ(shapeOf(name.substr(0, 1022) + "cd"), "(1 " + std::string(1022, 'a') + "c)");
+    EXPECT_EQ(shapeOf(name), "(1 " + std::string(1022, 'a') + ")");
+}
+
+TEST(Parser, FillsNodesAndSlotsAsHostsReadThem)
+{
+    Parsed parsed("(a*b)+2.cm");
+    ASSERT_NE(parsed.tree, nullptr);
+    const VsCnsGenOp &root = *parsed.tree;
+    EXPECT_EQ(root.argc, 2);
+    EXPECT_EQ(root.slot[0].kind, 1);
+    EXPECT_EQ(root.slot[2].kind, 0);
+    const auto &product = *static_cast<const VsCnsGenOp *>(root.slot[0].value.ptr);
+    EXPECT_EQ(product.slot[0].kind, 2);
+    EXPECT_EQ(product.slot[0].unit, -1);
+    EXPECT_EQ(product.slot[0].flag, 0);
+    Parsed leaf("a");
+    EXPECT_EQ(leaf.tree->op, 1);
+    EXPECT_EQ(leaf.tree->argc, 1);
+}
+
+/** Bytes of a character whose trail byte looks like each of "[]\^|" and letters, where the page has such characters. */
+TEST(Parser, TakesNoTrailByteForAnOperator)
+{
+    const int32_t pages[] = {932, 936, 949, 950, 1252, 65001};
+    for (int32_t number : pages) {
+        CodePageScope scope(number);
+        const text::CodePage &page = text::codePage();
+        for (int trail = 0x21; trail < 0x100; ++trail) {
+            const char character[] = {'\x83', static_cast<char>(trail), '\0'};
+            if (text::charBytes(page, character) != 2)
+                continue;
+            std::string name = std::string(character) + "b";
+            EXPECT_EQ(shapeOf(name + "+1"), "(2 " + name + " 1)") << number << ": " << trail;
+            EXPECT_EQ(shapeOf("[" + name + "]*2"), "(4 " + name + " 2)") << number << ": " << trail;
+        }
+        EXPECT_EQ(shapeOf("\xC3\xA4+1"), "(2 \xC3\xA4 1)") << number;
+    }
+}
+
+TEST(Parser, SurvivesEveryTruncation)
+{
+    for (const std::string &formula : corpus()) {
+        ASSERT_EQ(parseError(formula), formula == "substr(\"text, with\",1,2)" ? 46 : 0) << formula;
+        for (size_t length = 0; length < formula.size(); ++length) {
+            std::string piece = formula.substr(0, length);
+            VxExprDiag diag;
+            uint32_t result = VxExprDiagParse(piece.c_str(), 0, 1, &diag);
+            EXPECT_EQ(result == 0, Parsed(piece).result == 0) << piece;
+            EXPECT_EQ(result == 0, diag.number == 0) << piece;
+            EXPECT_LE(static_cast<size_t>(diag.offset + diag.length), length) << piece;
+        }
+    }
+}
+
+TEST(Parser, SurvivesNoise)
+{
+    const unsigned seed = 20261121;
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    const std::string pieces = "+-/*^%()!<>=&|.,\"[]#$ \tabextyz019e_\\";
+    for (int32_t number : {932, 936, 949, 950, 1252, 65001}) {
+        CodePageScope scope(number);
+        for (int run = 0; run < 20000; ++run) {
+            std::string noise;
+            for (size_t n = random() % 40; n > 0; --n)
+                noise += random() % 3 ? pieces[random() % pieces.size()] : static_cast<char>(1 + random() % 255);
+            VxExprDiag diag;
+            uint32_t result = VxExprDiagParse(noise.c_str(), run & 1, 1, &diag);
+            ASSERT_EQ(result == 0, diag.number == 0);
+            ASSERT_LE(static_cast<size_t>(diag.offset + diag.length), noise.size());
+            VxParseVarInquire(noise.c_str());
+        }
+    }
+}
+
+TEST(Parser, ConvertsNumbersBitByBitAsTheRuntimeDoes)
+{
+    const unsigned seed = 20261122;
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937_64 random(seed);
+    for (int run = 0; run < 300000; ++run) {
+        std::string token;
+        for (size_t n = random() % 18; n > 0; --n)
+            token += static_cast<char>('0' + random() % 10);
+        token.insert(random() % (token.size() + 1), random() % 4 ? "." : "");
+        if (random() % 2)
+            token += (random() % 2 ? "e-" : "e") + std::to_string(random() % 30);
+        if (random() % 50 == 0)
+            token += "e.";
+        double expected = os::parseDouble(token.c_str(), nullptr);
+        double value = expr::numberValue(token);
+        ASSERT_EQ(std::memcmp(&expected, &value, sizeof value), 0) << token;
+    }
+}
+
+TEST(Parser, TracesTokensAndNodesOnRequest)
+{
+    CapturedOutput output;
+    VgToolsDbgFileDesc = stdout;
+    VgToolsDbgGroup = 1;
+    VgToolsDbgLevel = 1;
+    shapeOf("a+sin(2)");
+    VgToolsDbgLevel = 0;
+    shapeOf("b");
+    VgToolsDbgGroup = 0;
+    VgToolsDbgFileDesc = nullptr;
+    EXPECT_EQ(output.text(), "GeEx_GetTokn: Token = a, Type = 2, Subtype = 0\n"
+                             "GeEx_GetTokn: Token = +, Type = 1, Subtype = 0\n"
+                             "GeEx_oper: Add op = +. \n"
+                             "GeEx_GetTokn: Token = sin, Type = 4, Subtype = 1\n"
+                             "GeEx_fun_value: Add funct = sin. \n"
+                             "GeEx_GetTokn: Token = 2, Type = 3, Subtype = 0\n"
+                             "GeEx_GetTokn: Token = , Type = 0, Subtype = 0\n"
+                             "GeEx_GetTokn: Token = , Type = 0, Subtype = 0\n");
+}
+
+TEST(Names, AreReplacedAsWholeWords)
+{
+    struct Replacement {
+        const char *name, *replacement, *text, *expected;
+        uint32_t result;
+    };
+    const Replacement cases[] = {
+        {"a", "xyz", "a+ab*a", "xyz+ab*xyz", 0},
+        {"a", "b", "max(a,a)", "max(b,b)", 0},
+        {"a", "", "a-a", "-", 0},
+        {"A", "b", "a", "a", 1},
+        {"len", "width", "len.cm+p.len", "width.cm+p.width", 0},
+        {"a", "b", "p.x then a else a", "p.x then b else b", 0},
+        {"my var", "v", "2*my var-1", "2*v-1", 0},
+        {"a", "b", "", "", 1},
+        {"", "b", "a", "", 1},
+    };
+    char out[256];
+    for (const Replacement &c : cases) {
+        std::memset(out, 'x', sizeof out);
+        EXPECT_EQ(VxParseVarReplace(c.name, c.replacement, c.text, out), c.result) << c.text;
+        EXPECT_STREQ(out, c.expected) << c.text;
+    }
+    EXPECT_EQ(VxParseVarReplace(nullptr, "b", "a", out), 1U);
+    EXPECT_STREQ(out, "");
+}
+
+TEST(Names, AreNotReplacedInsideCharacters)
+{
+    CodePageScope scope(932);
+    char out[32];
+    EXPECT_EQ(VxParseVarReplace("a", "b", "\x83\x61+a", out), 0U);
+    EXPECT_STREQ(out, "\x83\x61+b");
+}
+
+TEST(Names, AreListedInOrderWithRepeats)
+{
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(VxParseVarInquire("a+max(b c,[d])*a"), (Names{"a", "b c", "d", "a"}));
+    EXPECT_EQ(VxParseVarInquire("sin(a)"), (Names{"a"})) << "a function is no name";
+    EXPECT_EQ(VxParseVarInquire("a+12b+c"), (Names{"a"})) << "up to the first malformed token";
+    EXPECT_EQ(VxParseVarInquire("\"a\""), Names{});
+    EXPECT_EQ(VxParseVarInquire(nullptr), Names{});
+}
+
+TEST(Units, AreFoundFromTheTableInAnyCase)
+{
+    const char *name;
+    double factor;
+    int32_t unitClass, count = 0;
+    while (VxUnitTableGet(count, &name, &factor, &unitClass)) {
+        std::string upper = name;
+        for (char &c : upper)
+            c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+        double found = 0.0;
+        VsCnsGenOp *tree = nullptr;
+        EXPECT_EQ(VxCharExprEval("1", upper.c_str(), nullptr, &found), 0U) << name;
+        EXPECT_GE(unitClass, 2) << name;
+        EXPECT_LE(unitClass, 8) << name;
+        EXPECT_GT(factor, 0.0) << name;
+        VxGenExFree(&tree);
+        ++count;
+    }
+    EXPECT_EQ(count, 70);
+    EXPECT_FALSE(VxUnitTableGet(-1, &name, &factor, &unitClass));
+    EXPECT_EQ(evaluate("100.4", "dm").value, 100.4);
+    EXPECT_DOUBLE_EQ(evaluate("1.dm", "mm").value, 100.4);
+    EXPECT_DOUBLE_EQ(evaluate("1.rad", "deg").value, 57.29);
+}
+
+}
