@@ -166,8 +166,8 @@ std::string problems(std::string_view source, const ParameterFile &file, const M
 
 size_t failures(const Model &model)
 {
-    auto failed = [](const Parameter &parameter) { return !parameter.evaluated; };
-    return static_cast<size_t>(std::count_if(model.parameters().begin(), model.parameters().end(), failed));
+    auto isFailure = [](const Parameter &parameter) { return !parameter.evaluated; };
+    return static_cast<size_t>(std::count_if(model.parameters().begin(), model.parameters().end(), isFailure));
 }
 
 }
