@@ -48,7 +48,7 @@ struct LineEditor::State {
         el_set(editor.get(), EL_PROMPT, prompt);
         el_set(editor.get(), EL_EDITOR, "emacs");
         // An interrupt drops the line that is being typed and nothing else.
-        el_set(editor.get(), EL_SETTY, "-d", "intr=", nullptr);
+        el_set(editor.get(), EL_SETTY, "-d", "-isig", nullptr);
         el_set(editor.get(), EL_BIND, "^C", "em-kill-line", nullptr);
         if (history)
             el_set(editor.get(), EL_HIST, ::history, history.get());

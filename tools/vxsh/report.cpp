@@ -14,7 +14,7 @@ using HESKET::Talm::Tool::Evaluation::TsPoint;
 using HESKET::Talm::Tool::Evaluation::TsVector;
 
 constexpr std::string_view columnGap = "  ";
-constexpr std::string_view failed = "(failed)";
+constexpr std::string_view failedText = "(failed)";
 
 template <typename Triple> std::string tripleText(const Triple &t)
 {
@@ -51,7 +51,7 @@ std::vector<Row> rows(const Model &model)
     for (const Parameter &parameter : model.parameters()) {
         bool number = parameter.evaluated && parameter.result.isNumber();
         all.push_back({printable(parameter.definition.name),
-                       parameter.evaluated ? printable(valueText(parameter)) : std::string(failed),
+                       parameter.evaluated ? printable(valueText(parameter)) : std::string(failedText),
                        unitText(parameter), number});
     }
     return all;
@@ -133,7 +133,7 @@ std::string commaSeparated(const Model &model)
 std::string summary(const Parameter &parameter)
 {
     std::string unit = unitText(parameter);
-    return parameter.definition.name + " = " + (parameter.evaluated ? valueText(parameter) : std::string(failed))
+    return parameter.definition.name + " = " + (parameter.evaluated ? valueText(parameter) : std::string(failedText))
         + (parameter.evaluated && !unit.empty() ? ' ' + unit : "");
 }
 
@@ -166,8 +166,8 @@ std::string problems(std::string_view source, const ParameterFile &file, const M
 
 size_t failures(const Model &model)
 {
-    auto failed = [](const Parameter &parameter) { return !parameter.evaluated; };
-    return static_cast<size_t>(std::count_if(model.parameters().begin(), model.parameters().end(), failed));
+    auto isFailure = [](const Parameter &parameter) { return !parameter.evaluated; };
+    return static_cast<size_t>(std::count_if(model.parameters().begin(), model.parameters().end(), isFailure));
 }
 
 }
