@@ -56,11 +56,12 @@ uint32_t VxStrCat(char *dst, const char *src, int32_t size)
 {
     if (!dst || !src || size < 1)
         return 1;
-    const size_t used = std::strlen(dst);
+    const size_t room = static_cast<size_t>(size);
+    char *end = static_cast<char *>(std::memchr(dst, '\0', room));
     const size_t added = std::strlen(src);
-    if (used + added >= static_cast<size_t>(size))
+    if (!end || added >= room - static_cast<size_t>(end - dst))
         return 1;
-    std::memmove(dst + used, src, added + 1);
+    std::memmove(end, src, added + 1);
     return 0;
 }
 
