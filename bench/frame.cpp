@@ -18,8 +18,8 @@
 
 namespace {
 
-/** Records that are kept before the oldest go. */
-constexpr int32_t kept = 1000;
+/** Errors after which a host shows them, and records of the ring. */
+constexpr int32_t kept = 50;
 
 const char *const path = "\\home\\user\\parts\\bracket.prt";
 

@@ -35,19 +35,22 @@ void noteOccurrence() noexcept
     std::atomic_ref<int32_t>(VgErrOccurred).store(1, std::memory_order_relaxed);
 }
 
-/** Count an error; true when it is to be filed, false for a repeat within the second. */
-bool admit(int32_t marker, int32_t number, int32_t severity)
+/** Count an error; true when it is to be filed, perhaps with a record to fill, false for a repeat. */
+bool admit(int32_t marker, int32_t number, int32_t severity, std::list<ErrorRecord> &one)
 {
     int64_t now = os::wallSeconds();
     ErrorState &state = errorState();
     std::scoped_lock lock(state.mutex);
     ++state.counters.of(severity);
-    auto [entry, isNew] = state.lastSeen.try_emplace(repeatKey(marker, number), now);
-    if (isNew)
-        return true;
-    int64_t difference = now - entry->second;
-    entry->second = now;
-    return difference >= repeatSeconds || difference <= -repeatSeconds;
+    bool isNew;
+    int64_t &second = state.repeats.secondOf(marker, number, now, isNew);
+    int64_t difference = now - second;
+    second = now;
+    if (!isNew && difference < repeatSeconds && difference > -repeatSeconds)
+        return false;
+    if (!state.spare.empty())
+        one.splice(one.begin(), state.spare, state.spare.begin());
+    return true;
 }
 
 /** Keep the end of the text, from a whole character on. */
@@ -92,9 +95,11 @@ void append(std::list<ErrorRecord> &one)
 uint32_t file(int32_t marker, int32_t number, int32_t severity, const char *where, int32_t extra,
               const char *format, va_list args)
 {
-    if (!admit(marker, number, severity))
+    std::list<ErrorRecord> one;
+    if (!admit(marker, number, severity, one))
         return 0;
-    std::list<ErrorRecord> one(1);
+    if (one.empty())
+        one.emplace_back();
     ErrorRecord &record = one.front();
     record.marker = marker >= 0 ? marker : -1;
     record.number = number;

@@ -64,6 +64,15 @@ void putBack(Records &taken)
     state.pending.splice(state.pending.begin(), taken);
 }
 
+/** Keep some records for the next errors; the others are the caller's to free. */
+void keepSpare(Records &records)
+{
+    ErrorState &state = errorState();
+    std::scoped_lock lock(state.mutex);
+    while (!records.empty() && state.spare.size() < maxSpareRecords)
+        state.spare.splice(state.spare.begin(), records, records.begin());
+}
+
 enum class Resolved { all, notAll, noFile };
 
 /** Look up the texts that were left for now. */
@@ -159,7 +168,8 @@ int32_t VxErrCnt(void)
 
 uint32_t VxErrClear(void)
 {
-    takePending();
+    Records records = takePending();
+    keepSpare(records);
     return 0;
 }
 
@@ -199,6 +209,7 @@ uint32_t VxErrDisplay(void)
     for (const ErrorRecord &record : records)
         if (record.text[0] && record.severity < 1)
             VgActiveErrOccurred = 1;
+    keepSpare(records);
     EsReport();
     return resolved == Resolved::notAll;
 }

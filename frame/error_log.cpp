@@ -29,7 +29,8 @@ void resetErrorLog()
     state.alertFiles.clear();
     state.pending.clear();
     state.counters = {};
-    state.lastSeen.clear();
+    state.spare.clear();
+    state.repeats.clear();
     state.displayHook = nullptr;
     suppression = {};
 }

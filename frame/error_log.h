@@ -9,6 +9,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "vx/err.h"
 
@@ -16,6 +17,7 @@ namespace vx::frame {
 
 constexpr size_t maxErrorText = 512;
 constexpr size_t maxErrorWhere = 254;
+constexpr size_t maxSpareRecords = 64;
 
 /** One pending error. */
 struct ErrorRecord {
@@ -41,6 +43,33 @@ struct ErrorCounters {
     }
 };
 
+/** When each pair of marker and number was last filed or repeated, in seconds. */
+class RepeatFilter {
+public:
+    /** The second of a pair, `now` when the pair is new. Repeats follow each other, so the latest is kept at hand. */
+    int64_t &secondOf(int32_t marker, int32_t number, int64_t now, bool &isNew)
+    {
+        uint64_t key = uint64_t{static_cast<uint32_t>(marker)} << 32 | static_cast<uint32_t>(number);
+        isNew = false;
+        if (!latest_ || latest_->first != key) {
+            auto [entry, inserted] = seconds_.try_emplace(key, now);
+            latest_ = &*entry;
+            isNew = inserted;
+        }
+        return latest_->second;
+    }
+
+    void clear() noexcept
+    {
+        latest_ = nullptr;
+        seconds_.clear();
+    }
+
+private:
+    std::unordered_map<uint64_t, int64_t> seconds_;
+    std::pair<const uint64_t, int64_t> *latest_ = nullptr; ///< nodes stay where they are
+};
+
 /** Everything in it is guarded by `mutex`, which is never held while anything of the host's is called. */
 struct ErrorState {
     std::mutex mutex;
@@ -48,18 +77,14 @@ struct ErrorState {
     std::deque<std::string> alertFiles;
     std::list<ErrorRecord> pending;
     ErrorCounters counters{};
-    /** Second at which a pair was last filed or repeated, by repeatKey(). */
-    std::unordered_map<uint64_t, int64_t> lastSeen;
+    /** Records to be filled again, so that memory that was just used serves the next errors. */
+    std::list<ErrorRecord> spare;
+    RepeatFilter repeats;
     VxErrDspFn displayHook = nullptr;
 };
 
 /** Outlives every static object, since those may log in their destructors. */
 ErrorState &errorState() noexcept;
-
-inline uint64_t repeatKey(int32_t marker, int32_t number) noexcept
-{
-    return uint64_t{static_cast<uint32_t>(marker)} << 32 | static_cast<uint32_t>(number);
-}
 
 /** A thread's own say in whether its errors are filed. */
 struct Suppression {

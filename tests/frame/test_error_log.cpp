@@ -420,6 +420,7 @@ TEST_F(Log, FilingAgreesWithAModelOverTime)
     std::vector<int32_t> filed;
     Counts counts(0, 0, 0);
     int64_t now = 5000;
+    setSecond(now);
     int depth = 0;
     for (int step = 0; step < 20000; ++step) {
         auto marker = -1 - static_cast<int32_t>(random() % 3), number = static_cast<int32_t>(random() % 5);
