@@ -94,7 +94,7 @@ TEST_F(File, NamesThatDoNotFitTheirFolderFail)
 
 TEST_F(File, NumbersEndAt999)
 {
-    char name[16];
+    char name[32];
     for (int n = 1; n < 1000; ++n) {
         snprintf(name, sizeof name, "t%03d.x", n);
         folder.write(name, "");

@@ -84,7 +84,7 @@ TEST_F(PathDisk, WritabilityIsTriedOutAndLeavesNothingBehind)
         return VxPathAccess("\\proc") == 1 || VxPathAccess("\\") == 1;
     }));
     for (int n = 2; n < 1000; ++n) {
-        char name[16];
+        char name[32];
         snprintf(name, sizeof name, "temp%03d.txt", n);
         folder.write(name, "");
     }

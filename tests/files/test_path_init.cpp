@@ -169,34 +169,40 @@ TEST_F(PathInit, WhatTheSystemRefusesIsLoggedAndTheStartGoesOn)
 
 TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
 {
-    goTo("anywhere");
-    files::pathState = {};
-    strcpy(files::pathState.root, "old root");
-    strcpy(files::pathState.install, "old install");
-    strcpy(VgPathUserFolder, "old user");
     folders.folders[9].clear();
     folders.folders[10].clear();
-    for (const char *place : {"anywhere", "x/Release"}) {
-        goTo(place);
-        uint32_t result = 0;
-        test::eachRefusal(
-            fault::Kind::allocation, nullptr, [&] { result = VxPathInit(); },
-            [&](bool refused) {
-                if (result == 0)
-                    return;
-                EXPECT_TRUE(refused);
-                EXPECT_THAT(registered(), ElementsAre());
-                EXPECT_STREQ(files::pathState.root, "old root");
-                EXPECT_STREQ(files::pathState.install, "old install");
-                EXPECT_STREQ(VgPathUserFolder, "old user");
-                EXPECT_EQ(fs::current_path(), folder.native() / place);
-            });
-        EXPECT_EQ(result, 0u);
+    fs::path place;
+    auto reset = [&] {
         VxPathFree();
         strcpy(files::pathState.root, "old root");
         strcpy(files::pathState.install, "old install");
         strcpy(VgPathUserFolder, "old user");
-    }
+        fs::current_path(place);
+        fs::remove_all(folder.native() / "home");
+    };
+    int failures = 0;
+    for (const char *name : {"anywhere", "x/Release"})
+        for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
+            goTo(name);
+            place = fs::current_path();
+            reset();
+            uint32_t result = 0;
+            test::eachRefusal(
+                kind, nullptr, [&] { result = VxPathInit(); },
+                [&](bool refused) {
+                    EXPECT_TRUE(refused || result == 0);
+                    if (result != 0) {
+                        ++failures;
+                        EXPECT_THAT(registered(), ElementsAre());
+                        EXPECT_STREQ(files::pathState.root, "old root");
+                        EXPECT_STREQ(files::pathState.install, "old install");
+                        EXPECT_STREQ(VgPathUserFolder, "old user");
+                        EXPECT_EQ(fs::current_path(), place);
+                    }
+                    reset();
+                });
+        }
+    EXPECT_GE(failures, 4) << "four directories and a folder need memory and the system";
 }
 
 }
