@@ -102,7 +102,7 @@ TALM_BASE_API void EsPut(int32_t category, int32_t type, const char *format, ...
 /** Write a record. */
 TALM_BASE_API void EsLog(int32_t category, int32_t level, const char *format, ...) TALM_PRINTF(3, 4);
 
-/** Write a record under a name of at most 63 bytes; "Tools" belongs to category 6, all others to category 0. */
+/** Write a record under a name of at most 63 bytes: "Tools" is category 6, all others are category 0. */
 TALM_BASE_API void EsLogGeneral(const char *source, int32_t level, const char *format, ...)
     TALM_PRINTF(3, 4);
 

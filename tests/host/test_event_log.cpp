@@ -140,7 +140,8 @@ TEST(EventLog, SectionsIndentUnderTheirHeadingsAndEmptyOnesLeaveNoTrace)
     EsLeave(EsLevelInformation);
     EsLeave(EsLevelInformation);
     say("d");
-    EXPECT_THAT(log.texts(), ElementsAre("outer", "  inner", "    a", "    b", "of another thread", "    c", "d"));
+    EXPECT_THAT(log.texts(), ElementsAre("outer", "  inner", "    a", "    b",
+                                         "of another thread", "    c", "d"));
 }
 
 TEST(EventLog, OnlyARepetitionFurtherInIsLeftOut)

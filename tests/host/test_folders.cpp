@@ -32,12 +32,12 @@ TEST(UserFolders, LieInTheUsersFolderInTheToolkitsSpelling)
 
 TEST(UserFolders, TheEnvironmentDecidesVariableByVariable)
 {
-    test::Environment user("VX_USER_DIR", nullptr), home("HOME", "/home/ann"), profile("USERPROFILE", nullptr);
+    test::Environment user("VX_USER_DIR", nullptr), home("HOME", "/home/ann");
     EXPECT_EQ(folderOf(9), "\\home\\ann\\.local\\share\\vx\\user");
     test::Environment templates("VX_FOLDER_10", "/opt/templates"), own("VX_FOLDER_77", "D:\\own");
     EXPECT_EQ(folderOf(10), "\\opt\\templates");
     EXPECT_EQ(folderOf(77), "D:\\own");
-    test::Environment noHome("HOME", nullptr);
+    test::Environment noHome("HOME", nullptr), noProfile("USERPROFILE", nullptr);
     EXPECT_EQ(folderOf(9), "none");
     EXPECT_EQ(folderOf(10), "\\opt\\templates");
 }

@@ -58,8 +58,8 @@ TEST(OptionFile, KeysThatNoFileGivesBackAreRefused)
 /** Text of what makes option files difficult. */
 std::string randomText(std::mt19937 &random, size_t pieces)
 {
-    const std::string_view choices[] = {"A", "B", " ", "=", "=", "\n", "\n", "\r\n", "#", "\t", "x", "\xEF\xBB\xBF",
-                                        std::string_view("\0", 1), "\xE9"};
+    const std::string_view choices[] = {"A", "B", " ", "=", "=", "\n", "\n", "\r\n", "#", "\t", "x",
+                                        "\xEF\xBB\xBF", std::string_view("\0", 1), "\xE9"};
     std::string out;
     for (size_t i = random() % (pieces + 1); i > 0; --i)
         out += choices[random() % std::size(choices)];

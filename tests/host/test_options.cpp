@@ -207,6 +207,11 @@ TEST_F(Options, ALockLeftBehindByACrashDoesNotStopTheUser)
     EXPECT_FALSE(fs::exists(path(0) + ".lock"));
 }
 
+std::string keyOf(int process, int option)
+{
+    return "P" + std::to_string(process) + "." + std::to_string(option);
+}
+
 TEST_F(Options, ProcessesThatStoreAtOnceKeepEachOthersOptions)
 {
     constexpr int processes = 4, each = 20;
@@ -217,7 +222,7 @@ TEST_F(Options, ProcessesThatStoreAtOnceKeepEachOthersOptions)
         if (child == 0) {
             uint32_t failures = 0;
             for (int i = 0; i < each; ++i)
-                failures += GetIConfigMgr()->SetValue(("P" + std::to_string(p) + "." + std::to_string(i)).c_str(), "1");
+                failures += GetIConfigMgr()->SetValue(keyOf(p, i).c_str(), "1");
             _exit(failures ? 1 : 0);
         }
         children.push_back(child);
@@ -230,7 +235,7 @@ TEST_F(Options, ProcessesThatStoreAtOnceKeepEachOthersOptions)
     ASSERT_TRUE(GetIConfigMgr()->Load(0));
     for (int p = 0; p < processes; ++p)
         for (int i = 0; i < each; ++i)
-            EXPECT_EQ(value(("P" + std::to_string(p) + "." + std::to_string(i)).c_str()), "1") << p << ' ' << i;
+            EXPECT_EQ(value(keyOf(p, i).c_str()), "1") << keyOf(p, i);
 }
 
 TEST_F(Options, ThreadsReadWhileOneWritesAndLoads)
@@ -255,7 +260,8 @@ TEST_F(Options, ThreadsReadWhileOneWritesAndLoads)
 
 TEST_F(Options, WithoutMemoryTheAnswerIsAFailureAndNothingElse)
 {
-    folder.write(name(0), "A = a value that is too long to stand in a string itself\n");
+    const std::string before = "A = a value that is too long to stand in a string itself\n";
+    folder.write(name(0), before);
     const char *fresh = "another value that is too long to stand in a string itself";
     uint32_t stored = 1;
     test::refusingEachAllocation([&] {
@@ -272,8 +278,7 @@ TEST_F(Options, WithoutMemoryTheAnswerIsAFailureAndNothingElse)
         std::free(text);
     });
     EXPECT_EQ(stored, 0U);
-    EXPECT_EQ(folder.read(name(0)), std::string("A = a value that is too long to stand in a string itself\nB = ") +
-                                        fresh + "\n");
+    EXPECT_EQ(folder.read(name(0)), before + "B = " + fresh + "\n");
 }
 
 TEST_F(Options, WithoutAChoiceTheFilesLieInTheUsersFolderAndBesideTheProgram)
