@@ -90,8 +90,9 @@ TEST(Limits, AThousandLevelsMayBeOpen)
         const char *open, *core, *close;
         int inner; ///< levels of the core
     };
-    const Form forms[] = {{"(", "1", ")", 0}, {"1+2*(-", "a", ")", 0}, {"1^", "1", "", 0},
-                          {"1 then ", "1", "", 0}, {"0 then 1 else ", "1", "", 0}, {"!(0|0&1<(", "1", "))", 0}};
+    const Form forms[] = {
+        {"(", "1", ")", 0},      {"1+2*(-", "a", ")", 0},        {"1^", "1", "", 0},
+        {"1 then ", "1", "", 0}, {"0 then 1 else ", "1", "", 0}, {"!(0|0&1<(", "1", "))", 0}};
     for (const Form &form : forms) {
         int levels = std::string(form.open) == "!(0|0&1<(" ? 2 : 1;
         std::string last = nested(form.open, form.core, form.close, 1000 / levels);
@@ -99,7 +100,8 @@ TEST(Limits, AThousandLevelsMayBeOpen)
             EXPECT_EQ(parseError(last), 0) << form.open;
             Variables variables({{"a", {1, 0, 0, 0, 1}}});
             EXPECT_EQ(evaluate(last).error, 0) << form.open;
-            EXPECT_EQ(parseError(nested(form.open, form.core, form.close, 1000 / levels + 1)), 51) << form.open;
+            EXPECT_EQ(parseError(nested(form.open, form.core, form.close, 1000 / levels + 1)), 51)
+                << form.open;
             EXPECT_EQ(parseError(nested(form.open, form.core, form.close, 100000)), 51) << form.open;
         });
     }
