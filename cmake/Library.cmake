@@ -36,8 +36,8 @@ set_target_properties(vxtools PROPERTIES
     SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "\$ORIGIN")
 target_link_options(vxtools PRIVATE LINKER:-Bsymbolic-functions
-    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/vxtools.map)
-set_property(TARGET vxtools APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/vxtools.map)
+    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/library_templates.map)
+set_property(TARGET vxtools APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/library_templates.map)
 if(NOT VX_SANITIZE)
     target_link_options(vxtools PRIVATE LINKER:-z,defs)
 endif()
