@@ -23,8 +23,8 @@
 namespace {
 
 struct Formula {
-    const char *text;   ///< as the toolkit and muParser read it; angles in radians
-    const char *occ;    ///< as Open CASCADE reads it
+    const char *text; ///< as the toolkit and muParser read it; angles in radians
+    const char *occ;  ///< as Open CASCADE reads it
 };
 
 // Spellings differ only where a parser knows no other name for a function.
@@ -35,7 +35,8 @@ constexpr Formula formulas[] = {
     {"sqrt(width^2+height^2)+wall/2", nullptr},
     {"module*teeth*cos(angle)/2", nullptr},
     {"2*length+pi*(diameter+wall)/2+(diameter-wall)^2/(4*length)", nullptr},
-    {"length-2*(radius+wall)+pi*angle*(radius+0.44*wall)/180", "length-2*(radius+wall)+pi*angle*(radius+0.44*wall)/180"},
+    {"length-2*(radius+wall)+pi*angle*(radius+0.44*wall)/180",
+     "length-2*(radius+wall)+pi*angle*(radius+0.44*wall)/180"},
     {"7.85e-6*width*height*length*(1-0.05)", "0.00000785*width*height*length*(1-0.05)"},
     {"offset+sin(angle)*radius-tan(angle/2)*wall+1.25", nullptr},
 };
@@ -46,8 +47,9 @@ struct Variable {
 };
 
 constexpr Variable variables[] = {
-    {"width", 120.0}, {"height", 80.0}, {"wall", 3.0},    {"teeth", 24.0},  {"module", 2.5}, {"diameter", 60.0},
-    {"length", 250.0}, {"angle", 0.35}, {"radius", 12.0}, {"offset", 5.5},  {"pi", 3.14159265358979},
+    {"width", 120.0},         {"height", 80.0},  {"wall", 3.0},   {"teeth", 24.0},  {"module", 2.5},
+    {"diameter", 60.0},       {"length", 250.0}, {"angle", 0.35}, {"radius", 12.0}, {"offset", 5.5},
+    {"pi", 3.14159265358979},
 };
 
 const char *occText(const Formula &formula)

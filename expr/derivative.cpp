@@ -47,15 +47,9 @@ bool deriveOne(int32_t code, Operands &of, double &result)
     double u = code == op::leaf ? 0.0 : of.u();
     double radians = u * radiansPerDegree;
     switch (code) {
-    case op::leaf:
-        result = of.du();
-        return true;
-    case op::sin:
-        result = std::cos(radians) * of.du();
-        return true;
-    case op::cos:
-        result = -std::sin(radians) * of.du();
-        return true;
+    case op::leaf: result = of.du(); return true;
+    case op::sin: result = std::cos(radians) * of.du(); return true;
+    case op::cos: result = -std::sin(radians) * of.du(); return true;
     case op::tan: {
         double cosine = std::cos(radians);
         result = of.du() / (cosine * cosine);
@@ -65,61 +59,33 @@ bool deriveOne(int32_t code, Operands &of, double &result)
     case op::acos:
         result = (code == op::asin ? of.du() : -of.du()) / std::sqrt(1.0 - u * u);
         return 1.0 - u * u > tolerance;
-    case op::atan:
-        result = of.du() / (u * u + 1.0);
-        return true;
-    case op::log:
-        result = of.du() / (std::log(10.0) * u);
-        return std::fabs(std::log(10.0) * u) >= tolerance;
-    case op::ln:
-        result = of.du() / u;
-        return !isZero(u);
-    case op::exp:
-        result = std::exp(u) * of.du();
-        return true;
-    case op::sqrt:
-        result = of.du() / (2.0 * std::sqrt(u));
-        return u > tolerance;
-    case op::abs:
-        result = std::fabs(u) * of.du() / u;
-        return !isZero(u);
-    case op::floor:
-        result = std::floor(u);
-        return true;
-    case op::round:
-        result = roundHalfAway(u);
-        return true;
-    case op::deg:
-        result = u / radiansPerDegree;
-        return true;
-    case op::rad:
-        result = u * radiansPerDegree;
-        return true;
-    default:
-        return false;
+    case op::atan: result = of.du() / (u * u + 1.0); return true;
+    case op::log: result = of.du() / (std::log(10.0) * u); return std::fabs(std::log(10.0) * u) >= tolerance;
+    case op::ln: result = of.du() / u; return !isZero(u);
+    case op::exp: result = std::exp(u) * of.du(); return true;
+    case op::sqrt: result = of.du() / (2.0 * std::sqrt(u)); return u > tolerance;
+    case op::abs: result = std::fabs(u) * of.du() / u; return !isZero(u);
+    case op::floor: result = std::floor(u); return true;
+    case op::round: result = roundHalfAway(u); return true;
+    case op::deg: result = u / radiansPerDegree; return true;
+    case op::rad: result = u * radiansPerDegree; return true;
+    default: return false;
     }
 }
 
 bool deriveTwo(int32_t code, Operands &of, double &result)
 {
     switch (code) {
-    case op::add:
-        result = of.du() + of.dv();
-        return true;
-    case op::subtract:
-        result = of.du() - of.dv();
-        return true;
-    case op::multiply:
-        result = of.dv() * of.u() + of.v() * of.du();
-        return true;
+    case op::add: result = of.du() + of.dv(); return true;
+    case op::subtract: result = of.du() - of.dv(); return true;
+    case op::multiply: result = of.dv() * of.u() + of.v() * of.du(); return true;
     case op::divide:
         result = (of.v() * of.du() - of.dv() * of.u()) / (of.v() * of.v());
         return !isZero(of.v());
     case op::power:
         result = std::pow(of.u(), of.v()) * (std::log(of.u()) * of.dv() + of.v() * of.du() / of.u());
         return of.u() > tolerance;
-    default:
-        return false;
+    default: return false;
     }
 }
 

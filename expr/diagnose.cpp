@@ -39,7 +39,8 @@ struct Tree {
 
     const NodePlace *placeOf(const VsCnsGenOp *node) const
     {
-        auto found = std::find_if(places.begin(), places.end(), [node](const NodePlace &p) { return p.node == node; });
+        auto found =
+            std::find_if(places.begin(), places.end(), [node](const NodePlace &p) { return p.node == node; });
         return node && found != places.end() ? &*found : nullptr;
     }
 };
@@ -198,7 +199,8 @@ uint32_t VxExprDimText(const VxDimNum *record, char *text, int32_t size)
         const char *name;
         double exponent;
     };
-    const Part parts[] = {{"length", record->len_exp}, {"angle", record->ang_exp}, {"mass", record->mass_exp}};
+    const Part parts[] = {
+        {"length", record->len_exp}, {"angle", record->ang_exp}, {"mass", record->mass_exp}};
     std::string all;
     for (const Part &part : parts) {
         if (isZero(part.exponent))

@@ -25,7 +25,7 @@ uint32_t VxGenExEvalUnit(int32_t unitClass, VxDimNum *record)
     struct Exponents {
         double length, angle, mass;
     };
-    static constexpr Exponents byClass[] = {{0, 0, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1},
+    static constexpr Exponents byClass[] = {{0, 0, 0},  {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1},
                                             {-3, 0, 1}, {2, 0, 0}, {3, 0, 0}, {2, 0, 1}};
     constexpr int32_t classes = sizeof byClass / sizeof *byClass;
     const Exponents &exponents = byClass[unitClass >= 0 && unitClass < classes ? unitClass : 0];

@@ -66,7 +66,8 @@ struct Number {
     }
     void classify() noexcept
     {
-        plain = record.factor == 1.0 && record.len_exp == 0.0 && record.ang_exp == 0.0 && record.mass_exp == 0.0;
+        plain =
+            record.factor == 1.0 && record.len_exp == 0.0 && record.ang_exp == 0.0 && record.mass_exp == 0.0;
     }
 };
 
@@ -77,28 +78,14 @@ struct Number {
 bool applyToPlain(int32_t code, double l, double r, double &result) noexcept
 {
     switch (code) {
-    case op::add:
-        result = l + r;
-        return true;
-    case op::subtract:
-        result = l - r;
-        return true;
-    case op::multiply:
-        result = l * r;
-        return true;
-    case op::divide:
-        result = l / r;
-        return !isZero(r);
-    case op::power:
-        return raise(l, r, result) == 0;
-    case op::less:
-        result = l < r ? 1.0 : 0.0;
-        return true;
-    case op::greater:
-        result = l > r ? 1.0 : 0.0;
-        return true;
-    default:
-        return false;
+    case op::add: result = l + r; return true;
+    case op::subtract: result = l - r; return true;
+    case op::multiply: result = l * r; return true;
+    case op::divide: result = l / r; return !isZero(r);
+    case op::power: return raise(l, r, result) == 0;
+    case op::less: result = l < r ? 1.0 : 0.0; return true;
+    case op::greater: result = l > r ? 1.0 : 0.0; return true;
+    default: return false;
     }
 }
 
@@ -275,7 +262,8 @@ bool loadLeaf(const VsCnsGenOp *node, int32_t slot, const Settings &settings, Vx
     return fail(failure, error::undefinedVariable, node, slot);
 }
 
-bool applyNode(const VsCnsGenOp *node, const Settings &settings, VxDimNum *operands, EvalFailure &failure) noexcept
+bool applyNode(const VsCnsGenOp *node, const Settings &settings, VxDimNum *operands,
+               EvalFailure &failure) noexcept
 {
     if (node->op == op::unit)
         return applyUnitNode(node, operands[0], failure);
@@ -294,7 +282,8 @@ void adoptExpected(const VsCnsGenOp *last, const Settings &settings, VxDimNum &r
     result.factor = settings.expected.factor;
 }
 
-bool evaluate(const VsCnsGenOp *tree, const Settings &settings, VxDimNum &result, EvalFailure &failure) noexcept
+bool evaluate(const VsCnsGenOp *tree, const Settings &settings, VxDimNum &result,
+              EvalFailure &failure) noexcept
 {
     Walk walk(settings, failure);
     if (!walk.run(tree, result))

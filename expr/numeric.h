@@ -11,7 +11,8 @@ namespace vx::expr {
  * @param failure receives why and where; nothing is reported
  * @return whether there is a result
  */
-bool evaluate(const VsCnsGenOp *tree, const Settings &settings, VxDimNum &result, EvalFailure &failure) noexcept;
+bool evaluate(const VsCnsGenOp *tree, const Settings &settings, VxDimNum &result,
+              EvalFailure &failure) noexcept;
 
 /** The number in an operand slot, sub-trees included. */
 bool evaluateSlot(const VsCnsGenOp *node, int32_t slot, const Settings &settings, VxDimNum &result,
@@ -22,7 +23,8 @@ bool loadLeaf(const VsCnsGenOp *node, int32_t slot, const Settings &settings, Vx
               EvalFailure &failure) noexcept;
 
 /** One node applied to its operands, as many as it has; `operands[0]` receives the result. */
-bool applyNode(const VsCnsGenOp *node, const Settings &settings, VxDimNum *operands, EvalFailure &failure) noexcept;
+bool applyNode(const VsCnsGenOp *node, const Settings &settings, VxDimNum *operands,
+               EvalFailure &failure) noexcept;
 
 /** A sum of plain numbers, when it is the result, is one in the expected unit. */
 void adoptExpected(const VsCnsGenOp *last, const Settings &settings, VxDimNum &result) noexcept;

@@ -41,25 +41,18 @@ int32_t applyTrigonometric(const Settings &settings, int32_t code, VxDimNum &res
 {
     double x = trigonometricArgument(settings, result);
     switch (code) {
-    case op::sin:
-        return give(result, std::sin(x));
-    case op::cos:
-        return give(result, std::cos(x));
-    case op::cot:
-        return isWhole(x / pi) ? error::straightAngle : give(result, 1.0 / std::tan(x));
-    default:
-        break;
+    case op::sin: return give(result, std::sin(x));
+    case op::cos: return give(result, std::cos(x));
+    case op::cot: return isWhole(x / pi) ? error::straightAngle : give(result, 1.0 / std::tan(x));
+    default: break;
     }
     // The cosecant is refused where the secant is: kept as formulas know it.
     if (isWhole((x - pi / 2) / pi))
         return error::rightAngle;
     switch (code) {
-    case op::tan:
-        return give(result, std::tan(x));
-    case op::sec:
-        return give(result, 1.0 / std::cos(x));
-    default:
-        return give(result, 1.0 / std::sin(x));
+    case op::tan: return give(result, std::tan(x));
+    case op::sec: return give(result, 1.0 / std::cos(x));
+    default: return give(result, 1.0 / std::sin(x));
     }
 }
 
@@ -104,14 +97,10 @@ int32_t applyRounding(const Settings &settings, int32_t code, VxDimNum &result) 
     if (int32_t number = displayedValue(settings, result, value))
         return number;
     switch (code) {
-    case op::floor:
-        return give(result, std::floor(value));
-    case op::ceiling:
-        return give(result, std::ceil(value));
-    case op::round:
-        return give(result, roundHalfAway(value));
-    default:
-        return give(result, fractionOf(value));
+    case op::floor: return give(result, std::floor(value));
+    case op::ceiling: return give(result, std::ceil(value));
+    case op::round: return give(result, roundHalfAway(value));
+    default: return give(result, fractionOf(value));
     }
 }
 
@@ -154,18 +143,10 @@ int32_t applyAdditive(const Settings &settings, int32_t code, VxDimNum &left, co
         return number;
     left = common;
     switch (code) {
-    case op::add:
-        left.value = l + r;
-        break;
-    case op::subtract:
-        left.value = l - r;
-        break;
-    case op::max:
-        left.value = l > r ? l : r;
-        break;
-    default:
-        left.value = l < r ? l : r;
-        break;
+    case op::add: left.value = l + r; break;
+    case op::subtract: left.value = l - r; break;
+    case op::max: left.value = l > r ? l : r; break;
+    default: left.value = l < r ? l : r; break;
     }
     return ok;
 }
@@ -264,30 +245,18 @@ int32_t applyOne(const Settings &settings, int32_t code, VxDimNum &result) noexc
     case op::tan:
     case op::sec:
     case op::csc:
-    case op::cot:
-        return applyTrigonometric(settings, code, result);
-    case op::sinh:
-        return give(result, std::sinh(result.value));
-    case op::cosh:
-        return give(result, std::cosh(result.value));
-    case op::tanh:
-        return give(result, std::tanh(result.value));
-    case op::asin:
-        return std::fabs(x) > 1.0 ? error::arcArgument : giveAngle(result, std::asin(x));
-    case op::acos:
-        return std::fabs(x) > 1.0 ? error::arcArgument : giveAngle(result, std::acos(x));
-    case op::atan:
-        return giveAngle(result, std::atan(x));
-    case op::log:
-        return x <= tolerance ? error::logarithmArgument : give(result, std::log10(x));
-    case op::ln:
-        return x <= tolerance ? error::logarithmArgument : give(result, std::log(x));
-    case op::exp:
-        return give(result, std::exp(x));
-    case op::sqrt:
-        return squareRoot(result);
-    case op::negate:
-        return give(result, isZero(x) ? 1.0 : 0.0);
+    case op::cot: return applyTrigonometric(settings, code, result);
+    case op::sinh: return give(result, std::sinh(result.value));
+    case op::cosh: return give(result, std::cosh(result.value));
+    case op::tanh: return give(result, std::tanh(result.value));
+    case op::asin: return std::fabs(x) > 1.0 ? error::arcArgument : giveAngle(result, std::asin(x));
+    case op::acos: return std::fabs(x) > 1.0 ? error::arcArgument : giveAngle(result, std::acos(x));
+    case op::atan: return giveAngle(result, std::atan(x));
+    case op::log: return x <= tolerance ? error::logarithmArgument : give(result, std::log10(x));
+    case op::ln: return x <= tolerance ? error::logarithmArgument : give(result, std::log(x));
+    case op::exp: return give(result, std::exp(x));
+    case op::sqrt: return squareRoot(result);
+    case op::negate: return give(result, isZero(x) ? 1.0 : 0.0);
     case op::abs:
         result.value = std::fabs(x);
         result.factor = 1.0;
@@ -295,16 +264,11 @@ int32_t applyOne(const Settings &settings, int32_t code, VxDimNum &result) noexc
     case op::floor:
     case op::mod:
     case op::ceiling:
-    case op::round:
-        return applyRounding(settings, code, result);
-    case op::deg:
-        return toDegrees(result);
-    case op::rad:
-        return give(result, settings.radians ? x : x * radiansPerDegree);
-    case op::leaf:
-        return ok;
-    default:
-        return error::notEvaluable;
+    case op::round: return applyRounding(settings, code, result);
+    case op::deg: return toDegrees(result);
+    case op::rad: return give(result, settings.radians ? x : x * radiansPerDegree);
+    case op::leaf: return ok;
+    default: return error::notEvaluable;
     }
 }
 
@@ -314,30 +278,19 @@ int32_t applyTwo(const Settings &settings, int32_t code, VxDimNum &l, const VxDi
     case op::add:
     case op::subtract:
     case op::max:
-    case op::min:
-        return applyAdditive(settings, code, l, r);
-    case op::multiply:
-        return multiply(l, r);
+    case op::min: return applyAdditive(settings, code, l, r);
+    case op::multiply: return multiply(l, r);
     case op::divide:
-    case op::mod2:
-        return divide(code, l, r);
-    case op::power:
-        return raiseQuantity(l, r);
-    case op::atan2:
-        return giveAngle(l, std::atan2(magnitude(l), magnitude(r)));
+    case op::mod2: return divide(code, l, r);
+    case op::power: return raiseQuantity(l, r);
+    case op::atan2: return giveAngle(l, std::atan2(magnitude(l), magnitude(r)));
     case op::less:
-    case op::greater:
-        return applyOrder(settings, code, l, r);
-    case op::equal:
-        return applyEqual(settings, l, r);
-    case op::both:
-        return give(l, !isZero(magnitude(l)) && !isZero(magnitude(r)) ? 1.0 : 0.0);
-    case op::either:
-        return give(l, !isZero(magnitude(l)) || !isZero(magnitude(r)) ? 1.0 : 0.0);
-    case op::dec:
-        return roundToDecimals(settings, l, r);
-    default:
-        return error::notEvaluable;
+    case op::greater: return applyOrder(settings, code, l, r);
+    case op::equal: return applyEqual(settings, l, r);
+    case op::both: return give(l, !isZero(magnitude(l)) && !isZero(magnitude(r)) ? 1.0 : 0.0);
+    case op::either: return give(l, !isZero(magnitude(l)) || !isZero(magnitude(r)) ? 1.0 : 0.0);
+    case op::dec: return roundToDecimals(settings, l, r);
+    default: return error::notEvaluable;
     }
 }
 

@@ -17,7 +17,7 @@ struct EvalFailure {
     int32_t operand = -1;
     const char *name = nullptr; ///< of a variable that nobody supplied
     bool hasDimensions = false;
-    VxDimNum left, right; ///< when hasDimensions
+    VxDimNum left, right;                ///< when hasDimensions
     int32_t leftKind = 0, rightKind = 0; ///< of values that do not go together
 };
 
@@ -41,8 +41,8 @@ enum EvalNumber : int32_t {
 struct Settings {
     VxDimNum expected; ///< dimension and display factor that the caller wants
     bool expectsDimension;
-    bool radians;      ///< arguments of trigonometric functions come in radians
-    void *ctx1;        ///< passed on to variable look-ups
+    bool radians; ///< arguments of trigonometric functions come in radians
+    void *ctx1;   ///< passed on to variable look-ups
     void *ctx2;
 };
 

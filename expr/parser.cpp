@@ -94,23 +94,17 @@ Parser::State Parser::readOperand(bool signs)
 {
     const Token &token = tokens_.token();
     switch (token.type) {
-    case TokenType::number:
-        return leafNumber();
-    case TokenType::name:
-        constant_ = false;
-        return leafText(kind::variable);
-    case TokenType::text:
-        return leafText(kind::text);
-    case TokenType::function:
-        return openCall();
+    case TokenType::number: return leafNumber();
+    case TokenType::name: constant_ = false; return leafText(kind::variable);
+    case TokenType::text: return leafText(kind::text);
+    case TokenType::function: return openCall();
     case TokenType::operation:
         if (token.operation == '(')
             return openGroup();
         if (signs && (token.operation == '-' || token.operation == '+' || token.operation == '!'))
             return openSign();
         return failAtToken(error::operandExpected);
-    case TokenType::end:
-        break;
+    case TokenType::end: break;
     }
     return token.unreadable ? failAtToken(error::operandExpected) : missingOperand();
 }
@@ -240,16 +234,12 @@ Parser::State Parser::readOperation(bool powers)
     if (token.type != TokenType::operation)
         return leftOver();
     switch (token.operation) {
-    case '^':
-        return powers ? pushBinary(op::power, power) : leftOver();
-    case '.':
-        return suffix();
+    case '^': return powers ? pushBinary(op::power, power) : leftOver();
+    case '.': return suffix();
     case '*':
-    case '/':
-        return reduce(product) ? pushBinary(operationCode(token.operation), product) : State::failed;
+    case '/': return reduce(product) ? pushBinary(operationCode(token.operation), product) : State::failed;
     case '+':
-    case '-':
-        return reduce(sum) ? pushBinary(operationCode(token.operation), sum) : State::failed;
+    case '-': return reduce(sum) ? pushBinary(operationCode(token.operation), sum) : State::failed;
     case '<':
     case '>':
     case '=':
@@ -259,16 +249,11 @@ Parser::State Parser::readOperation(bool powers)
             return leftOver();
         return pushBinary(operationCode(token.operation), comparison);
     case '&':
-    case '|':
-        return reduce(logical) ? pushBinary(operationCode(token.operation), logical) : State::failed;
-    case 't':
-        return thenOperation();
-    case 'e':
-        return elseOperation();
-    case ')':
-        return closeGroup();
-    default:
-        return leftOver();
+    case '|': return reduce(logical) ? pushBinary(operationCode(token.operation), logical) : State::failed;
+    case 't': return thenOperation();
+    case 'e': return elseOperation();
+    case ')': return closeGroup();
+    default: return leftOver();
     }
 }
 

@@ -88,7 +88,15 @@ private:
     enum class State { operand, unsignedOperand, operation, operationNoPower, done, failed };
 
     // Higher binds tighter; parts of conditionals and brackets are never reduced by an operator.
-    enum Binding : uint8_t { none = 0, logical = 1, comparison = 2, sum = 3, product = 4, unary = 6, power = 7 };
+    enum Binding : uint8_t {
+        none = 0,
+        logical = 1,
+        comparison = 2,
+        sum = 3,
+        product = 4,
+        unary = 6,
+        power = 7
+    };
 
     struct Operand {
         VsCnsGenSlot slot;
@@ -100,16 +108,16 @@ private:
         enum Kind : uint8_t { binary, sign, thenPart, elsePart, group, call };
         Kind kind;
         Binding binding;
-        char operation;      ///< of a sign
-        uint8_t argument;    ///< of a call: the one that is read
-        uint16_t comma[2];   ///< of a call: from its parenthesis
-        uint16_t close;      ///< of a call: from its parenthesis
-        VsCnsGenOp *node;    ///< with the operands so far; null for a group and a sign
+        char operation;       ///< of a sign
+        uint8_t argument;     ///< of a call: the one that is read
+        uint16_t comma[2];    ///< of a call: from its parenthesis
+        uint16_t close;       ///< of a call: from its parenthesis
+        VsCnsGenOp *node;     ///< with the operands so far; null for a group and a sign
         const char *outerEnd; ///< of a call: where the text around it ends
-        const char *open;    ///< of a call: its parenthesis
-        Place place;         ///< of the operator
-        int32_t begin;       ///< offset at which the whole operation begins
-        int32_t record;      ///< in places_, or -1
+        const char *open;     ///< of a call: its parenthesis
+        Place place;          ///< of the operator
+        int32_t begin;        ///< offset at which the whole operation begins
+        int32_t record;       ///< in places_, or -1
     };
 
     State readOperand(bool signs);

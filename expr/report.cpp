@@ -32,15 +32,10 @@ void report(const EvalFailure &failure)
     int32_t id = VxToolsErrID();
     switch (failure.number) {
     case 0:
-    case error::noMemory:
-        return;
+    case error::noMemory: return;
     case error::notEvaluable:
-    case error::dimensions:
-        VxErrLogNum(id, failure.number, "", 0);
-        return;
-    case error::undefinedVariable:
-        VxErrLogFmt(id, failure.number, "", 0, failure.name);
-        return;
+    case error::dimensions: VxErrLogNum(id, failure.number, "", 0); return;
+    case error::undefinedVariable: VxErrLogFmt(id, failure.number, "", 0, failure.name); return;
     case error::unmatchedOperands:
         VxErrLogFmt(id, failure.number, "", 0, KindName(failure.leftKind), KindName(failure.rightKind));
         return;

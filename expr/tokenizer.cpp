@@ -68,18 +68,14 @@ int Delimiters::at(const char *p) const noexcept
         return 1;
     switch (c) {
     case 't':
-    case 'T':
-        return isKeyword(p, "then") ? keywordLength : 0;
+    case 'T': return isKeyword(p, "then") ? keywordLength : 0;
     case 'e':
-    case 'E':
-        return isKeyword(p, "else") ? keywordLength : 0;
+    case 'E': return isKeyword(p, "else") ? keywordLength : 0;
     case '.':
         // Coordinates (.x .y .z) belong to their name, exponents (.e) to their number.
         return is(p[1], letter) && p[1] != 'e' && (p[1] < 'x' || p[1] > 'z') ? 1 : 0;
-    case ',':
-        return commas_ ? 1 : 0;
-    default:
-        return static_cast<uint8_t>(c) < 0x80 ? 0 : text::spaceBytes(page_, p);
+    case ',': return commas_ ? 1 : 0;
+    default: return static_cast<uint8_t>(c) < 0x80 ? 0 : text::spaceBytes(page_, p);
     }
 }
 

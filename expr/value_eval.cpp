@@ -178,23 +178,17 @@ private:
     {
         Result result;
         switch (node->op) {
-        case op::leaf:
-            return leaf(node, 0);
+        case op::leaf: return leaf(node, 0);
         case op::vector:
             result.value = TsVector(component(node, 0), component(node, 1), component(node, 2));
             return result;
         case op::point:
             result.value = TsPoint(component(node, 0), component(node, 1), component(node, 2));
             return result;
-        case op::num2str:
-            result.value = format("%.7g", component(node, 0));
-            return result;
+        case op::num2str: result.value = format("%.7g", component(node, 0)); return result;
         case op::time:
-        case op::date:
-            result.value = now(node);
-            return result;
-        default:
-            break;
+        case op::date: result.value = now(node); return result;
+        default: break;
         }
         if (isGeometric(node))
             return askHost(geometricText(node), node, -1);
@@ -361,7 +355,8 @@ void evaluateValue(const VsCnsGenOp *tree, void *ctx1, void *ctx2, VxDimNum &num
 
 }
 
-uint32_t VxGenExEval(const VsCnsGenOp *tree, VxDimNum *number, HESKET::Talm::Tool::Evaluation::VxEvalValue *value)
+uint32_t VxGenExEval(const VsCnsGenOp *tree, VxDimNum *number,
+                     HESKET::Talm::Tool::Evaluation::VxEvalValue *value)
 {
     using namespace vx::expr;
     if (!tree || !number || !value)

@@ -29,18 +29,36 @@ TsPoint::TsPoint(const TsPoint &other) = default;
 TsPoint &TsPoint::operator=(const TsPoint &other) = default;
 TsPoint::~TsPoint() = default;
 
-double TsPoint::x() const { return x_; }
-double TsPoint::y() const { return y_; }
-double TsPoint::z() const { return z_; }
+double TsPoint::x() const
+{
+    return x_;
+}
+double TsPoint::y() const
+{
+    return y_;
+}
+double TsPoint::z() const
+{
+    return z_;
+}
 
 TsVector::TsVector(double x, double y, double z) : x_(x), y_(y), z_(z) {}
 TsVector::TsVector(const TsVector &other) = default;
 TsVector &TsVector::operator=(const TsVector &other) = default;
 TsVector::~TsVector() = default;
 
-double TsVector::x() const { return x_; }
-double TsVector::y() const { return y_; }
-double TsVector::z() const { return z_; }
+double TsVector::x() const
+{
+    return x_;
+}
+double TsVector::y() const
+{
+    return y_;
+}
+double TsVector::z() const
+{
+    return z_;
+}
 
 TsVector &TsVector::operator*=(double number)
 {
@@ -108,7 +126,10 @@ std::string ErrorUndefineVariable::Text() const
     return text;
 }
 
-ErrorUnmatchOperand::ErrorUnmatchOperand(int32_t leftKind, int32_t rightKind) : left(leftKind), right(rightKind) {}
+ErrorUnmatchOperand::ErrorUnmatchOperand(int32_t leftKind, int32_t rightKind)
+    : left(leftKind), right(rightKind)
+{
+}
 ErrorUnmatchOperand::~ErrorUnmatchOperand() = default;
 
 std::string ErrorUnmatchOperand::Text() const

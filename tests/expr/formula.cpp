@@ -24,19 +24,12 @@ std::string slotShape(const VsCnsGenSlot &slot)
 {
     char number[32];
     switch (slot.kind) {
-    case 1:
-        return shape(static_cast<const VsCnsGenOp *>(slot.value.ptr));
-    case 2:
-        return static_cast<const char *>(slot.value.ptr);
-    case 6:
-        std::snprintf(number, sizeof number, "%.15g", slot.value.num);
-        return number;
-    case 7:
-        return '"' + std::string(static_cast<const char *>(slot.value.ptr)) + '"';
-    case 8:
-        return '.' + std::string(static_cast<const char *>(slot.value.ptr));
-    default:
-        return "?";
+    case 1: return shape(static_cast<const VsCnsGenOp *>(slot.value.ptr));
+    case 2: return static_cast<const char *>(slot.value.ptr);
+    case 6: std::snprintf(number, sizeof number, "%.15g", slot.value.num); return number;
+    case 7: return '"' + std::string(static_cast<const char *>(slot.value.ptr)) + '"';
+    case 8: return '.' + std::string(static_cast<const char *>(slot.value.ptr));
+    default: return "?";
     }
 }
 

@@ -19,7 +19,8 @@ struct Parsed {
     explicit Parsed(const std::string &text, bool extended = false)
     {
         VxErrDisable();
-        result = extended ? VxParseGeExExtended(text.c_str(), &tree) : VxParseGeEx(text.c_str(), &constant, &tree);
+        result =
+            extended ? VxParseGeExExtended(text.c_str(), &tree) : VxParseGeEx(text.c_str(), &constant, &tree);
         VxErrEnable();
     }
     ~Parsed() { VxGenExFree(&tree); }
@@ -31,7 +32,8 @@ struct Parsed {
     VsCnsGenOp *tree = nullptr;
 };
 
-/** A tree in prefix form: "(2 a 4)" is operation 2 on the name a and the number 4; texts in quotes, units after ".". */
+/** A tree in prefix form: "(2 a 4)" is operation 2 on the name a and the number 4; texts in quotes, units
+ * after ".". */
 std::string shape(const VsCnsGenOp *tree);
 
 /** The shape of a formula, or "refused". */

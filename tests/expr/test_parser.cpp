@@ -110,13 +110,13 @@ TEST(Parser, SaysWhatIsWrongAndWhere)
         int32_t number, offset, length;
     };
     const Wrong cases[] = {
-        {"12a", 46, 0, 3},      {"1+2,5", 46, 2, 3},    {"1+", 47, 1, 1},       {"-", 47, 0, 1},
-        {"a then", 47, 2, 4},   {"1+2*", 47, 3, 1},     {"(1+2", 48, 0, 1},     {"(", 48, 0, 1},
-        {"(1<2<3)", 48, 4, 1},  {"sin(1", 48, 0, 3},    {"*2", 49, 0, 1},       {"2^-1", 49, 2, 1},
-        {"--2", 49, 1, 1},      {"()", 49, 1, 1},       {"1+_a", 49, 2, 0},     {"max(1)", 49, 5, 1},
-        {"1<2<3", 52, 3, 1},    {"sin (30)", 52, 4, 1}, {"3.cm^2", 52, 4, 1},   {"1 2", 52, 2, 1},
-        {"1%2", 52, 1, 1},      {"sin(1 2)", 52, 6, 1}, {"1 else 2", 52, 2, 4}, {"1\n+2", 52, 1, 1},
-        {"max(1,2a)", 46, 6, 2}, {"", 49, 0, 0},        {"sin()", 49, 4, 0},    {"1)", 52, 1, 1},
+        {"12a", 46, 0, 3},       {"1+2,5", 46, 2, 3},    {"1+", 47, 1, 1},       {"-", 47, 0, 1},
+        {"a then", 47, 2, 4},    {"1+2*", 47, 3, 1},     {"(1+2", 48, 0, 1},     {"(", 48, 0, 1},
+        {"(1<2<3)", 48, 4, 1},   {"sin(1", 48, 0, 3},    {"*2", 49, 0, 1},       {"2^-1", 49, 2, 1},
+        {"--2", 49, 1, 1},       {"()", 49, 1, 1},       {"1+_a", 49, 2, 0},     {"max(1)", 49, 5, 1},
+        {"1<2<3", 52, 3, 1},     {"sin (30)", 52, 4, 1}, {"3.cm^2", 52, 4, 1},   {"1 2", 52, 2, 1},
+        {"1%2", 52, 1, 1},       {"sin(1 2)", 52, 6, 1}, {"1 else 2", 52, 2, 4}, {"1\n+2", 52, 1, 1},
+        {"max(1,2a)", 46, 6, 2}, {"", 49, 0, 0},         {"sin()", 49, 4, 0},    {"1)", 52, 1, 1},
     };
     for (const Wrong &c : cases) {
         VxExprDiag diag;
@@ -124,7 +124,8 @@ TEST(Parser, SaysWhatIsWrongAndWhere)
         EXPECT_EQ(diag.number, c.number) << c.text;
         EXPECT_EQ(diag.offset, c.offset) << c.text;
         EXPECT_EQ(diag.length, c.length) << c.text;
-        EXPECT_EQ(diag.token, std::string(c.text).substr(static_cast<size_t>(c.offset), static_cast<size_t>(c.length)));
+        EXPECT_EQ(diag.token,
+                  std::string(c.text).substr(static_cast<size_t>(c.offset), static_cast<size_t>(c.length)));
         Parsed parsed(c.text);
         EXPECT_EQ(parsed.result, 1U) << c.text;
         EXPECT_EQ(parsed.constant, 0) << c.text;
@@ -172,7 +173,8 @@ TEST(Parser, FillsNodesAndSlotsAsHostsReadThem)
     EXPECT_EQ(leaf.tree->argc, 1);
 }
 
-/** Bytes of a character whose trail byte looks like each of "[]\^|" and letters, where the page has such characters. */
+/** Bytes of a character whose trail byte looks like each of "[]\^|" and letters, where the page has such
+ * characters. */
 TEST(Parser, TakesNoTrailByteForAnOperator)
 {
     const int32_t pages[] = {932, 936, 949, 950, 1252, 65001};
@@ -217,7 +219,8 @@ TEST(Parser, SurvivesNoise)
         for (int run = 0; run < 20000; ++run) {
             std::string noise;
             for (size_t n = random() % 40; n > 0; --n)
-                noise += random() % 3 ? pieces[random() % pieces.size()] : static_cast<char>(1 + random() % 255);
+                noise +=
+                    random() % 3 ? pieces[random() % pieces.size()] : static_cast<char>(1 + random() % 255);
             VxExprDiag diag;
             uint32_t result = VxExprDiagParse(noise.c_str(), run & 1, 1, &diag);
             ASSERT_EQ(result == 0, diag.number == 0);

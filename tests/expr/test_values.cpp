@@ -38,7 +38,8 @@ std::string valueOf(const std::string &text)
     VxExprDiag diag;
     if (VxExprDiagEvalValue(text.c_str(), nullptr, nullptr, 1, &number, &value, &diag) == 0)
         return shown(value);
-    return '(' + std::to_string(diag.number) + (*diag.left ? std::string(" ") + diag.left + ' ' + diag.right : "") + ')';
+    return '(' + std::to_string(diag.number) +
+           (*diag.left ? std::string(" ") + diag.left + ' ' + diag.right : "") + ')';
 }
 
 struct Case {
@@ -83,10 +84,11 @@ TEST(Values, CombineByTheirKinds)
 TEST(Values, OfTextFunctions)
 {
     const Case cases[] = {
-        {"num2str(1/3)", "'0.3333333'"}, {"num2str(2.cm)", "'20'"},      {"\"d=\"+num2str(1e10)", "'d=1e+10'"},
-        {"substr(\"abcdef\",2,3)", "'cde'"}, {"substr(\"abc\",1,9)", "'bc'"}, {"substr(\"abc\",9,1)", "''"},
-        {"substr(\"abc\",,2)", "'ab'"},  {"substr(\"a\"+\"bc\",1,1)", "'b'"}, {"substr(\"abc\",1+1,1)", "(50)"},
-        {"substr(5,1,1)", "(50)"},
+        {"num2str(1/3)", "'0.3333333'"},       {"num2str(2.cm)", "'20'"},
+        {"\"d=\"+num2str(1e10)", "'d=1e+10'"}, {"substr(\"abcdef\",2,3)", "'cde'"},
+        {"substr(\"abc\",1,9)", "'bc'"},       {"substr(\"abc\",9,1)", "''"},
+        {"substr(\"abc\",,2)", "'ab'"},        {"substr(\"a\"+\"bc\",1,1)", "'b'"},
+        {"substr(\"abc\",1+1,1)", "(50)"},     {"substr(5,1,1)", "(50)"},
     };
     for (const Case &c : cases)
         EXPECT_EQ(valueOf(c.text), c.expected) << c.text;
@@ -135,7 +137,8 @@ TEST(Values, OfGeometryComeFromTheHost)
 {
     Variables numbers;
     VxCbVarGetValObj(supplyObject);
-    for (const Case &c : {Case{"Dist(Pnt(edge 1))*2", "25"}, Case{"Ang(1+2)", "12.5"}, Case{"Dir(v)", "refused"}}) {
+    for (const Case &c :
+         {Case{"Dist(Pnt(edge 1))*2", "25"}, Case{"Ang(1+2)", "12.5"}, Case{"Dir(v)", "refused"}}) {
         Parsed parsed(c.text, true);
         VxDimNum number = plain;
         VxEvalValue value;
