@@ -195,6 +195,17 @@ TEST(Usage, helpAndVersionAreTexts)
     EXPECT_THAT(printed({"eval", "--version", "1"}), StartsWith("vxsh " VXSH_VERSION "\nVERNUM:"));
 }
 
+TEST(Usage, malformedOptionFilesAreWarnedOfAndNothingElse)
+{
+    TempFolder user;
+    user.write("options/user.opt", "Vx.EscapeCount=100\nno option at all\n");
+    Environment folder("VX_USER_DIR", user.native().c_str());
+    Outcome run = vxsh({"eval", "1"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "1\n");
+    EXPECT_THAT(run.err, AllOf(StartsWith("vxsh: warning: "), HasSubstr("user.opt, line 2: ")));
+}
+
 TEST(Usage, helpNeedsNothingOfTheToolkitsInstallation)
 {
     TempFolder bare;

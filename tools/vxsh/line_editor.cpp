@@ -1,5 +1,6 @@
 #include "tools/vxsh/line_editor.h"
 
+#include <clocale>
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
@@ -72,8 +73,11 @@ struct LineEditor::State {
     }
 };
 
-LineEditor::LineEditor(std::string historyFile) : state_(std::make_unique<State>())
+LineEditor::LineEditor(std::string historyFile)
 {
+    // Characters of several bytes are one to the editor only in the user's locale.
+    std::setlocale(LC_CTYPE, "");
+    state_ = std::make_unique<State>();
     state_->file = std::move(historyFile);
     state_->setUpHistory();
     state_->setUpEditor();

@@ -28,6 +28,8 @@ int work(const Options &options)
         std::fprintf(stderr, "vxsh: error: %s\n", session.failure().c_str());
         return failed;
     }
+    for (const std::string &text : Messages::take())
+        std::fprintf(stderr, "vxsh: warning: %s\n", text.c_str());
     return runCommand(options);
 }
 

@@ -16,14 +16,14 @@ struct Collected {
     std::vector<std::string> texts;
 } collected;
 
-bool tellsFailure(int32_t level)
+bool matters(int32_t level)
 {
-    return level == EsLevelError || level == EsLevelFailure;
+    return level == EsLevelWarning || level == EsLevelError || level == EsLevelFailure;
 }
 
 extern "C" void collect(void *, const EsRecord *record)
 {
-    if (!tellsFailure(record->level))
+    if (!matters(record->level))
         return;
     std::lock_guard guard(collected.lock);
     // An error is noted plainly and again in a section of its own.

@@ -8,7 +8,7 @@
 
 namespace vxsh {
 
-/** Collects the texts of the errors of this thread and of others while it lives. One at a time. */
+/** Collects the texts of errors and warnings of this thread and of others while it lives. One at a time. */
 class Messages {
 public:
     Messages();

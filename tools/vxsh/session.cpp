@@ -1,7 +1,7 @@
 #include "tools/vxsh/session.h"
 
 #include <algorithm>
-#include <clocale>
+#include <cstdlib>
 #include <iterator>
 #include <string_view>
 
@@ -38,12 +38,22 @@ const struct Module {
     {"memory reserve", VxMemInit, VxMemExit},
 };
 
-/** Where the user's locale names no code page, texts are taken for UTF-8. */
+/** The user's locale for characters, as the environment names it; empty for none. */
+std::string_view characterLocale()
+{
+    for (const char *name : {"LC_ALL", "LC_CTYPE", "LANG"})
+        if (const char *value = std::getenv(name); value && *value)
+            return value;
+    return "";
+}
+
+/** Texts are UTF-8 where the user's locale says so, installed or not, and where it names no code page. */
 void chooseCodePage()
 {
     constexpr int32_t utf8 = 65001;
-    const char *locale = std::setlocale(LC_CTYPE, "");
-    if (!locale || std::string_view(locale) == "C" || std::string_view(locale) == "POSIX")
+    std::string_view locale = characterLocale();
+    bool saysUtf8 = locale.ends_with("UTF-8") || locale.ends_with("utf8");
+    if (saysUtf8 || locale.empty() || locale == "C" || locale == "POSIX")
         VX::CodePageSet(utf8, utf8);
 }
 
