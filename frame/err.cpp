@@ -35,22 +35,32 @@ void noteOccurrence() noexcept
     std::atomic_ref<int32_t>(VgErrOccurred).store(1, std::memory_order_relaxed);
 }
 
-/** Count an error; true when it is to be filed, perhaps with a record to fill, false for a repeat. */
-bool admit(int32_t marker, int32_t number, int32_t severity, std::list<ErrorRecord> &one)
+/** Enter the time of a pair in the filter: true when it is to be filed, perhaps with a record to fill. */
+bool enter(uint64_t pair, int64_t now, std::list<ErrorRecord> &one)
 {
-    int64_t now = os::wallSeconds();
     ErrorState &state = errorState();
     std::scoped_lock lock(state.mutex);
-    ++state.counters.of(severity);
-    bool isNew;
-    int64_t &second = state.repeats.secondOf(marker, number, now, isNew);
-    int64_t difference = now - second;
-    second = now;
+    auto [entry, isNew] = state.repeats.try_emplace(pair, now);
+    int64_t difference = now - entry->second;
+    entry->second = now;
+    latestError = {pair, now, state.restarts};
     if (!isNew && difference < repeatSeconds && difference > -repeatSeconds)
         return false;
     if (!state.spare.empty())
         one.splice(one.begin(), state.spare, state.spare.begin());
     return true;
+}
+
+/** Count an error; true when it is to be filed, perhaps with a record to fill, false for a repeat. */
+bool admit(int32_t marker, int32_t number, int32_t severity, std::list<ErrorRecord> &one)
+{
+    ErrorState &state = errorState();
+    state.counters.of(severity).fetch_add(1, std::memory_order_relaxed);
+    uint64_t pair = pairOf(marker, number);
+    int64_t now = os::wallSeconds();
+    bool isRepeat = latestError.pair == pair && latestError.second == now &&
+                    latestError.log == state.restarts.load(std::memory_order_relaxed);
+    return !isRepeat && enter(pair, now, one);
 }
 
 /** Keep the end of the text, from a whole character on. */

@@ -183,17 +183,16 @@ int32_t VxErrIsLogged(int32_t id, int32_t number)
 
 uint32_t VxErrStatus(int32_t *errors, int32_t *warnings, int32_t *others)
 {
-    ErrorState &state = errorState();
-    std::scoped_lock lock(state.mutex);
-    auto readOrReset = [](int32_t *out, int32_t &counter) {
+    auto readOrReset = [](int32_t *out, std::atomic<int32_t> &counter) {
         if (out)
             *out = counter;
         else
             counter = 0;
     };
-    readOrReset(errors, state.counters.errors);
-    readOrReset(warnings, state.counters.warnings);
-    readOrReset(others, state.counters.others);
+    ErrorCounters &counters = errorState().counters;
+    readOrReset(errors, counters.errors);
+    readOrReset(warnings, counters.warnings);
+    readOrReset(others, counters.others);
     return 0;
 }
 

@@ -16,6 +16,7 @@ Immortal immortal;
 }
 
 thread_local constinit Suppression suppression;
+thread_local constinit LatestError latestError{};
 
 ErrorState &errorState() noexcept
 {
@@ -28,7 +29,8 @@ void resetErrorLog()
     std::scoped_lock lock(state.mutex);
     state.alertFiles.clear();
     state.pending.clear();
-    state.counters = {};
+    state.counters.clear();
+    ++state.restarts;
     state.spare.clear();
     state.repeats.clear();
     state.displayHook = nullptr;

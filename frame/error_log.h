@@ -2,6 +2,7 @@
 
 // What the error log keeps for the process and for each thread.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -9,7 +10,6 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
-#include <utility>
 
 #include "vx/err.h"
 
@@ -34,49 +34,43 @@ struct ErrorRecord {
     char text[maxErrorText + 8];
 };
 
+/** Counted without the lock: a repeat takes none. */
 struct ErrorCounters {
-    int32_t errors, warnings, others;
+    std::atomic<int32_t> errors, warnings, others;
 
-    int32_t &of(int32_t severity) noexcept
+    std::atomic<int32_t> &of(int32_t severity) noexcept
     {
         return severity == 0 ? errors : severity == 1 ? warnings : others;
     }
+
+    void clear() noexcept { errors = warnings = others = 0; }
 };
+
+inline uint64_t pairOf(int32_t marker, int32_t number) noexcept
+{
+    return uint64_t{static_cast<uint32_t>(marker)} << 32 | static_cast<uint32_t>(number);
+}
 
 /** When each pair of marker and number was last filed or repeated, in seconds. */
-class RepeatFilter {
-public:
-    /** The second of a pair, `now` when the pair is new. Repeats follow each other, so the latest is kept at hand. */
-    int64_t &secondOf(int32_t marker, int32_t number, int64_t now, bool &isNew)
-    {
-        uint64_t key = uint64_t{static_cast<uint32_t>(marker)} << 32 | static_cast<uint32_t>(number);
-        isNew = false;
-        if (!latest_ || latest_->first != key) {
-            auto [entry, inserted] = seconds_.try_emplace(key, now);
-            latest_ = &*entry;
-            isNew = inserted;
-        }
-        return latest_->second;
-    }
+using RepeatFilter = std::unordered_map<uint64_t, int64_t>;
 
-    void clear() noexcept
-    {
-        latest_ = nullptr;
-        seconds_.clear();
-    }
-
-private:
-    std::unordered_map<uint64_t, int64_t> seconds_;
-    std::pair<const uint64_t, int64_t> *latest_ = nullptr; ///< nodes stay where they are
+/** The error that a thread logged last. Within its second it needs no look at the filter: that has this time. */
+struct LatestError {
+    uint64_t pair;
+    int64_t second = INT64_MIN;
+    uint32_t log; ///< the log's number of restarts
 };
 
-/** Everything in it is guarded by `mutex`, which is never held while anything of the host's is called. */
+extern thread_local constinit LatestError latestError;
+
+/** All but the counters is guarded by `mutex`, which is never held while anything of the host's is called. */
 struct ErrorState {
     std::mutex mutex;
     /** Full paths, the id of a file being its index. Never shrinks, so that a path stays where it is. */
     std::deque<std::string> alertFiles;
     std::list<ErrorRecord> pending;
     ErrorCounters counters{};
+    std::atomic<uint32_t> restarts{0};
     /** Records to be filled again, so that memory that was just used serves the next errors. */
     std::list<ErrorRecord> spare;
     RepeatFilter repeats;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "heap/heap_state.h"
 #include "platform/os/fault.h"
@@ -193,10 +194,8 @@ uint32_t VxMemSmrtResize(int32_t size, void **block)
 
 uint32_t VxMemFree(void **block)
 {
-    if (!block)
-        return 0;
-    std::free(*block);
-    *block = nullptr;
+    if (block)
+        std::free(std::exchange(*block, nullptr));
     return 0;
 }
 
