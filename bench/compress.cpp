@@ -24,7 +24,7 @@ const std::vector<unsigned char> &megabyte()
         for (int32_t i = 0; all.size() < 1 << 20; ++i) {
             std::string line = "point " + std::to_string(i);
             for (int coordinate = 0; coordinate < 3; ++coordinate)
-                line += " " + std::to_string(random() % 10000 * 0.125);
+                line += " " + std::to_string(static_cast<double>(random() % 10000) * 0.125);
             line += '\n';
             all.insert(all.end(), line.begin(), line.end());
         }

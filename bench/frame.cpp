@@ -95,9 +95,8 @@ struct Heap {
  * A part at work: many blocks are alive, and one after the other, in no
  * order, is replaced by a new one, which is filled.
  */
-template <typename Allocator> void replaceBlocks(benchmark::State &state)
+template <typename Allocator> void replaceBlocks(benchmark::State &state, int32_t size)
 {
-    auto size = static_cast<int32_t>(state.range(0));
     std::vector<void *> blocks(1 << 16);
     for (void *&block : blocks)
         Allocator::allocate(size, &block);
@@ -117,9 +116,8 @@ template <typename Allocator> void replaceBlocks(benchmark::State &state)
 }
 
 /** One block, taken and given back at once: what the layer itself costs. */
-template <typename Allocator> void oneBlock(benchmark::State &state)
+template <typename Allocator> void oneBlock(benchmark::State &state, int32_t size)
 {
-    auto size = static_cast<int32_t>(state.range(0));
     void *block = nullptr;
     for (auto _ : state) {
         Allocator::allocate(size, &block);
@@ -130,12 +128,12 @@ template <typename Allocator> void oneBlock(benchmark::State &state)
 
 void registerMemory()
 {
-    for (int64_t size : {16, 72, 512}) {
+    for (int32_t size : {16, 72, 512}) {
         std::string bytes = std::to_string(size) + " bytes";
-        benchmark::RegisterBenchmark(("replace " + bytes + "/vx").c_str(), replaceBlocks<Toolkit>)->Arg(size);
-        benchmark::RegisterBenchmark(("replace " + bytes + "/malloc").c_str(), replaceBlocks<Heap>)->Arg(size);
-        benchmark::RegisterBenchmark(("one block of " + bytes + "/vx").c_str(), oneBlock<Toolkit>)->Arg(size);
-        benchmark::RegisterBenchmark(("one block of " + bytes + "/malloc").c_str(), oneBlock<Heap>)->Arg(size);
+        benchmark::RegisterBenchmark(("memory replace " + bytes + "/vx").c_str(), replaceBlocks<Toolkit>, size);
+        benchmark::RegisterBenchmark(("memory replace " + bytes + "/malloc").c_str(), replaceBlocks<Heap>, size);
+        benchmark::RegisterBenchmark(("memory one block of " + bytes + "/vx").c_str(), oneBlock<Toolkit>, size);
+        benchmark::RegisterBenchmark(("memory one block of " + bytes + "/malloc").c_str(), oneBlock<Heap>, size);
     }
 }
 

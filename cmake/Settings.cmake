@@ -4,7 +4,7 @@ target_compile_features(vxtools_settings INTERFACE cxx_std_20)
 target_compile_options(vxtools_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
     -Wformat=2 -Wno-format-nonliteral
-    -fno-semantic-interposition
+    -fno-semantic-interposition -fno-plt
     # Results are the same on every machine: no contraction of a*b + c.
     -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

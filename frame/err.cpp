@@ -21,9 +21,6 @@ namespace vx::frame {
 
 namespace {
 
-/** A repeat within fewer seconds than this is counted, not filed. */
-constexpr int64_t repeatSeconds = 1;
-
 bool escapeIsUnderWay() noexcept
 {
     // A monitor thread may set the flag.
@@ -35,32 +32,28 @@ void noteOccurrence() noexcept
     std::atomic_ref<int32_t>(VgErrOccurred).store(1, std::memory_order_relaxed);
 }
 
-/** Enter the time of a pair in the filter: true when it is to be filed, perhaps with a record to fill. */
+/**
+ * Enter the time of a pair in the filter: true when it is to be filed, perhaps
+ * with a record to fill. A repeat within the second is counted, not filed.
+ */
 bool enter(uint64_t pair, int64_t now, std::list<ErrorRecord> &one)
 {
     ErrorState &state = errorState();
     std::scoped_lock lock(state.mutex);
-    auto [entry, isNew] = state.repeats.try_emplace(pair, now);
-    int64_t difference = now - entry->second;
-    entry->second = now;
+    int64_t before = state.repeats.exchange(pair, now);
     latestError = {pair, now, state.restarts};
-    if (!isNew && difference < repeatSeconds && difference > -repeatSeconds)
+    if (before == now)
         return false;
     if (!state.spare.empty())
         one.splice(one.begin(), state.spare, state.spare.begin());
     return true;
 }
 
-/** Count an error; true when it is to be filed, perhaps with a record to fill, false for a repeat. */
-bool admit(int32_t marker, int32_t number, int32_t severity, std::list<ErrorRecord> &one)
+/** Whether the pair is the one that this thread logged last, within the same second. */
+bool repeatsLatest(uint64_t pair, int64_t now) noexcept
 {
-    ErrorState &state = errorState();
-    state.counters.of(severity).fetch_add(1, std::memory_order_relaxed);
-    uint64_t pair = pairOf(marker, number);
-    int64_t now = os::wallSeconds();
-    bool isRepeat = latestError.pair == pair && latestError.second == now &&
-                    latestError.log == state.restarts.load(std::memory_order_relaxed);
-    return !isRepeat && enter(pair, now, one);
+    return latestError.pair == pair && latestError.second == now &&
+           latestError.log == errorState().restarts.load(std::memory_order_relaxed);
 }
 
 /** Keep the end of the text, from a whole character on. */
@@ -102,11 +95,11 @@ void append(std::list<ErrorRecord> &one)
     state.pending.splice(state.pending.end(), one);
 }
 
-uint32_t file(int32_t marker, int32_t number, int32_t severity, const char *where, int32_t extra,
+uint32_t file(int64_t now, int32_t marker, int32_t number, int32_t severity, const char *where, int32_t extra,
               const char *format, va_list args)
 {
     std::list<ErrorRecord> one;
-    if (!admit(marker, number, severity, one))
+    if (!enter(pairOf(marker, number), now, one))
         return 0;
     if (one.empty())
         one.emplace_back();
@@ -208,8 +201,12 @@ uint32_t VxErrLogVarArg(int32_t marker, int32_t number, int32_t severity, const 
     noteOccurrence();
     if (suppression.depth != 0)
         return 0;
+    errorState().counters.of(severity).fetch_add(1, std::memory_order_relaxed);
+    int64_t now = os::wallSeconds();
+    if (repeatsLatest(pairOf(marker, number), now))
+        return 0;
     try {
-        return file(marker, number, severity, where, extra, format, args);
+        return file(now, marker, number, severity, where, extra, format, args);
     } catch (const std::bad_alloc &) {
         return 1;
     }

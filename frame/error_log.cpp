@@ -2,26 +2,10 @@
 
 namespace vx::frame {
 
-namespace {
-
-union Immortal {
-    ErrorState state;
-
-    Immortal() : state() {}
-    ~Immortal() {}
-};
-
-Immortal immortal;
-
-}
+ImmortalErrorState immortalErrorState;
 
 thread_local constinit Suppression suppression;
 thread_local constinit LatestError latestError{};
-
-ErrorState &errorState() noexcept
-{
-    return immortal.state;
-}
 
 void resetErrorLog()
 {

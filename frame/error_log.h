@@ -9,8 +9,8 @@
 #include <list>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 
+#include "frame/repeat_filter.h"
 #include "vx/err.h"
 
 namespace vx::frame {
@@ -46,14 +46,6 @@ struct ErrorCounters {
     void clear() noexcept { errors = warnings = others = 0; }
 };
 
-inline uint64_t pairOf(int32_t marker, int32_t number) noexcept
-{
-    return uint64_t{static_cast<uint32_t>(marker)} << 32 | static_cast<uint32_t>(number);
-}
-
-/** When each pair of marker and number was last filed or repeated, in seconds. */
-using RepeatFilter = std::unordered_map<uint64_t, int64_t>;
-
 /** The error that a thread logged last. Within its second it needs no look at the filter: that has this time. */
 struct LatestError {
     uint64_t pair;
@@ -61,7 +53,11 @@ struct LatestError {
     uint32_t log; ///< the log's number of restarts
 };
 
-extern thread_local constinit LatestError latestError;
+// These two are small and looked at by every logging call: they lie where they
+// are found without a call, also in a library that is loaded late.
+#define VX_HOT_THREAD_LOCAL [[gnu::tls_model("initial-exec")]] extern thread_local constinit
+
+VX_HOT_THREAD_LOCAL LatestError latestError;
 
 /** All but the counters is guarded by `mutex`, which is never held while anything of the host's is called. */
 struct ErrorState {
@@ -77,8 +73,20 @@ struct ErrorState {
     VxErrDspFn displayHook = nullptr;
 };
 
-/** Outlives every static object, since those may log in their destructors. */
-ErrorState &errorState() noexcept;
+/** The process's log. It outlives every static object, since those may log in their destructors. */
+union ImmortalErrorState {
+    ErrorState state;
+
+    ImmortalErrorState() : state() {}
+    ~ImmortalErrorState() {}
+};
+
+extern ImmortalErrorState immortalErrorState;
+
+inline ErrorState &errorState() noexcept
+{
+    return immortalErrorState.state;
+}
 
 /** A thread's own say in whether its errors are filed. */
 struct Suppression {
@@ -87,7 +95,7 @@ struct Suppression {
     uint32_t savedDepth = 0;
 };
 
-extern thread_local constinit Suppression suppression;
+VX_HOT_THREAD_LOCAL Suppression suppression;
 
 /** Forget files, records, counters and repeats, as before the first call. */
 void resetErrorLog();
