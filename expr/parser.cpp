@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "expr/number.h"
 #include "expr/units.h"
@@ -481,8 +482,12 @@ VsCnsGenOp *Parser::newNode(int32_t op, int32_t argc, const Place &place, int32_
 {
     record = -1;
     if (places_) {
-        record = static_cast<int32_t>(places_->size());
-        places_->push_back({nullptr, place, {}});
+        try {
+            places_->push_back({nullptr, place, {}});
+        } catch (const std::bad_alloc &) {
+            return nullptr;
+        }
+        record = static_cast<int32_t>(places_->size()) - 1;
     }
     void *block = nullptr;
     if (VxMemAllocZero(sizeof(VsCnsGenOp), &block) != 0)

@@ -70,7 +70,7 @@ struct ParseFailure {
 
 class Parser {
 public:
-    /** `places`, when given, receives a record for each node. It may throw std::bad_alloc out of parse(). */
+    /** `places`, when given, receives a record for each node. */
     Parser(std::string_view text, Tokenizer::Mode mode, Places *places = nullptr) noexcept;
     ~Parser();
     Parser(const Parser &) = delete;
