@@ -38,7 +38,6 @@ typedef struct VxGraphRegion {
 
 typedef uint32_t (*VxGraphWalkFn)(VxGraph *graph, int32_t from, int32_t to, int32_t edge, int32_t event);
 
-extern VX_API uint32_t (*VxGraphWalkFn)(VxGraph*, int32_t from, int32_t to, int32_t edge, int32_t event);
 VX_API uint32_t VxGraphMk(int32_t n, VxGraph *graph);
 VX_API uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t directed, VxGraphEdge **edge);
 VX_API uint32_t VxGraphEdgeDel(VxGraph *graph, int32_t number);
