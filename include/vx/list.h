@@ -31,6 +31,7 @@ typedef struct VxListIterOld {
     void *cursor;
 } VxListIterOld;
 
+/** Unit of paged storage in bytes: the system's page less 4; 0 before VxToolsGlobal (vx/tools.h). */
 extern VX_API int32_t VgPageSize;
 VX_API uint32_t VxListMk(int32_t layout, int32_t elemSize, int32_t capacity, int32_t increment, VxCmpFn compare, VxList **list);
 VX_API uint32_t VxListWrapArr(int32_t elemSize, int32_t count, int32_t capacity, void *array, VxList *record);
