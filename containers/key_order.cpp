@@ -39,11 +39,9 @@ void KeyOrder::drop() noexcept
     made_ = false;
 }
 
-/** True when a change need not be worked in: there is no order, or none any more. */
+/** Counts a change; true when the order was dropped for it. */
 bool KeyOrder::manyChanges() noexcept
 {
-    if (!made_)
-        return true;
     size_t alive = entries_.size() - first_ - dead_;
     if (++changes_ <= fewChanges && dead_ <= alive + fewChanges)
         return false;
@@ -51,7 +49,7 @@ bool KeyOrder::manyChanges() noexcept
     return true;
 }
 
-void KeyOrder::added(VxLnkNode *node) noexcept
+void KeyOrder::workIn(VxLnkNode *node) noexcept
 {
     if (manyChanges())
         return;
@@ -68,7 +66,7 @@ void KeyOrder::added(VxLnkNode *node) noexcept
     }
 }
 
-void KeyOrder::removed(int32_t key) noexcept
+void KeyOrder::takeOut(int32_t key) noexcept
 {
     if (manyChanges())
         return;

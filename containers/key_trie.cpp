@@ -10,20 +10,6 @@ namespace {
 
 constexpr size_t cacheLine = 64;
 
-/** Chain a node into its bucket behind `before`, or as the first. */
-void linkIntoBucket(uintptr_t &cell, VxLnkNode *before, VxLnkNode *node) noexcept
-{
-    auto first = reinterpret_cast<VxLnkNode *>(cell);
-    node->prev = before;
-    node->next = before ? before->next : first;
-    if (node->next)
-        node->next->prev = node;
-    if (before)
-        before->next = node;
-    else
-        cell = reinterpret_cast<uintptr_t>(node);
-}
-
 }
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
@@ -31,29 +17,41 @@ KeyTrie::KeyTrie(size_t elementBytes) noexcept
 {
 }
 
+/** Chain a node into its bucket behind `before`, or as the first. */
+inline void KeyTrie::linkIntoBucket(Cell &cell, VxLnkNode *before, VxLnkNode *node) noexcept
+{
+    node->next = before ? before->next : bucket(cell);
+    if (before)
+        before->next = node;
+    cell = bucketOf(before ? bucket(cell) : node, countOf(cell) + 1);
+}
+
+/** The bucket where a key belongs, and the position of the nibble that parts it. */
+inline KeyTrie::Cell *KeyTrie::bucketFor(int32_t key, uint32_t &shift) noexcept
+{
+    Cell *cell = &root_;
+    shift = 0;
+    for (; isBranch(*cell); shift += 4)
+        cell = &branch(*cell)->child[static_cast<uint32_t>(key) >> shift & 15];
+    return cell;
+}
+
 VxLnkNode *KeyTrie::at(int32_t key, bool &made)
 {
-    made = false;
-    Cell *cell = &root_;
-    uint32_t shift = 0;
     for (;;) {
-        for (; isBranch(*cell); shift += 4)
-            cell = &branch(*cell)->child[static_cast<uint32_t>(key) >> shift & 15];
+        uint32_t shift = 0;
+        Cell *cell = bucketFor(key, shift);
         VxLnkNode *before = nullptr;
         VxLnkNode *node = bucket(*cell);
-        int passed = 0;
-        for (; node && node->key < key; ++passed, node = node->next)
+        for (; node && node->key < key; node = node->next)
             before = node;
-        if (node && node->key == key)
+        made = !node || node->key != key;
+        if (!made)
             return node;
-        for (; node; node = node->next)
-            ++passed;
-        if (passed < bucketSize) {
+        if (countOf(*cell) < bucketSize) {
             VxLnkNode *added = newNode(key);
-            if (!added)
-                return nullptr;
-            linkIntoBucket(*cell, before, added);
-            made = true;
+            if (added)
+                linkIntoBucket(*cell, before, added);
             return added;
         }
         if (!split(*cell, shift))
@@ -73,10 +71,11 @@ bool KeyTrie::split(Cell &cell, uint32_t shift)
     for (VxLnkNode *node = bucket(cell); node; node = next) {
         next = node->next;
         uint32_t nibble = static_cast<uint32_t>(node->key) >> shift & 15;
+        node->next = nullptr;
         linkIntoBucket(made->child[nibble], last[nibble], node);
         last[nibble] = node;
     }
-    cell = reinterpret_cast<Cell>(made) + 1;
+    cell = reinterpret_cast<Cell>(made) + branchBit;
     return true;
 }
 
@@ -88,6 +87,7 @@ VxLnkNode *KeyTrie::newNode(int32_t key)
         return nullptr;
     auto node = new (block) VxLnkNode;
     node->key = key;
+    node->prev = nullptr;
     node->element = node + 1;
     if (!chain_)
         chain_ = node->chainPrev = node;
@@ -98,23 +98,25 @@ VxLnkNode *KeyTrie::newNode(int32_t key)
     return node;
 }
 
-void KeyTrie::remove(VxLnkNode *node) noexcept
+bool KeyTrie::remove(int32_t key) noexcept
 {
-    if (node->next)
-        node->next->prev = node->prev;
-    if (node->prev) {
-        node->prev->next = node->next;
-    } else {
-        Cell *cell = &root_;
-        for (auto rest = static_cast<uint32_t>(node->key); isBranch(*cell); rest >>= 4)
-            cell = &branch(*cell)->child[rest & 15];
-        *cell = reinterpret_cast<Cell>(node->next);
-    }
+    uint32_t shift = 0;
+    Cell *cell = bucketFor(key, shift);
+    VxLnkNode *before = nullptr;
+    VxLnkNode *node = bucket(*cell);
+    for (; node && node->key < key; node = node->next)
+        before = node;
+    if (!node || node->key != key)
+        return false;
+    if (before)
+        before->next = node->next;
+    *cell = node->next || before ? bucketOf(before ? bucket(*cell) : node->next, countOf(*cell) - 1) : 0;
     node->chainPrev->chainNext = node->chainNext;
     node->chainNext->chainPrev = node->chainPrev;
     if (chain_ == node)
         chain_ = node->chainNext != node ? node->chainNext : nullptr;
     nodes_.giveBack(node);
+    return true;
 }
 
 void KeyTrie::clear() noexcept
