@@ -397,7 +397,8 @@ BENCHMARK_CAPTURE(appendOcc, many, 1'000'000)->Name("list array append/NCollecti
 BENCHMARK_CAPTURE(followVx, many, 1'000'000)->Name("list array random get/vx");
 BENCHMARK_CAPTURE(followOcc, many, 1'000'000)->Name("list array random get/NCollection_Vector");
 BENCHMARK_CAPTURE(randomGetVx, many, 1'000'000)->Name("list array random get, positions known/vx");
-BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)->Name("list array random get, positions known/NCollection_Vector");
+BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)
+    ->Name("list array random get, positions known/NCollection_Vector");
 BENCHMARK(insertVx)->Name("list array insert in the middle/vx");
 BENCHMARK(insertMemmove)->Name("list array insert in the middle/memmove");
 

@@ -196,7 +196,8 @@ uint32_t grow(VxList &list, int32_t extra)
     return VxResizeArr(&list, extra);
 }
 
-/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was. */
+/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
+ */
 bool makeRoom(VxList &list, int32_t last, int32_t extra)
 {
     return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);
@@ -349,7 +350,8 @@ uint32_t VxMkArr(int32_t kind, int32_t elemSize, int32_t capacity, int32_t incre
 
 uint32_t VxResizeArr(VxList *list, int32_t extra)
 {
-    if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 || extra > INT32_MAX - list->capacity)
+    if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 ||
+        extra > INT32_MAX - list->capacity)
         return 1;
     if (extra == 0)
         return 0;

@@ -109,7 +109,8 @@ size_t KeyOrder::below(int32_t key, size_t near) const noexcept
 size_t KeyOrder::lowerBound(int32_t key) const noexcept
 {
     auto from = entries_.begin() + static_cast<ptrdiff_t>(first_);
-    auto place = std::lower_bound(from, entries_.end(), key, [](const Entry &e, int32_t k) { return e.key < k; });
+    auto place =
+        std::lower_bound(from, entries_.end(), key, [](const Entry &e, int32_t k) { return e.key < k; });
     return static_cast<size_t>(place - entries_.begin());
 }
 

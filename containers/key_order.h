@@ -67,9 +67,9 @@ private:
     size_t aliveBefore(size_t end) const noexcept;
 
     std::vector<Entry> entries_;
-    size_t first_ = 0;    ///< removed entries in front of it are never looked at
-    size_t dead_ = 0;     ///< removed entries from there on
-    size_t changes_ = 0;  ///< since a walk last asked
+    size_t first_ = 0;   ///< removed entries in front of it are never looked at
+    size_t dead_ = 0;    ///< removed entries from there on
+    size_t changes_ = 0; ///< since a walk last asked
     bool made_ = false;
 };
 

@@ -9,25 +9,18 @@ namespace vx::containers {
 namespace {
 
 constexpr size_t cacheLine = 64;
+constexpr size_t tagAlignment = 16; ///< leaves the bits of a cell's tag free
 
 }
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
-    : nodes_(sizeof(VxLnkNode) + elementBytes, alignof(std::max_align_t)), branches_(sizeof(Branch), cacheLine)
+    : nodes_(sizeof(VxLnkNode) + elementBytes, tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
+      branches_(sizeof(Branch), cacheLine)
 {
 }
 
-/** Chain a node into its bucket behind `before`, or as the first. */
-inline void KeyTrie::linkIntoBucket(Cell &cell, VxLnkNode *before, VxLnkNode *node) noexcept
-{
-    node->next = before ? before->next : bucket(cell);
-    if (before)
-        before->next = node;
-    cell = bucketOf(before ? bucket(cell) : node, countOf(cell) + 1);
-}
-
-/** The bucket where a key belongs, and the position of the nibble that parts it. */
-inline KeyTrie::Cell *KeyTrie::bucketFor(int32_t key, uint32_t &shift) noexcept
+/** The bucket where a key belongs, and the position of the nibble that would part it. */
+inline KeyTrie::Cell *KeyTrie::cellFor(int32_t key, uint32_t &shift) noexcept
 {
     Cell *cell = &root_;
     shift = 0;
@@ -38,79 +31,135 @@ inline KeyTrie::Cell *KeyTrie::bucketFor(int32_t key, uint32_t &shift) noexcept
 
 VxLnkNode *KeyTrie::at(int32_t key, bool &made)
 {
-    for (;;) {
-        uint32_t shift = 0;
-        Cell *cell = bucketFor(key, shift);
-        VxLnkNode *before = nullptr;
-        VxLnkNode *node = bucket(*cell);
-        for (; node && node->key < key; node = node->next)
-            before = node;
-        made = !node || node->key != key;
-        if (!made)
-            return node;
-        if (countOf(*cell) < bucketSize) {
-            VxLnkNode *added = newNode(key);
-            if (added)
-                linkIntoBucket(*cell, before, added);
-            return added;
-        }
+    made = false;
+    if (VxLnkNode *known = find(key))
+        return known;
+    uint32_t shift = 0;
+    Cell *cell = cellFor(key, shift);
+    for (; countOf(*cell) == bucketSize; cell = cellFor(key, shift))
         if (!split(*cell, shift))
             return nullptr;
+    VxLnkNode *node = newNode(key);
+    if (!node)
+        return nullptr;
+    if (!add(*cell, node)) {
+        nodes_.giveBack(node);
+        return nullptr;
     }
+    linkIntoChain(node);
+    made = true;
+    return node;
 }
 
-/** Turn a bucket into a branch, its nodes shared out by the nibble at `shift`. */
+/** Add a node to a bucket that is not full. */
+bool KeyTrie::add(Cell &cell, VxLnkNode *node)
+{
+    uint32_t count = countOf(cell);
+    if (count == 0) {
+        cell = cellOf(node, 1);
+        return true;
+    }
+    Bucket *several = bucket(cell);
+    if (count == 1) {
+        void *block = buckets_.take();
+        if (!block)
+            return false;
+        several = new (block) Bucket{};
+        several->keys[0] = single(cell)->key;
+        several->nodes[0] = single(cell);
+    }
+    uint32_t to = count;
+    for (; to > 0 && several->keys[to - 1] > node->key; --to) {
+        several->keys[to] = several->keys[to - 1];
+        several->nodes[to] = several->nodes[to - 1];
+    }
+    several->keys[to] = node->key;
+    several->nodes[to] = node;
+    cell = cellOf(several, count + 1);
+    return true;
+}
+
+/** Turn a full bucket into a branch, its nodes shared out by the nibble at `shift`. */
 bool KeyTrie::split(Cell &cell, uint32_t shift)
 {
     void *block = branches_.take();
     if (!block)
         return false;
     auto made = new (block) Branch{};
-    VxLnkNode *last[16] = {};
-    VxLnkNode *next = nullptr;
-    for (VxLnkNode *node = bucket(cell); node; node = next) {
-        next = node->next;
-        uint32_t nibble = static_cast<uint32_t>(node->key) >> shift & 15;
-        node->next = nullptr;
-        linkIntoBucket(made->child[nibble], last[nibble], node);
-        last[nibble] = node;
+    Bucket *full = bucket(cell);
+    bool complete = true;
+    for (uint32_t i = 0; i < bucketSize && complete; ++i)
+        complete = add(made->child[static_cast<uint32_t>(full->keys[i]) >> shift & 15], full->nodes[i]);
+    if (complete) {
+        cell = reinterpret_cast<Cell>(made) + branchTag;
+        buckets_.giveBack(full);
+        return true;
     }
-    cell = reinterpret_cast<Cell>(made) + branchBit;
-    return true;
+    for (Cell child : made->child)
+        if (countOf(child) > 1)
+            buckets_.giveBack(bucket(child));
+    branches_.giveBack(made);
+    return false;
 }
 
-/** A node at the end of the circle, in no bucket yet. */
+/** A node in no bucket and no chain; its element is not set. */
 VxLnkNode *KeyTrie::newNode(int32_t key)
 {
     void *block = nodes_.take();
     if (!block)
         return nullptr;
-    auto node = new (block) VxLnkNode;
+    auto node = new (block) VxLnkNode{};
     node->key = key;
-    node->prev = nullptr;
-    node->element = node + 1;
+    node->element = elementOf(node);
+    return node;
+}
+
+/** The node becomes the circle's last. */
+void KeyTrie::linkIntoChain(VxLnkNode *node) noexcept
+{
     if (!chain_)
         chain_ = node->chainPrev = node;
     node->chainNext = chain_;
     node->chainPrev = chain_->chainPrev;
     node->chainPrev->chainNext = node;
     chain_->chainPrev = node;
+}
+
+/** Take a key's node out of its bucket; null when it is absent. */
+inline VxLnkNode *KeyTrie::takeFrom(Cell &cell, int32_t key) noexcept
+{
+    uint32_t count = countOf(cell);
+    if (count < 2) {
+        VxLnkNode *one = single(cell);
+        if (!one || one->key != key)
+            return nullptr;
+        cell = 0;
+        return one;
+    }
+    Bucket *several = bucket(cell);
+    uint32_t match = several->matches(key) & ((1u << count) - 1);
+    if (!match)
+        return nullptr;
+    auto at = static_cast<uint32_t>(std::countr_zero(match));
+    VxLnkNode *node = several->nodes[at];
+    for (; at + 1 < count; ++at) {
+        several->keys[at] = several->keys[at + 1];
+        several->nodes[at] = several->nodes[at + 1];
+    }
+    cell = cellOf(several, count - 1);
+    if (count == 2) {
+        cell = cellOf(several->nodes[0], 1);
+        buckets_.giveBack(several);
+    }
     return node;
 }
 
 bool KeyTrie::remove(int32_t key) noexcept
 {
     uint32_t shift = 0;
-    Cell *cell = bucketFor(key, shift);
-    VxLnkNode *before = nullptr;
-    VxLnkNode *node = bucket(*cell);
-    for (; node && node->key < key; node = node->next)
-        before = node;
-    if (!node || node->key != key)
+    VxLnkNode *node = takeFrom(*cellFor(key, shift), key);
+    if (!node)
         return false;
-    if (before)
-        before->next = node->next;
-    *cell = node->next || before ? bucketOf(before ? bucket(*cell) : node->next, countOf(*cell) - 1) : 0;
     node->chainPrev->chainNext = node->chainNext;
     node->chainNext->chainPrev = node->chainPrev;
     if (chain_ == node)
@@ -124,6 +173,7 @@ void KeyTrie::clear() noexcept
     root_ = 0;
     chain_ = nullptr;
     nodes_.freeAll();
+    buckets_.freeAll();
     branches_.freeAll();
 }
 

@@ -2,14 +2,16 @@
 
 // A 16-way digital trie over 32-bit keys, lowest nibble first.
 //
-// A cell is a branch of 16 cells, or a bucket: a chain of at most 6 nodes in
-// ascending order of keys. A full bucket becomes a branch before its seventh
-// node comes; branches are not merged back. At most 8 levels of branches.
+// A cell is a branch of 16 cells, or a bucket of at most 6 nodes in ascending
+// order of keys. A full bucket becomes a branch before its seventh node comes;
+// branches are not merged back. At most 8 levels of branches.
 //
-// Nodes and branches come from chunks of the trie's own. A node's element lies
-// right behind it, and all nodes form a circle in the order they came. Buckets
-// are chained one way: who removes a node comes from its cell.
+// Nodes, buckets and branches come from chunks of the trie's own. A bucket
+// holds copies of its nodes' keys, so that a search touches no node; a bucket
+// of one node is that node. A node's element lies right behind it, and all
+// nodes form a circle in the order they came.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -29,10 +31,13 @@ public:
         Cell cell = root_;
         for (; isBranch(cell); rest >>= 4)
             cell = branch(cell)->child[rest & 15];
-        VxLnkNode *node = bucket(cell);
-        while (node && node->key < key)
-            node = node->next;
-        return node && node->key == key ? node : nullptr;
+        if (countOf(cell) > 1) {
+            const Bucket &several = *bucket(cell);
+            uint32_t match = several.matches(key) & ((1u << countOf(cell)) - 1);
+            return match ? several.nodes[std::countr_zero(match)] : nullptr;
+        }
+        VxLnkNode *one = single(cell);
+        return one && one->key == key ? one : nullptr;
     }
 
     /** A node's element. */
@@ -40,7 +45,7 @@ public:
 
     /**
      * The node of a key, made when the key is absent: its element is then to
-     * be set. Null for want of memory, the trie is then as it was.
+     * be set. Null for want of memory, no key has then come or gone.
      */
     VxLnkNode *at(int32_t key, bool &made);
 
@@ -53,36 +58,53 @@ public:
     VxLnkNode *chain() const noexcept { return chain_; }
 
 private:
-    // A cell is one word. A branch has the lowest bit set; a bucket's first
-    // node has the number of nodes in the three bits above.
+    // A cell is one word, an address with a tag in its four lowest bits: 1 for
+    // a branch, else twice the number of nodes.
     using Cell = uintptr_t;
 
-    static constexpr Cell branchBit = 1;
-    static constexpr Cell oneNode = 2;
-    static constexpr Cell countBits = 14;
-    static constexpr Cell bucketSize = 6;
+    static constexpr uint32_t bucketSize = 6;
+    static constexpr Cell branchTag = 1;
+    static constexpr Cell tagBits = 15;
 
     struct Branch {
         Cell child[16];
     };
 
-    static bool isBranch(Cell cell) noexcept { return cell & branchBit; }
-    static Branch *branch(Cell cell) noexcept { return reinterpret_cast<Branch *>(cell - branchBit); }
-    static VxLnkNode *bucket(Cell cell) noexcept { return reinterpret_cast<VxLnkNode *>(cell & ~countBits); }
-    static Cell countOf(Cell cell) noexcept { return (cell & countBits) / oneNode; }
-    static Cell bucketOf(const VxLnkNode *first, Cell count) noexcept
+    struct Bucket {
+        int32_t keys[bucketSize];
+        VxLnkNode *nodes[bucketSize];
+
+        /** A bit for each place with this key, stale ones too. */
+        uint32_t matches(int32_t key) const noexcept
+        {
+            uint32_t bits = 0;
+            for (uint32_t i = 0; i < bucketSize; ++i)
+                bits |= static_cast<uint32_t>(keys[i] == key) << i;
+            return bits;
+        }
+    };
+
+    static bool isBranch(Cell cell) noexcept { return cell & branchTag; }
+    static uint32_t countOf(Cell cell) noexcept { return static_cast<uint32_t>(cell & tagBits) / 2; }
+    static Branch *branch(Cell cell) noexcept { return reinterpret_cast<Branch *>(cell - branchTag); }
+    static Bucket *bucket(Cell cell) noexcept { return reinterpret_cast<Bucket *>(cell & ~tagBits); }
+    static VxLnkNode *single(Cell cell) noexcept { return reinterpret_cast<VxLnkNode *>(cell & ~tagBits); }
+    static Cell cellOf(const void *block, uint32_t count) noexcept
     {
-        return reinterpret_cast<Cell>(first) + count * oneNode;
+        return reinterpret_cast<Cell>(block) + 2 * Cell{count};
     }
 
-    static void linkIntoBucket(Cell &cell, VxLnkNode *before, VxLnkNode *node) noexcept;
-    Cell *bucketFor(int32_t key, uint32_t &shift) noexcept;
+    Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
+    bool add(Cell &cell, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
+    VxLnkNode *takeFrom(Cell &cell, int32_t key) noexcept;
     VxLnkNode *newNode(int32_t key);
+    void linkIntoChain(VxLnkNode *node) noexcept;
 
     Cell root_ = 0;
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
+    BlockPool buckets_;
     BlockPool branches_;
 };
 

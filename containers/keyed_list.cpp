@@ -189,7 +189,8 @@ int32_t stepOrdered(VxListIter &iter, void **ptr)
     if (!iter.cursor)
         place = up ? order.notBelow(iter.index) : order.notAbove(iter.index);
     else
-        place = up ? order.above(iter.index, placeOf(iter.cursor)) : order.below(iter.index, placeOf(iter.cursor));
+        place = up ? order.above(iter.index, placeOf(iter.cursor))
+                   : order.below(iter.index, placeOf(iter.cursor));
     if (place == KeyOrder::none)
         return -1;
     int32_t key = order.keyAt(place);

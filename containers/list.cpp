@@ -22,7 +22,7 @@ constexpr const Layout *layouts[layoutCount] = {&keyedLayout,   &linkedLayout, &
 
 constexpr int32_t errorElementSize = 3;
 
-/** The element at an index, or null. The layouts in which the call would cost as much as the look-up are at hand. */
+/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here. */
 inline void *elementAt(VxList *list, int32_t index)
 {
     if (!list)

@@ -79,7 +79,8 @@ inline char *slotAt(const VxList &list, int32_t index) noexcept
 /** The same for any index; null for one outside. */
 inline void *slotInside(const VxList &list, int32_t index) noexcept
 {
-    return static_cast<uint32_t>(index) < static_cast<uint32_t>(list.capacity) ? slotAt(list, index) : nullptr;
+    return static_cast<uint32_t>(index) < static_cast<uint32_t>(list.capacity) ? slotAt(list, index)
+                                                                               : nullptr;
 }
 
 /** Move n elements inside a list; the ranges may overlap, their pages are there. */

@@ -56,7 +56,7 @@ struct VxList {
     int32_t layout;    /**< 0 to 5, above */
     int32_t elemSize;  /**< bytes of an element, 1 or more */
     int32_t count;     /**< elements held; keys */
-    int32_t capacity;  /**< slots; keyed: the highest key ever stored, or 0; linked: the count of the last cut */
+    int32_t capacity;  /**< slots; keyed: the highest key ever stored, or 0; linked: count of the last cut */
     int32_t increment; /**< slots added by a step of growth */
     int32_t pageLevel; /**< layout 2: 0 one block, 1 a directory of pages, 2 two steps of directories */
     int32_t dirSlots;  /**< layout 2: pages or directories of a directory */
@@ -103,8 +103,8 @@ extern VX_API int32_t VgPageSize;
  * A wrapped list made here has an array of its own, which no function of the
  * list frees: take it with VxListGetArray and free it with VxMemFree.
  */
-VX_API uint32_t VxListMk(int32_t layout, int32_t elemSize, int32_t capacity, int32_t increment, VxCmpFn compare,
-                         VxList **list);
+VX_API uint32_t VxListMk(int32_t layout, int32_t elemSize, int32_t capacity, int32_t increment,
+                         VxCmpFn compare, VxList **list);
 
 /**
  * Fill the caller's record as a wrapped list over the caller's array.
@@ -115,7 +115,7 @@ VX_API uint32_t VxListMk(int32_t layout, int32_t elemSize, int32_t capacity, int
  */
 VX_API uint32_t VxListWrapArr(int32_t elemSize, int32_t count, int32_t capacity, void *array, VxList *record);
 
-/** A new list of layout 2 that takes over a block of VxMemAlloc's with `count` elements; its increment is 4. */
+/** A new list of layout 2 that takes over a block of VxMemAlloc's of `count` elements; its increment is 4. */
 VX_API uint32_t VxArrCnvrtList(int32_t elemSize, int32_t count, void *array, VxList **list);
 
 /** Free storage and elements; the record stays and may be filled again. A wrapped array is only let go. */
@@ -166,7 +166,7 @@ VX_API uint32_t VxListSet(VxList *list, int32_t index, const void *element);
  */
 VX_API uint32_t VxListIns(VxList *list, int32_t index, const void *element);
 
-/** The address of an element; null after a failure: no such key or position, or a slot at or behind the capacity. */
+/** The address of an element; null after a failure: no such key or position, no such slot. */
 VX_API uint32_t VxListGetPtr(VxList *list, int32_t index, void **ptr);
 
 /** VxListGetPtr for layouts 2 and 5; others fail. */
@@ -232,7 +232,7 @@ VX_API uint32_t VxListSizeError(void);
 
 /* ---------------------------------------------------------------- copies and conversions */
 
-/** A new list with the same layout, sizes and elements; of a wrapped list, one of layout 2. One block stays one. */
+/** A new list with the same layout and elements; of a wrapped list, one of layout 2. One block stays one. */
 VX_API uint32_t VxListCopy(VxList *source, VxList **copy);
 
 /**
@@ -304,7 +304,7 @@ VX_API int32_t VxListItrPtr(VxListIter *iter, void **ptr);
 /** VxListItrPtr with a copy. */
 VX_API int32_t VxListItr(VxListIter *iter, void *element);
 
-/** Where a walk would begin: 0, or count - 1; in a keyed list the smallest key, or the highest ever stored. */
+/** Where a walk would begin: 0 or count - 1; in a keyed list the smallest key or the highest ever stored. */
 VX_API uint32_t VxListItrInit(VxList *list, int32_t direction, VxListIterOld *start);
 
 /** A step to the next node of a linked list or a tree's chain, from none to the first. 1 at the end. */
@@ -351,8 +351,8 @@ VX_API uint32_t VxListSort3(VxList *list, VxCmpFn compare, int32_t **order);
  *                 0 if the list has one element, else perhaps the index of an
  *                 element beside which the key belongs
  */
-VX_API uint32_t VxListSrch(VxList *list, const int32_t *order, const void *key, VxCmpFn compare, int32_t *found,
-                           int32_t *index);
+VX_API uint32_t VxListSrch(VxList *list, const int32_t *order, const void *key, VxCmpFn compare,
+                           int32_t *found, int32_t *index);
 
 VX_C_END
 

@@ -33,7 +33,10 @@ protected:
         StartedToolkit::TearDown();
     }
 
-    void store(int32_t index, int32_t value) { ASSERT_EQ(VxListSet(list_, index, &value), 0u) << "at " << index; }
+    void store(int32_t index, int32_t value)
+    {
+        ASSERT_EQ(VxListSet(list_, index, &value), 0u) << "at " << index;
+    }
 
     VxList *list_ = nullptr;
 };

@@ -150,9 +150,14 @@ TEST(Tree, GivesItsElementsInOrderAndEqualOnesInTheOrderTheyCame)
 {
     EXPECT_EQ(sortedThroughTree({5, 1, 3}, behindEqual), (std::vector<int32_t>{1, 3, 5}));
     EXPECT_EQ(sortedThroughTree({5, 1, 5, 3, 1}, behindEqual), (std::vector<int32_t>{1, 1, 3, 5, 5}));
-    EXPECT_EQ(sortedThroughTree({5, 1, 5, 3}, [](const void *a, const void *b) {
-                  return valueAt(a) == valueAt(b) ? 0 : 1; // a three-way comparator's 1: to the left
-              }).size(), 4u);
+    EXPECT_EQ(sortedThroughTree({5, 1, 5, 3},
+                                [](const void *a, const void *b) {
+                                    return valueAt(a) == valueAt(b)
+                                               ? 0
+                                               : 1; // a three-way comparator's 1: to the left
+                                })
+                  .size(),
+              4u);
 }
 
 TEST(Tree, TakesAMillionElementsThatComeInOrder)
