@@ -32,17 +32,17 @@ inline KeyTrie::Cell *KeyTrie::cellFor(int32_t key, uint32_t &shift) noexcept
 VxLnkNode *KeyTrie::at(int32_t key, bool &made)
 {
     made = false;
-    if (VxLnkNode *known = find(key))
-        return known;
     uint32_t shift = 0;
     Cell *cell = cellFor(key, shift);
+    if (VxLnkNode *known = nodeIn(*cell, key))
+        return known;
     for (; countOf(*cell) == bucketSize; cell = cellFor(key, shift))
         if (!split(*cell, shift))
             return nullptr;
     VxLnkNode *node = newNode(key);
     if (!node)
         return nullptr;
-    if (!add(*cell, node)) {
+    if (!add(*cell, key, node)) {
         nodes_.giveBack(node);
         return nullptr;
     }
@@ -52,7 +52,7 @@ VxLnkNode *KeyTrie::at(int32_t key, bool &made)
 }
 
 /** Add a node to a bucket that is not full. */
-bool KeyTrie::add(Cell &cell, VxLnkNode *node)
+inline bool KeyTrie::add(Cell &cell, int32_t key, VxLnkNode *node)
 {
     uint32_t count = countOf(cell);
     if (count == 0) {
@@ -64,17 +64,10 @@ bool KeyTrie::add(Cell &cell, VxLnkNode *node)
         void *block = buckets_.take();
         if (!block)
             return false;
-        several = new (block) Bucket{};
-        several->keys[0] = single(cell)->key;
-        several->nodes[0] = single(cell);
+        several = new (block) Bucket;
+        several->put(0, single(cell)->key, single(cell));
     }
-    uint32_t to = count;
-    for (; to > 0 && several->keys[to - 1] > node->key; --to) {
-        several->keys[to] = several->keys[to - 1];
-        several->nodes[to] = several->nodes[to - 1];
-    }
-    several->keys[to] = node->key;
-    several->nodes[to] = node;
+    several->put(count, key, node);
     cell = cellOf(several, count + 1);
     return true;
 }
@@ -88,8 +81,10 @@ bool KeyTrie::split(Cell &cell, uint32_t shift)
     auto made = new (block) Branch{};
     Bucket *full = bucket(cell);
     bool complete = true;
-    for (uint32_t i = 0; i < bucketSize && complete; ++i)
-        complete = add(made->child[static_cast<uint32_t>(full->keys[i]) >> shift & 15], full->nodes[i]);
+    for (uint32_t i = 0; i < bucketSize && complete; ++i) {
+        int32_t key = full->keyAt(i);
+        complete = add(made->child[static_cast<uint32_t>(key) >> shift & 15], key, full->nodes[i]);
+    }
     if (complete) {
         cell = reinterpret_cast<Cell>(made) + branchTag;
         buckets_.giveBack(full);
@@ -137,15 +132,11 @@ inline VxLnkNode *KeyTrie::takeFrom(Cell &cell, int32_t key) noexcept
         return one;
     }
     Bucket *several = bucket(cell);
-    uint32_t match = several->matches(key) & ((1u << count) - 1);
-    if (!match)
+    uint32_t at = several->placeOf(key);
+    if (at >= count)
         return nullptr;
-    auto at = static_cast<uint32_t>(std::countr_zero(match));
     VxLnkNode *node = several->nodes[at];
-    for (; at + 1 < count; ++at) {
-        several->keys[at] = several->keys[at + 1];
-        several->nodes[at] = several->nodes[at + 1];
-    }
+    several->put(at, several->keyAt(count - 1), several->nodes[count - 1]);
     cell = cellOf(several, count - 1);
     if (count == 2) {
         cell = cellOf(several->nodes[0], 1);

@@ -2,9 +2,9 @@
 
 // A 16-way digital trie over 32-bit keys, lowest nibble first.
 //
-// A cell is a branch of 16 cells, or a bucket of at most 6 nodes in ascending
-// order of keys. A full bucket becomes a branch before its seventh node comes;
-// branches are not merged back. At most 8 levels of branches.
+// A cell is a branch of 16 cells, or a bucket of at most 6 nodes in any order.
+// A full bucket becomes a branch before its seventh node comes; branches are
+// not merged back. At most 8 levels of branches.
 //
 // Nodes, buckets and branches come from chunks of the trie's own. A bucket
 // holds copies of its nodes' keys, so that a search touches no node; a bucket
@@ -31,13 +31,7 @@ public:
         Cell cell = root_;
         for (; isBranch(cell); rest >>= 4)
             cell = branch(cell)->child[rest & 15];
-        if (countOf(cell) > 1) {
-            const Bucket &several = *bucket(cell);
-            uint32_t match = several.matches(key) & ((1u << countOf(cell)) - 1);
-            return match ? several.nodes[std::countr_zero(match)] : nullptr;
-        }
-        VxLnkNode *one = single(cell);
-        return one && one->key == key ? one : nullptr;
+        return nodeIn(cell, key);
     }
 
     /** A node's element. */
@@ -70,17 +64,26 @@ private:
         Cell child[16];
     };
 
-    struct Bucket {
-        int32_t keys[bucketSize];
+    struct alignas(16) Bucket {
+        /** Four keys, compared at once. */
+        using Keys [[gnu::vector_size(16)]] = int32_t;
+
+        Keys keys[2]; ///< places behind the count hold anything
         VxLnkNode *nodes[bucketSize];
 
-        /** A bit for each place with this key, stale ones too. */
-        uint32_t matches(int32_t key) const noexcept
+        int32_t keyAt(uint32_t place) const noexcept { return keys[place / 4][place % 4]; }
+        void put(uint32_t place, int32_t key, VxLnkNode *node) noexcept
         {
-            uint32_t bits = 0;
-            for (uint32_t i = 0; i < bucketSize; ++i)
-                bits |= static_cast<uint32_t>(keys[i] == key) << i;
-            return bits;
+            keys[place / 4][place % 4] = key;
+            nodes[place] = node;
+        }
+
+        /** The first place with this key, or one behind all. */
+        uint32_t placeOf(int32_t key) const noexcept
+        {
+            Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
+            auto places = static_cast<uint32_t>(same[0] | same[1] | same[2] | same[3]);
+            return static_cast<uint32_t>(std::countr_zero(places));
         }
     };
 
@@ -94,8 +97,21 @@ private:
         return reinterpret_cast<Cell>(block) + 2 * Cell{count};
     }
 
+    /** The node of a key in its bucket, or null. */
+    static VxLnkNode *nodeIn(Cell cell, int32_t key) noexcept
+    {
+        uint32_t count = countOf(cell);
+        if (count > 1) {
+            const Bucket &several = *bucket(cell);
+            uint32_t at = several.placeOf(key);
+            return at < count ? several.nodes[at] : nullptr;
+        }
+        VxLnkNode *one = single(cell);
+        return one && one->key == key ? one : nullptr;
+    }
+
     Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
-    bool add(Cell &cell, VxLnkNode *node);
+    bool add(Cell &cell, int32_t key, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
     VxLnkNode *takeFrom(Cell &cell, int32_t key) noexcept;
     VxLnkNode *newNode(int32_t key);
