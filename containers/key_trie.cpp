@@ -65,6 +65,7 @@ inline bool KeyTrie::add(Cell &cell, int32_t key, VxLnkNode *node)
         if (!block)
             return false;
         several = new (block) Bucket;
+        several->keys[0] = several->keys[1] = Bucket::Keys{};
         several->put(0, single(cell)->key, single(cell));
     }
     several->put(count, key, node);

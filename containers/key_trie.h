@@ -11,6 +11,7 @@
 // of one node is that node. A node's element lies right behind it, and all
 // nodes form a circle in the order they came.
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -82,8 +83,9 @@ private:
         uint32_t placeOf(int32_t key) const noexcept
         {
             Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
-            auto places = static_cast<uint32_t>(same[0] | same[1] | same[2] | same[3]);
-            return static_cast<uint32_t>(std::countr_zero(places));
+            auto halves = std::bit_cast<std::array<uint64_t, 2>>(same);
+            uint64_t places = halves[0] | halves[1];
+            return static_cast<uint32_t>(std::countr_zero(places | places >> 32));
         }
     };
 

@@ -68,16 +68,21 @@ inline bool equal(const VxList &list, const void *a, const void *b) noexcept
     return std::memcmp(a, b, elementBytes(list)) == 0;
 }
 
-/** Copy an element; common sizes without a call. */
-inline void copyElement(const VxList &list, void *to, const void *from) noexcept
+/** Copy `bytes` from one place to another; common sizes without a call. */
+inline void copyBytes(void *to, const void *from, int32_t bytes) noexcept
 {
-    switch (list.elemSize) {
+    switch (bytes) {
     case 4: std::memcpy(to, from, 4); break;
     case 8: std::memcpy(to, from, 8); break;
     case 16: std::memcpy(to, from, 16); break;
     case 32: std::memcpy(to, from, 32); break;
-    default: std::memmove(to, from, elementBytes(list)); break;
+    default: std::memmove(to, from, static_cast<size_t>(bytes)); break;
     }
+}
+
+inline void copyElement(const VxList &list, void *to, const void *from) noexcept
+{
+    copyBytes(to, from, list.elemSize);
 }
 
 }

@@ -17,7 +17,7 @@ VxLnkNode *newNode(int32_t key, int32_t elemSize, const void *element)
     char *block = allocate<char>(offset + static_cast<int64_t>(sizeof(VxLnkNode))).release();
     if (!block)
         return nullptr;
-    std::memcpy(block, element, static_cast<size_t>(elemSize));
+    copyBytes(block, element, elemSize);
     auto node = new (block + offset) VxLnkNode{};
     node->key = key;
     node->element = block;

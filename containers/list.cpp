@@ -22,7 +22,8 @@ constexpr const Layout *layouts[layoutCount] = {&keyedLayout,   &linkedLayout, &
 
 constexpr int32_t errorElementSize = 3;
 
-/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here. */
+/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here.
+ */
 inline void *elementAt(VxList *list, int32_t index)
 {
     if (!list)
