@@ -101,6 +101,32 @@ uint32_t appendCopies(VxList &source, VxList &list, bool sameKeys)
     return copies ? layoutOf(&list)->append(list, *copies) : 1;
 }
 
+bool hasSlots(const VxList &list) noexcept
+{
+    return list.layout == array || list.layout == pointers || list.layout == wrapped;
+}
+
+/** Other elements in the slots that a list has. */
+uint32_t refillSlots(VxList &source, VxList &list)
+{
+    int32_t count = std::exchange(list.count, 0);
+    if (appendCopies(source, list, false) == 0)
+        return 0;
+    list.count = count;
+    return 1;
+}
+
+/** Other nodes for those that a list has. */
+uint32_t refillNodes(VxList &source, VxList &list)
+{
+    OwnedList filled = newList(list.layout, list, 0, list.compare);
+    if (!filled || !copyAll(source, *filled, false))
+        return 1;
+    filled->capacity = std::max(filled->capacity, list.capacity);
+    replace(list, std::move(filled));
+    return 0;
+}
+
 /** All elements in one block; false for want of memory. */
 bool elementsInBlock(VxList &list, Block<char> &block)
 {
@@ -239,8 +265,9 @@ uint32_t VxKeyListCnvrt(VxList *source, VxList *destination)
     if (!layoutOf(source) || !layoutOf(destination) || source == destination || source->layout != keyed ||
         source->elemSize != destination->elemSize)
         return 1;
-    VxListReset(destination);
-    return HashConvertList(source, destination);
+    if (source->count < 1)
+        return VxListReset(destination);
+    return hasSlots(*destination) ? refillSlots(*source, *destination) : refillNodes(*source, *destination);
 }
 
 uint32_t VxListRvrs(VxList *list)

@@ -79,6 +79,11 @@ struct Parameters {
     bool refusing;
 };
 
+void PrintTo(const Parameters &parameters, std::ostream *out)
+{
+    *out << "layout " << parameters.layout << (parameters.refusing ? ", refusing" : "");
+}
+
 class ListRun : public StartedToolkit, public testing::WithParamInterface<Parameters> {
 protected:
     using Call = std::function<uint32_t()>;
@@ -193,6 +198,41 @@ protected:
         else
             expect([&] { return VxListIns(pair_.list, index, &value); },
                    after([&](ListModel &next) { return next.insert(index, value); }));
+    }
+
+    /** Ends at the first store that fails and keeps those before it, so that no refusal is tried. */
+    void storeRange()
+    {
+        int32_t first = anyIndex();
+        int32_t n = below(5);
+        Value value = anyValue();
+        ListModel next = pair_.model;
+        bool good = true;
+        for (int32_t i = 0; i < n && good; ++i)
+            good = next.set(first + i, value);
+        ASSERT_EQ(VxListFill(pair_.list, first, n, &value), good ? 0u : 1u);
+        become(next);
+    }
+
+    void fillFromKeyed()
+    {
+        Pair source;
+        make(source, keyed);
+        for (int32_t n = below(70); n > 0; --n) {
+            int32_t key = between(-100, 100);
+            Value value = anyValue();
+            source.model.set(key, value);
+            VxListSet(source.list, key, &value);
+        }
+        auto next = after([&](ListModel &list) {
+            list.items.clear();
+            if (list.inSlots())
+                return list.append(source.model) || source.model.items.empty();
+            for (const Item &item : source.model.items)
+                list.set(list.count(), item.value);
+            return true;
+        });
+        expect([&] { return VxKeyListCnvrt(source.list, pair_.list); }, next, &source);
     }
 
     void storeUnique()
@@ -386,6 +426,8 @@ protected:
         case 33: return copyFromAnother();
         case 34: return goOnWithCopy();
         case 35: return storeUnique();
+        case 36: return storeRange();
+        case 37: return below(4) == 0 ? fillFromKeyed() : store();
         default: return growing ? store() : removeRange();
         }
     }
