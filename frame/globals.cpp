@@ -4,6 +4,7 @@
 #include "vx/tools.h"
 
 #include "frame/version_stamp.h"
+#include "vx/list.h"
 
 // product and files
 

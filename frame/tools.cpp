@@ -17,6 +17,7 @@
 #include "vx/escape.h"
 #include "vx/journal.h"
 #include "vx/lang.h"
+#include "vx/list.h"
 #include "vx/msg.h"
 #include "vx/openfile.h"
 #include "vx/path.h"

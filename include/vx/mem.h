@@ -135,6 +135,23 @@ VX_API int32_t **VxMemAllocA2Int(int32_t rows, int32_t columns);
 VX_API uint32_t VxMemFreeA2(void **array);
 VX_API uint32_t VxMemFreeA2Int(int32_t **array);
 
+/* ---------------------------------------------------------------- growable array */
+
+/**
+ * A new list of the array layout whose elements, filled with zeros, stand in
+ * one block whatever its size (vx/list.h).
+ *
+ * @param kind       2; others fail
+ * @param elemSize   bytes of an element, 1 or more; else toolkit error 3
+ * @param capacity   elements; below 1 it is 1
+ * @param increment  elements added when the list grows; below 1 it is 1
+ * @param ignored    anything
+ * @param array      receives the list, a VxList, to be deleted with VxListDel;
+ *                   null after a failure
+ */
+VX_API uint32_t VxMkArr(int32_t kind, int32_t elemSize, int32_t capacity, int32_t increment, void *ignored,
+                        void **array);
+
 /* ---------------------------------------------------------------- compression */
 
 /**

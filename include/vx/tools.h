@@ -266,11 +266,6 @@ extern VX_API uint32_t (*VgfGetUnitConv)(const char *unit, double *factor, int32
 extern VX_API int32_t VgErrOccurred;       /**< 1 once an error was logged; only the host clears it */
 extern VX_API int32_t VgActiveErrOccurred; /**< 1 once an error was displayed; see VxErrDisplay in vx/err.h */
 
-/* ---------------------------------------------------------------- memory */
-
-/** Unit of paged storage in bytes: the system's page less 4; 0 before VxToolsGlobal. */
-extern VX_API int32_t VgPageSize;
-
 /* ---------------------------------------------------------------- numerics */
 
 /** A transform of three rows and four columns. */

@@ -1,0 +1,365 @@
+// The array layout: one block, or pages reached through one or two
+// directories. Pages that a truncation freed below the capacity come back when
+// something is stored there.
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "containers/memory.h"
+#include "containers/slots.h"
+
+namespace vx::containers {
+
+namespace {
+
+/** A directory without pages, with its divisors behind it; null for want of memory. */
+void **newDirectory(int32_t slots, int32_t elements)
+{
+    constexpr int64_t extra = (sizeof(Divisors) + sizeof(void *) - 1) / sizeof(void *);
+    void **directory = allocateZero<void *>(slots + extra).release();
+    if (directory)
+        new (directory + slots) Divisors{Divisor(elements), Divisor(slots)};
+    return directory;
+}
+
+int64_t pagesFor(const VxList &list, int64_t elements) noexcept
+{
+    return (elements + elementsPerPage(list) - 1) / elementsPerPage(list);
+}
+
+/** Where the pointer to a page stands; null when its directory is not there. */
+void **pageSlot(const VxList &list, int64_t page) noexcept
+{
+    auto directory = static_cast<void **>(list.data);
+    if (list.pageLevel == 1)
+        return directory + page;
+    auto second = static_cast<void **>(directory[page / list.perPage]);
+    return second ? second + page % list.perPage : nullptr;
+}
+
+/** Free the pages from `first` to `end` and the directories that only they need. */
+void removePages(VxList &list, int64_t first, int64_t end) noexcept
+{
+    for (int64_t page = first; page < end; ++page)
+        if (void **slot = pageSlot(list, page))
+            VxMemFree(slot);
+    if (list.pageLevel != 2)
+        return;
+    auto directory = static_cast<void **>(list.data);
+    for (int64_t i = (first + list.perPage - 1) / list.perPage; i < list.dirSlots; ++i)
+        VxMemFree(&directory[i]);
+}
+
+bool addPage(VxList &list, int64_t page)
+{
+    if (list.pageLevel == 2) {
+        void *&second = static_cast<void **>(list.data)[page / list.perPage];
+        if (!second)
+            second = allocateZero<void *>(list.dirSlots).release();
+        if (!second)
+            return false;
+    }
+    void **slot = pageSlot(list, page);
+    if (!*slot)
+        *slot = allocateZero<char>(int64_t{elementsPerPage(list)} * list.elemSize).release();
+    return *slot != nullptr;
+}
+
+/** Pages behind all that are there; none of them for want of memory. */
+bool addPages(VxList &list, int64_t first, int64_t end)
+{
+    for (int64_t page = first; page < end; ++page) {
+        if (addPage(list, page))
+            continue;
+        removePages(list, first, page + 1);
+        return false;
+    }
+    return true;
+}
+
+/** Pages for the slots from the count up to `index`. */
+bool backSlots(VxList &list, int32_t index)
+{
+    if (list.pageLevel == 0)
+        return true;
+    int64_t last = index / elementsPerPage(list);
+    for (int64_t page = list.count / elementsPerPage(list); page <= last; ++page)
+        if (!addPage(list, page))
+            return false;
+    return true;
+}
+
+void discard(VxList &list)
+{
+    if (list.pageLevel > 0 && list.data)
+        removePages(list, 0, pagesFor(list, list.capacity));
+    VxMemFree(&list.data);
+}
+
+/** Paged storage for an empty list. */
+uint32_t makePages(VxList &list, int32_t level, int32_t capacity)
+{
+    list.pageLevel = level;
+    list.dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
+    list.perPage = level == 1 ? VgPageSize / list.elemSize : list.dirSlots;
+    list.perPage2 = level == 1 ? 0 : VgPageSize / list.elemSize;
+    list.capacity = capacity;
+    list.data = newDirectory(list.dirSlots, elementsPerPage(list));
+    if (!list.data)
+        return 1;
+    if (addPages(list, 0, pagesFor(list, capacity)))
+        return 0;
+    VxMemFree(&list.data);
+    return 1;
+}
+
+uint32_t make(VxList &list)
+{
+    list.capacity = std::max(list.capacity, 1);
+    list.increment = std::max(list.increment, 1);
+    int32_t level = pageLevelFor(list.elemSize, list.capacity);
+    if (level < 0)
+        return 1;
+    if (level > 0)
+        return makePages(list, level, list.capacity);
+    list.dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
+    list.data = allocateZero<char>(int64_t{list.capacity} * list.elemSize).release();
+    return list.data ? 0 : 1;
+}
+
+uint32_t reset(VxList &list)
+{
+    list.count = 0;
+    return 0;
+}
+
+/** From one block to pages. */
+uint32_t turnIntoPages(VxList &list, int32_t level, int32_t capacity)
+{
+    VxList paged = list;
+    if (makePages(paged, level, capacity))
+        return 1;
+    copyElements(list, paged, 0, list.count);
+    discard(list);
+    list = paged;
+    return 0;
+}
+
+/** From one level of pages to two: the directory becomes the first of the second level. */
+uint32_t deepen(VxList &list, int32_t capacity)
+{
+    VxList deeper = list;
+    deeper.pageLevel = 2;
+    deeper.perPage2 = list.perPage;
+    deeper.perPage = list.dirSlots;
+    int64_t needed = pagesFor(deeper, capacity);
+    if ((needed - 1) / list.dirSlots >= list.dirSlots)
+        return 1;
+    Block<void *> top(newDirectory(list.dirSlots, list.perPage));
+    if (!top)
+        return 1;
+    top.get()[0] = list.data;
+    deeper.data = top.get();
+    if (!addPages(deeper, pagesFor(list, list.capacity), needed))
+        return 1;
+    top.release();
+    deeper.capacity = capacity;
+    list = deeper;
+    return 0;
+}
+
+uint32_t growPages(VxList &list, int32_t capacity)
+{
+    int64_t needed = pagesFor(list, capacity);
+    if (list.pageLevel == 1 && needed > list.dirSlots)
+        return deepen(list, capacity);
+    if (list.pageLevel == 2 && (needed - 1) / list.dirSlots >= list.dirSlots)
+        return 1;
+    if (!addPages(list, pagesFor(list, list.capacity), needed))
+        return 1;
+    list.capacity = capacity;
+    return 0;
+}
+
+uint32_t grow(VxList &list, int32_t extra)
+{
+    if (extra < 0 || extra > INT32_MAX - list.capacity)
+        return 1;
+    if (extra == 0)
+        return 0;
+    int32_t capacity = list.capacity + extra;
+    if (list.pageLevel > 0)
+        return growPages(list, capacity);
+    if (pageLevelFor(list.elemSize, capacity) == 1)
+        return turnIntoPages(list, 1, capacity);
+    return VxResizeArr(&list, extra);
+}
+
+/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
+ */
+bool makeRoom(VxList &list, int32_t last, int32_t extra)
+{
+    return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);
+}
+
+uint32_t set(VxList &list, int32_t index, const void *element)
+{
+    if (index < 0)
+        return 1;
+    if (index >= list.capacity && !makeRoom(list, index, slotsToAdd(list, index)))
+        return 1;
+    char *slot = slotAt(list, index);
+    if (index >= list.count) {
+        if (!slot || index > list.count) {
+            if (!backSlots(list, index))
+                return 1;
+            slot = slotAt(list, index);
+        }
+        list.count = index + 1;
+    }
+    copyElement(list, slot, element);
+    return 0;
+}
+
+uint32_t insert(VxList &list, int32_t index, const void *element)
+{
+    if (index == -1)
+        index = list.count;
+    if (index < 0)
+        return 1;
+    int32_t last = std::max(index, list.count);
+    if (!makeRoom(list, last, last >= list.capacity ? slotsToAdd(list, index) : 0))
+        return 1;
+    if (index < list.count)
+        moveElements(list, index, index + 1, list.count - index);
+    copyElement(list, slotAt(list, index), element);
+    list.count = last + 1;
+    return 0;
+}
+
+/** The first page becomes the one block. */
+void turnIntoBlock(VxList &list)
+{
+    void *first = std::exchange(*pageSlot(list, 0), nullptr);
+    int32_t elements = elementsPerPage(list);
+    discard(list);
+    list.data = first;
+    list.capacity = elements;
+    list.pageLevel = list.perPage = list.perPage2 = 0;
+}
+
+uint32_t truncate(VxList &list, int32_t n)
+{
+    list.count = n;
+    if (list.pageLevel == 0)
+        return 0;
+    if (list.pageLevel == 1 && n < list.perPage) {
+        turnIntoBlock(list);
+        return 0;
+    }
+    int64_t kept = pagesFor(list, n);
+    removePages(list, kept, pagesFor(list, list.capacity));
+    int64_t backed = kept * elementsPerPage(list);
+    if (list.pageLevel == 2)
+        backed = (kept + list.dirSlots - 1) / list.dirSlots * list.dirSlots * elementsPerPage(list);
+    if (list.pageLevel == 1 || backed < list.capacity)
+        list.capacity = static_cast<int32_t>(backed);
+    return 0;
+}
+
+/** More slots, at the level of pages that a list of so many is made with. */
+uint32_t growTo(VxList &list, int32_t capacity)
+{
+    int32_t level = pageLevelFor(list.elemSize, capacity);
+    if (level < 0)
+        return 1;
+    if (list.pageLevel == 0 && level > 0)
+        return turnIntoPages(list, level, capacity);
+    return grow(list, capacity - list.capacity);
+}
+
+uint32_t append(VxList &list, VxList &source)
+{
+    int64_t needed = int64_t{list.count} + source.count;
+    if (needed > INT32_MAX)
+        return 1;
+    auto count = static_cast<int32_t>(needed);
+    if (!makeRoom(list, count - 1, 0) || (count > list.capacity && growTo(list, count)))
+        return 1;
+    copyElements(source, list, list.count, source.count);
+    list.count = count;
+    source.count = 0;
+    return 0;
+}
+
+int32_t step(VxListIter &iter, void **ptr)
+{
+    return stepPositions(iter, ptr, slotOrNull);
+}
+
+}
+
+const Layout arrayLayout = {
+    .make = make,
+    .discard = discard,
+    .reset = reset,
+    .set = set,
+    .insert = insert,
+    .at = slotOrNull,
+    .remove = removeSlots,
+    .removeEqual = removeEqualSlots,
+    .truncate = truncate,
+    .grow = grow,
+    .append = append,
+    .reverse = reverseSlots,
+    .range = positions,
+    .step = step,
+};
+
+}
+
+using namespace vx::containers;
+
+uint32_t VxMkArr(int32_t kind, int32_t elemSize, int32_t capacity, int32_t increment, void *, void **made)
+{
+    constexpr int32_t errorElementSize = 3;
+    if (!made)
+        return 1;
+    *made = nullptr;
+    if (kind != array)
+        return 1;
+    if (elemSize < 1) {
+        VxErrInt(errorElementSize, elemSize);
+        return 1;
+    }
+    Block<VxList> list = allocateZero<VxList>(1);
+    if (!list)
+        return 1;
+    list->layout = array;
+    list->elemSize = elemSize;
+    list->capacity = std::max(capacity, 1);
+    list->increment = std::max(increment, 1);
+    list->dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
+    list->data = allocateZero<char>(int64_t{list->capacity} * elemSize).release();
+    if (!list->data)
+        return 1;
+    *made = list.release();
+    return 0;
+}
+
+uint32_t VxResizeArr(VxList *list, int32_t extra)
+{
+    if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 ||
+        extra > INT32_MAX - list->capacity)
+        return 1;
+    if (extra == 0)
+        return 0;
+    int64_t had = int64_t{list->capacity} * list->elemSize;
+    int64_t bytes = had + int64_t{extra} * list->elemSize;
+    if (!blockCanHave(bytes) || VxMemSmrtResize(static_cast<int32_t>(bytes), &list->data))
+        return 1;
+    std::memset(static_cast<char *>(list->data) + had, 0, static_cast<size_t>(bytes - had));
+    list->capacity += extra;
+    return 0;
+}

@@ -1,0 +1,129 @@
+#pragma once
+
+// A 16-way digital trie over 32-bit keys, lowest nibble first.
+//
+// A cell is a branch of 16 cells, or a bucket of at most 6 nodes in any order.
+// A full bucket becomes a branch before its seventh node comes; branches are
+// not merged back. At most 8 levels of branches.
+//
+// Nodes, buckets and branches come from chunks of the trie's own. A bucket
+// holds copies of its nodes' keys, so that a search touches no node; a bucket
+// of one node is that node. A node's element lies right behind it, and all
+// nodes form a circle in the order they came.
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "containers/block_pool.h"
+#include "vx/queue.h"
+
+namespace vx::containers {
+
+class KeyTrie {
+public:
+    explicit KeyTrie(size_t elementBytes) noexcept;
+
+    /** The node of a key, or null. */
+    VxLnkNode *find(int32_t key) const noexcept
+    {
+        auto rest = static_cast<uint32_t>(key);
+        Cell cell = root_;
+        for (; isBranch(cell); rest >>= 4)
+            cell = branch(cell)->child[rest & 15];
+        return nodeIn(cell, key);
+    }
+
+    /** A node's element. */
+    static void *elementOf(VxLnkNode *node) noexcept { return node + 1; }
+
+    /**
+     * The node of a key, made when the key is absent: its element is then to
+     * be set. Null for want of memory, no key has then come or gone.
+     */
+    VxLnkNode *at(int32_t key, bool &made);
+
+    /** Remove a key; false when it is absent. */
+    bool remove(int32_t key) noexcept;
+
+    void clear() noexcept;
+
+    /** The oldest node of the circle, or null. */
+    VxLnkNode *chain() const noexcept { return chain_; }
+
+private:
+    // A cell is one word, an address with a tag in its four lowest bits: 1 for
+    // a branch, else twice the number of nodes.
+    using Cell = uintptr_t;
+
+    static constexpr uint32_t bucketSize = 6;
+    static constexpr Cell branchTag = 1;
+    static constexpr Cell tagBits = 15;
+
+    struct Branch {
+        Cell child[16];
+    };
+
+    struct alignas(16) Bucket {
+        /** Four keys, compared at once. */
+        using Keys [[gnu::vector_size(16)]] = int32_t;
+
+        Keys keys[2]; ///< places behind the count hold anything
+        VxLnkNode *nodes[bucketSize];
+
+        int32_t keyAt(uint32_t place) const noexcept { return keys[place / 4][place % 4]; }
+        void put(uint32_t place, int32_t key, VxLnkNode *node) noexcept
+        {
+            keys[place / 4][place % 4] = key;
+            nodes[place] = node;
+        }
+
+        /** The first place with this key, or one behind all. */
+        uint32_t placeOf(int32_t key) const noexcept
+        {
+            Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
+            auto halves = std::bit_cast<std::array<uint64_t, 2>>(same);
+            uint64_t places = halves[0] | halves[1];
+            return static_cast<uint32_t>(std::countr_zero(places | places >> 32));
+        }
+    };
+
+    static bool isBranch(Cell cell) noexcept { return cell & branchTag; }
+    static uint32_t countOf(Cell cell) noexcept { return static_cast<uint32_t>(cell & tagBits) / 2; }
+    static Branch *branch(Cell cell) noexcept { return reinterpret_cast<Branch *>(cell - branchTag); }
+    static Bucket *bucket(Cell cell) noexcept { return reinterpret_cast<Bucket *>(cell & ~tagBits); }
+    static VxLnkNode *single(Cell cell) noexcept { return reinterpret_cast<VxLnkNode *>(cell & ~tagBits); }
+    static Cell cellOf(const void *block, uint32_t count) noexcept
+    {
+        return reinterpret_cast<Cell>(block) + 2 * Cell{count};
+    }
+
+    /** The node of a key in its bucket, or null. */
+    static VxLnkNode *nodeIn(Cell cell, int32_t key) noexcept
+    {
+        uint32_t count = countOf(cell);
+        if (count > 1) {
+            const Bucket &several = *bucket(cell);
+            uint32_t at = several.placeOf(key);
+            return at < count ? several.nodes[at] : nullptr;
+        }
+        VxLnkNode *one = single(cell);
+        return one && one->key == key ? one : nullptr;
+    }
+
+    Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
+    bool add(Cell &cell, int32_t key, VxLnkNode *node);
+    bool split(Cell &cell, uint32_t shift);
+    VxLnkNode *takeFrom(Cell &cell, int32_t key) noexcept;
+    VxLnkNode *newNode(int32_t key);
+    void linkIntoChain(VxLnkNode *node) noexcept;
+
+    Cell root_ = 0;
+    VxLnkNode *chain_ = nullptr;
+    BlockPool nodes_;
+    BlockPool buckets_;
+    BlockPool branches_;
+};
+
+}
