@@ -186,11 +186,17 @@ uint32_t grow(VxList &list, int32_t extra)
     return VxResizeArr(&list, extra);
 }
 
+/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was. */
+bool makeRoom(VxList &list, int32_t last, int32_t extra)
+{
+    return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);
+}
+
 uint32_t set(VxList &list, int32_t index, const void *element)
 {
     if (index < 0)
         return 1;
-    if (index >= list.capacity && grow(list, slotsToAdd(list, index)))
+    if (index >= list.capacity && !makeRoom(list, index, slotsToAdd(list, index)))
         return 1;
     char *slot = slotAt(list, index);
     if (index >= list.count) {
@@ -211,10 +217,8 @@ uint32_t insert(VxList &list, int32_t index, const void *element)
         index = list.count;
     if (index < 0)
         return 1;
-    if ((index >= list.capacity || list.count >= list.capacity) && grow(list, slotsToAdd(list, index)))
-        return 1;
     int32_t last = std::max(index, list.count);
-    if (!backSlots(list, last))
+    if (!makeRoom(list, last, last >= list.capacity ? slotsToAdd(list, index) : 0))
         return 1;
     if (index < list.count)
         moveElements(list, index, index + 1, list.count - index);
@@ -253,26 +257,27 @@ uint32_t truncate(VxList &list, int32_t n)
     return 0;
 }
 
-/** Room for `needed` elements, at the level of pages that so many are made with. */
-uint32_t reserve(VxList &list, int32_t needed)
+/** More slots, at the level of pages that a list of so many is made with. */
+uint32_t growTo(VxList &list, int32_t capacity)
 {
-    if (needed <= list.capacity)
-        return backSlots(list, needed - 1) ? 0 : 1;
-    int32_t level = pageLevelFor(list.elemSize, needed);
+    int32_t level = pageLevelFor(list.elemSize, capacity);
     if (level < 0)
         return 1;
     if (list.pageLevel == 0 && level > 0)
-        return turnIntoPages(list, level, needed);
-    return grow(list, needed - list.capacity);
+        return turnIntoPages(list, level, capacity);
+    return grow(list, capacity - list.capacity);
 }
 
 uint32_t append(VxList &list, VxList &source)
 {
     int64_t needed = int64_t{list.count} + source.count;
-    if (needed > INT32_MAX || reserve(list, static_cast<int32_t>(needed)))
+    if (needed > INT32_MAX)
+        return 1;
+    auto count = static_cast<int32_t>(needed);
+    if (!makeRoom(list, count - 1, 0) || (count > list.capacity && growTo(list, count)))
         return 1;
     copyElements(source, list, list.count, source.count);
-    list.count = static_cast<int32_t>(needed);
+    list.count = count;
     source.count = 0;
     return 0;
 }

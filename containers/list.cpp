@@ -202,14 +202,33 @@ uint32_t VxListFill(VxList *list, int32_t first, int32_t n, const void *element)
     return 0;
 }
 
+namespace {
+
+/** Index of the first element that is equal; false when there is none. */
+bool findEqual(VxList *list, const void *element, int32_t direction, int32_t &index)
+{
+    VxListIter iter;
+    if (!element || VxListItrInit2(list, direction, &iter))
+        return false;
+    for (void *stored = nullptr; VxListItrPtr(&iter, &stored) == 0;) {
+        if (!equal(*list, stored, element))
+            continue;
+        index = iter.index;
+        return true;
+    }
+    return false;
+}
+
+}
+
 uint32_t VxListSetUnique(VxList *list, const void *element, int32_t *index)
 {
     if (!index)
         return 1;
-    *index = VxListIndexOf(list, element, 0);
+    *index = -1;
     if (!list || !element)
         return 1;
-    if (*index != -1)
+    if (findEqual(list, element, 0, *index))
         return 0;
     int64_t next = list->layout == keyed ? int64_t{list->capacity} + 1 : list->count;
     if (next > INT32_MAX || VxListSet(list, static_cast<int32_t>(next), element))
@@ -220,13 +239,9 @@ uint32_t VxListSetUnique(VxList *list, const void *element, int32_t *index)
 
 int32_t VxListIndexOf(VxList *list, const void *element, int32_t direction)
 {
-    VxListIter iter;
-    if (!element || VxListItrInit2(list, direction, &iter))
-        return -1;
-    for (void *stored = nullptr; VxListItrPtr(&iter, &stored) == 0;)
-        if (equal(*list, stored, element))
-            return iter.index;
-    return -1;
+    int32_t index = -1;
+    findEqual(list, element, direction, index);
+    return index;
 }
 
 // ---------------------------------------------------------------- removal and size

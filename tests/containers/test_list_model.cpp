@@ -1,0 +1,430 @@
+// Lists of every layout beside a model, through random operations and
+// conversions; after each one, content, count, capacity and all walks agree.
+// The second run refuses every allocation of every operation in turn: what
+// fails changes nothing.
+
+#include <cstring>
+#include <functional>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/os/fault.h"
+#include "tests/containers/list_model.h"
+#include "tests/session/started_toolkit.h"
+#include "vx/mem.h"
+
+namespace vx::test {
+
+namespace {
+
+int32_t byWords(const void *a, const void *b)
+{
+    return std::memcmp(a, b, valueBytes);
+}
+
+/** A tree's: equal values are rejected, which leaves them in the list all the same. */
+int32_t forTree(const void *a, const void *b)
+{
+    int32_t result = byWords(a, b);
+    return result == 0 ? 2 : result < 0 ? 1 : 0;
+}
+
+/** A list and what it is to hold. A wrapped list's array is freed here. */
+struct Pair {
+    VxList *list = nullptr;
+    ListModel model;
+
+    Pair() = default;
+    Pair(const Pair &) = delete;
+    Pair &operator=(const Pair &) = delete;
+    ~Pair()
+    {
+        void *array = list && list->layout == wrapped ? list->data : nullptr;
+        VxListDel(&list);
+        VxMemFree(&array);
+    }
+};
+
+void expectSame(const Pair &pair)
+{
+    VxList *list = pair.list;
+    const ListModel &model = pair.model;
+    ASSERT_EQ(list->layout, model.layout);
+    ASSERT_EQ(list->count, model.count());
+    ASSERT_EQ(list->capacity, model.capacity);
+    ASSERT_EQ(list->pageLevel, model.level);
+    ASSERT_EQ(list->increment, model.increment);
+    for (int32_t direction = 0; direction < 3; ++direction) {
+        VxListIter iter;
+        Value value{};
+        ASSERT_EQ(VxListItrInit2(list, direction, &iter), 0u);
+        for (const Item &item : model.walk(direction)) {
+            ASSERT_EQ(VxListItr(&iter, &value), 0) << "direction " << direction << " at " << item.key;
+            ASSERT_EQ(iter.index, item.key) << "direction " << direction;
+            ASSERT_EQ(value, item.value) << "direction " << direction << " at " << item.key;
+        }
+        ASSERT_EQ(VxListItr(&iter, &value), -1) << "direction " << direction;
+    }
+    for (const Item &item : model.walk(0)) {
+        Value value{};
+        ASSERT_EQ(VxListGet(list, item.key, &value), 0u);
+        ASSERT_EQ(value, item.value) << "at " << item.key;
+    }
+}
+
+struct Parameters {
+    int32_t layout;
+    bool refusing;
+};
+
+class ListRun : public StartedToolkit, public testing::WithParamInterface<Parameters> {
+protected:
+    using Call = std::function<uint32_t()>;
+
+    void SetUp() override
+    {
+        StartedToolkit::SetUp();
+        savedPage_ = std::exchange(VgPageSize, smallPage);
+        seed_ = static_cast<uint32_t>(1000 + GetParam().layout);
+        random_.seed(seed_);
+        make(pair_, GetParam().layout);
+    }
+
+    void TearDown() override
+    {
+        VgPageSize = savedPage_;
+        StartedToolkit::TearDown();
+    }
+
+    int32_t below(int32_t n) { return static_cast<int32_t>(random_() % static_cast<uint32_t>(n)); }
+    int32_t between(int32_t low, int32_t high) { return low + below(high - low + 1); }
+    Value anyValue() { return {{below(12), 1, 2}}; }
+
+    void make(Pair &pair, int32_t layout)
+    {
+        int32_t capacity = layout == wrapped ? 60 : below(12);
+        int32_t increment = below(6);
+        ASSERT_EQ(VxListMk(layout, valueBytes, capacity, increment, forTree, &pair.list), 0u);
+        pair.model = *ListModel::made(layout, capacity, increment);
+    }
+
+    /** Another list of any layout, with a few values. */
+    void fill(Pair &pair)
+    {
+        make(pair, below(6));
+        for (int32_t n = below(25); n > 0; --n) {
+            int32_t index = pair.model.layout == keyed ? between(-20, 60) : pair.model.count();
+            Value value = anyValue();
+            pair.model.set(index, value);
+            ASSERT_EQ(VxListSet(pair.list, index, &value), 0u);
+        }
+    }
+
+    /** Run an operation that is to bring the list to `next`, or to fail. */
+    void expect(const Call &call, const std::optional<ListModel> &next, const Pair *other = nullptr)
+    {
+        for (int64_t nth = 1;; ++nth) {
+            void *array = pair_.list->layout == wrapped ? pair_.list->data : nullptr;
+            fault::refuse(fault::Kind::allocation, GetParam().refusing ? nth : 0);
+            uint32_t result = call();
+            bool met = fault::refusals(fault::Kind::allocation) > 0;
+            fault::refuse(fault::Kind::allocation, 0);
+            VxErrClear();
+            if (result == 0) {
+                ASSERT_TRUE(next) << "succeeded";
+                if (array && pair_.list->data != array)
+                    VxMemFree(&array);
+                return become(*next);
+            }
+            ASSERT_NO_FATAL_FAILURE(expectSame(pair_)) << "after a failure";
+            if (other) {
+                ASSERT_NO_FATAL_FAILURE(expectSame(*other)) << "after a failure, the source";
+            }
+            if (!next)
+                return;
+            ASSERT_TRUE(met) << "failed";
+        }
+    }
+
+    /** Slots that a store past the end passed hold anything, and are taken over as they are. */
+    void become(const ListModel &next)
+    {
+        int32_t known = pair_.model.count();
+        pair_.model = next;
+        for (int32_t i = known; pair_.model.inSlots() && i < next.count(); ++i) {
+            Value &value = pair_.model.items[static_cast<size_t>(i)].value;
+            if (value == Value{}) {
+                ASSERT_EQ(VxListGet(pair_.list, i, &value), 0u) << "slot " << i;
+            }
+        }
+        expectSame(pair_);
+    }
+
+    template <typename Change> std::optional<ListModel> after(Change change)
+    {
+        ListModel next = pair_.model;
+        return change(next) ? std::optional(next) : std::nullopt;
+    }
+
+    /** Mostly an index that means something, at times one around every limit. */
+    int32_t anyIndex()
+    {
+        const ListModel &model = pair_.model;
+        if (model.layout == keyed)
+            return below(40) == 0 ? INT32_MIN + below(2) : between(-60, 200);
+        switch (below(8)) {
+        case 0: return between(-2, 0);
+        case 1: return model.capacity + std::max(model.increment, 1) * 11 - below(3);
+        case 2: return model.count() + below(4);
+        case 3: return model.count();
+        default: return model.count() > 0 ? below(model.count()) : 0;
+        }
+    }
+
+    void store()
+    {
+        int32_t index = anyIndex();
+        Value value = anyValue();
+        if (below(2) == 0)
+            expect([&] { return VxListSet(pair_.list, index, &value); },
+                   after([&](ListModel &next) { return next.set(index, value); }));
+        else
+            expect([&] { return VxListIns(pair_.list, index, &value); },
+                   after([&](ListModel &next) { return next.insert(index, value); }));
+    }
+
+    void storeUnique()
+    {
+        Value value = anyValue();
+        value.words[0] += 6;
+        int32_t index = 0;
+        int32_t wanted = pair_.model.layout == keyed ? pair_.model.capacity + 1 : pair_.model.count();
+        std::vector<Item> visits = pair_.model.walk(0);
+        auto known = std::find_if(visits.begin(), visits.end(), [&](const Item &i) { return i.value == value; });
+        bool present = known != visits.end();
+        if (present)
+            wanted = known->key;
+        expect([&] { return VxListSetUnique(pair_.list, &value, &index); },
+               after([&](ListModel &next) { return present || next.set(wanted, value); }));
+        bool stored = pair_.model.layout == keyed || pair_.model.count() > wanted;
+        EXPECT_EQ(index, stored ? wanted : -1);
+    }
+
+    void removeRange()
+    {
+        int32_t first = anyIndex();
+        int32_t last = first + below(8);
+        expect([&] { return VxListDelElem(pair_.list, first, last); },
+               after([&](ListModel &next) { return next.remove(first, last); }));
+    }
+
+    void removeValue()
+    {
+        Value value = anyValue();
+        expect([&] { return VxListDelVal(pair_.list, &value); },
+               after([&](ListModel &next) { return next.removeEqual(value); }));
+    }
+
+    void truncate()
+    {
+        int32_t n = std::max(pair_.model.count() - below(below(4) == 0 ? 200 : 12), below(6) - 1);
+        expect([&] { return VxListDownsize(pair_.list, n); },
+               after([&](ListModel &next) { return next.truncate(n); }));
+    }
+
+    void growOrReset()
+    {
+        int32_t extra = below(20);
+        if (below(8) != 0)
+            return expect([&] { return VxListResizeArr(pair_.list, extra); },
+                          after([&](ListModel &next) { return next.grow(extra); }));
+        expect([&] { return VxListReset(pair_.list); }, after([](ListModel &next) {
+                   next.items.clear();
+                   return true;
+               }));
+    }
+
+    void reorder()
+    {
+        auto sorted = [](ListModel &next) {
+            if (!next.inSlots())
+                return false;
+            std::stable_sort(next.items.begin(), next.items.end(), [](const Item &a, const Item &b) {
+                return byWords(&a.value, &b.value) < 0;
+            });
+            return true;
+        };
+        if (below(2) == 0)
+            return expect([&] { return VxListSort(pair_.list, byWords); }, after(sorted));
+        expect([&] { return VxListRvrs(pair_.list); }, after([](ListModel &next) {
+                   if (next.layout != keyed && next.layout != tree)
+                       std::reverse(next.items.begin(), next.items.end());
+                   return true;
+               }));
+    }
+
+    /** Indices sorted by value, ties by index: exact for the stable sort. */
+    void sortIndices()
+    {
+        std::vector<Item> wanted = pair_.model.walk(1);
+        std::stable_sort(wanted.begin(), wanted.end(),
+                         [](const Item &a, const Item &b) { return byWords(&a.value, &b.value) < 0; });
+        int32_t *order = nullptr;
+        expect([&] { return VxListSort3(pair_.list, byWords, &order); }, pair_.model);
+        for (size_t i = 0; i < wanted.size(); ++i)
+            ASSERT_EQ(order[i], wanted[i].key);
+        Value value = anyValue();
+        int32_t found = 0;
+        int32_t index = -1;
+        ASSERT_EQ(VxListSrch(pair_.list, order, &value, byWords, &found, &index), 0u);
+        bool present = std::any_of(wanted.begin(), wanted.end(), [&](const Item &i) { return i.value == value; });
+        EXPECT_EQ(found, present);
+        Value hit{};
+        if (found) {
+            ASSERT_EQ(VxListGet(pair_.list, index, &hit), 0u);
+            EXPECT_EQ(hit, value);
+        }
+        void *block = order;
+        VxMemFree(&block);
+    }
+
+    void convert()
+    {
+        bool away = pair_.model.layout != GetParam().layout;
+        int32_t layout = away && below(2) == 0 ? GetParam().layout : below(6);
+        if (below(6) != 0)
+            return expect([&] { return VxListConvert(layout, pair_.list); }, pair_.model.convertedTo(layout));
+        auto next = pair_.model.layout == wrapped || (pair_.model.layout == array && pair_.model.level == 0)
+                        ? pair_.model
+                        : *pair_.model.convertedTo(linked);
+        if (next.layout == linked) {
+            next.layout = array;
+            next.capacity = next.count();
+            next.increment = std::max(pair_.model.increment, 1);
+        } else if (next.layout == array && next.level > 0) {
+            next.level = 0;
+            next.capacity = next.count();
+        }
+        void *elements = nullptr;
+        expect([&] { return VxListGetArray(pair_.list, &elements); }, next);
+        EXPECT_EQ(elements, pair_.model.count() > 0 ? pair_.list->data : nullptr);
+    }
+
+    void concatenate()
+    {
+        Pair source;
+        fill(source);
+        auto next = after([&](ListModel &list) { return list.append(source.model); });
+        expect([&] { return VxListConcat(pair_.list, source.list); }, next, &source);
+        if (next) {
+            EXPECT_EQ(source.list->count, 0);
+        }
+    }
+
+    void copyFromAnother()
+    {
+        Pair source;
+        fill(source);
+        bool sameKeys = below(2) == 0;
+        auto next = after([&](ListModel &list) {
+            if (list.layout != keyed)
+                return list.append(source.model) || source.model.items.empty();
+            for (const Item &item : source.model.walk(0))
+                list.set(sameKeys ? item.key : list.count(), item.value);
+            return true;
+        });
+        expect([&] { return (sameKeys ? VxListCopy2 : HashConvertList)(source.list, pair_.list); }, next, &source);
+        expectSame(source);
+    }
+
+    /** Go on with a copy in the list's place. */
+    void goOnWithCopy()
+    {
+        ListModel next = pair_.model;
+        if (next.layout == wrapped)
+            next.layout = array;
+        if (next.inSlots()) {
+            next.capacity = std::max(next.capacity, 1);
+            next.increment = std::max(next.increment, 1);
+        }
+        VxList *copy = nullptr;
+        expect([&] { return VxListCopy(pair_.list, &copy); }, pair_.model);
+        if (next.layout == array && next.level > 0)
+            next.level = ListModel::levelFor(next.capacity);
+        void *data = pair_.list->layout == wrapped ? pair_.list->data : nullptr;
+        VxListDel(&pair_.list);
+        VxMemFree(&data);
+        pair_.list = copy;
+        pair_.model = next;
+        expectSame(pair_);
+    }
+
+    void step(bool growing)
+    {
+        int32_t kind = below(40);
+        if (kind < (growing ? 20 : 8))
+            return store();
+        if (kind < (growing ? 24 : 16))
+            return growing && below(3) != 0 ? concatenate() : removeRange();
+        switch (kind) {
+        case 24: return growOrReset();
+        case 25: return removeValue();
+        case 26: return growing ? store() : truncate();
+        case 27: return truncate();
+        case 28: return reorder();
+        case 29: return sortIndices();
+        case 30:
+        case 31: return convert();
+        case 32: return concatenate();
+        case 33: return copyFromAnother();
+        case 34: return goOnWithCopy();
+        case 35: return storeUnique();
+        default: return growing ? store() : removeRange();
+        }
+    }
+
+    Pair pair_;
+    uint32_t seed_ = 0;
+    bool seenLevel_[3] = {};
+
+private:
+    std::mt19937 random_;
+    int32_t savedPage_ = 0;
+};
+
+TEST_P(ListRun, AgreesWithItsModelAfterEveryStep)
+{
+    const int steps = GetParam().refusing ? 400 : 6000;
+    for (int i = 0; i < steps; ++i) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed_ << ", step " << i << ", layout " << pair_.model.layout
+                                        << ", count " << pair_.model.count());
+        step(i / 150 % 2 == 0 && pair_.model.count() < 300);
+        if (HasFatalFailure())
+            return;
+        seenLevel_[pair_.model.level] = true;
+    }
+    if (GetParam().layout == array) {
+        EXPECT_TRUE(seenLevel_[0] && seenLevel_[1] && seenLevel_[2]) << "not every page level was reached";
+    }
+}
+
+std::string nameOf(const testing::TestParamInfo<Parameters> &info)
+{
+    static const char *const names[] = {"Keyed", "Linked", "Array", "Pointers", "Tree", "Wrapped"};
+    return std::string(names[info.param.layout]) + (info.param.refusing ? "Refused" : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, ListRun,
+                         testing::Values(Parameters{keyed, false}, Parameters{linked, false},
+                                         Parameters{array, false}, Parameters{pointers, false},
+                                         Parameters{tree, false}, Parameters{wrapped, false},
+                                         Parameters{keyed, true}, Parameters{linked, true},
+                                         Parameters{array, true}, Parameters{pointers, true},
+                                         Parameters{tree, true}, Parameters{wrapped, true}),
+                         nameOf);
+
+}
+
+}
