@@ -118,7 +118,7 @@ const bool registered = [] {
     };
     add("contains", 7, "vx", contains<Vx>);
     add("contains", 7, "linear scan", contains<Scan>);
-    for (size_t n : {10'000, 1'000'000}) {
+    for (size_t n : {size_t{10'000}, size_t{1'000'000}}) {
         add("contains", n, "vx", contains<Vx>);
         add("contains", n, "unordered_set", contains<Unordered>);
         add("add", n, "vx", fill<Vx>);

@@ -9,7 +9,6 @@ namespace vx::containers {
 
 namespace {
 
-constexpr int32_t array = 2;
 constexpr int32_t slots = 10; ///< of a new list, and of each growth
 
 template <typename T> uint32_t makeList(VxList *&list)
@@ -69,6 +68,11 @@ uint32_t make(VxGraph &graph, int32_t n)
         makeList<VxGraphRegion>(graph.regions))
         return 1;
     return makeNodes(*graph.nodes, n);
+}
+
+bool isNode(VxGraph &graph, int32_t number)
+{
+    return holds<VxGraphNode>(graph.nodes) && number >= 0 && number < graph.nodes->count;
 }
 
 /** Append to both lists, or to neither; they may be one. */
@@ -132,15 +136,18 @@ uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t direct
         *edge = nullptr;
     if (!graph || !holds<VxGraphEdge>(graph->edges))
         return 1;
-    VxGraphNode *first = liveNodeAt(*graph, from);
-    VxGraphNode *second = liveNodeAt(*graph, to);
     int32_t number = graph->edges->count;
-    if (!first || !second || appendToBoth(first->edges, directed ? nullptr : second->edges, number))
+    if (!isNode(*graph, from) || !isNode(*graph, to))
+        return 1;
+    // A removed node has no list. Where a directed edge leads is not looked at: the node may be far in memory.
+    VxList *first = nodeAt(*graph, from)->edges;
+    VxList *second = directed ? nullptr : nodeAt(*graph, to)->edges;
+    if (!first || (!directed && !second) || appendToBoth(first, second, number))
         return 1;
     if (append(graph->edges, newEdge(from, to))) {
-        dropLast(*first->edges);
-        if (!directed)
-            dropLast(*second->edges);
+        dropLast(*first);
+        if (second)
+            dropLast(*second);
         return 1;
     }
     if (edge)
