@@ -106,14 +106,14 @@ template <typename T> void deleteEdgeLists(VxList *records)
             VxListDel(&record->edges);
 }
 
-}
+} // namespace
 
 uint32_t makeNumbers(VxList *&list)
 {
     return makeList<int32_t>(list);
 }
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 
@@ -139,7 +139,7 @@ uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t direct
     int32_t number = graph->edges->count;
     if (!isNode(*graph, from) || !isNode(*graph, to))
         return 1;
-    // A removed node has no list. Where a directed edge leads is not looked at: the node may be far in memory.
+    // A removed node has no list. The far end of a directed edge is not looked at: a cache miss.
     VxList *first = nodeAt(*graph, from)->edges;
     VxList *second = directed ? nullptr : nodeAt(*graph, to)->edges;
     if (!first || (!directed && !second) || appendToBoth(first, second, number))

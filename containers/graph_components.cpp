@@ -42,7 +42,7 @@ struct Flat {
     std::vector<uint8_t> live;
     Numbers from, to; ///< of each edge; none for one that was removed or leads to a removed node
     Ways ways;
-    Numbers edgeOf;   ///< the edge of each way
+    Numbers edgeOf; ///< the edge of each way
 };
 
 /** What the post-order walk finds. */
@@ -300,9 +300,9 @@ uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
     return 0;
 }
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 uint32_t VxGraphSCC(VxGraph *graph, int32_t *count, VxList ***components)
 {

@@ -83,4 +83,4 @@ template <typename T> uint32_t append(VxList *list, const T &record)
 /** A new list of edge numbers. */
 uint32_t makeNumbers(VxList *&list);
 
-}
+} // namespace vx::containers

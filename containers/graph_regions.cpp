@@ -14,7 +14,6 @@ namespace {
 using Numbers = std::vector<int32_t>;
 
 constexpr uint32_t withoutRegion = 5;
-constexpr int32_t cycleClosed = 3;
 constexpr double notCrossed = -1;
 
 /** The region to rebuild, and whether the edge that led to it borders no other. */
@@ -58,7 +57,7 @@ uint32_t readNumbers(VxList *list, Numbers &numbers)
     return 0;
 }
 
-/** Keep the walk from crossing edges at the border of all regions; `start` becomes a node of the last of these. */
+/** Keep the walk from crossing edges with one region; `start` becomes a node of the last of these. */
 void closeBorder(VxGraph &graph, int32_t &start)
 {
     for (int32_t i = 0; i < graph.edges->count; ++i) {
@@ -92,7 +91,7 @@ Numbers loopOf(VxGraph &graph, int32_t from, int32_t to, int32_t edge)
 
 uint32_t collectLoop(VxGraph *graph, int32_t from, int32_t to, int32_t edge, int32_t event)
 {
-    if (event != cycleClosed)
+    if (event != VX_GRAPH_CYCLE)
         return 0;
     auto loop = static_cast<Loop *>(graph->context);
     try {
@@ -116,7 +115,8 @@ uint32_t findLoop(VxGraph &graph, int32_t start, Loop &loop)
 
 bool borders(const VxGraphEdge &edge, int32_t region) noexcept
 {
-    return (edge.regionCount > 0 && edge.region[0] == region) || (edge.regionCount > 1 && edge.region[1] == region);
+    return (edge.regionCount > 0 && edge.region[0] == region) ||
+           (edge.regionCount > 1 && edge.region[1] == region);
 }
 
 void detach(VxGraphEdge &edge, int32_t region) noexcept
@@ -226,9 +226,9 @@ template <typename Body> uint32_t guarded(Body &&body)
     }
 }
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 

@@ -17,8 +17,6 @@ namespace {
 
 enum Mode : int32_t { preOrder, postOrder, breadthFirst };
 
-enum Event : int32_t { reached, finished, targetReached, cycleClosed };
-
 constexpr int32_t onPath = -2;
 constexpr uint32_t removedStart = 4;
 
@@ -40,7 +38,7 @@ public:
     {
         if (start == target_)
             arrive({none, start}, none);
-        else if (report(none, start, none, reached) && enter(start))
+        else if (report(none, start, none, VX_GRAPH_REACHED) && enter(start))
             mode_ == breadthFirst ? spread() : descend();
         return result_;
     }
@@ -61,7 +59,7 @@ private:
         return false;
     }
 
-    bool report(int32_t from, int32_t to, int32_t edge, Event event)
+    bool report(int32_t from, int32_t to, int32_t edge, int32_t event)
     {
         uint32_t answer = tell_ ? tell_(&graph_, from, to, edge, event) : 0;
         return answer == 0 || stop(answer);
@@ -75,7 +73,7 @@ private:
             return stop(1);
         node->number = counter_++;
         found_ = true;
-        return report(from, way.to, way.edge, targetReached) && stop(0);
+        return report(from, way.to, way.edge, VX_GRAPH_TARGET) && stop(0);
     }
 
     bool enter(int32_t number)
@@ -100,7 +98,7 @@ private:
         node->parentEdge = way.edge;
         if (way.to == target_)
             return arrive(way, from);
-        return report(from, way.to, way.edge, reached) && enter(way.to);
+        return report(from, way.to, way.edge, VX_GRAPH_REACHED) && enter(way.to);
     }
 
     /** Move a step on to the next edge that can be followed; `way` stays empty behind the last. */
@@ -134,7 +132,7 @@ private:
         if (!edge)
             return stop(1);
         edge->cycle = 1;
-        return report(from, way.to, way.edge, cycleClosed);
+        return report(from, way.to, way.edge, VX_GRAPH_CYCLE);
     }
 
     /** An edge to a node already reached closes a cycle unless it leads down to a later number. */
@@ -143,14 +141,14 @@ private:
         int32_t number = nodeAt(graph_, way.to)->number;
         if (number > nodeAt(graph_, from)->number)
             return true;
-        if (!report(from, way.to, way.edge, reached) || !closeCycle(from, way))
+        if (!report(from, way.to, way.edge, VX_GRAPH_REACHED) || !closeCycle(from, way))
             return false;
         if (VxGraphNode *node = liveNodeAt(graph_, from))
             keepLow(*node, number);
         return true;
     }
 
-    /** Keep the two smallest numbers (J. Hopcroft, R. Tarjan, "Dividing a Graph into Triconnected Components"). */
+    /** Keep the two smallest numbers. */
     static void keepLow(VxGraphNode &node, int32_t number) noexcept
     {
         if (number < node.low) {
@@ -168,7 +166,7 @@ private:
         VxGraphNode *node = liveNodeAt(graph_, number);
         if (!node)
             return stop(1);
-        if (!report(node->parentNode, number, node->parentEdge, finished))
+        if (!report(node->parentNode, number, node->parentEdge, VX_GRAPH_FINISHED))
             return false;
         node = liveNodeAt(graph_, number);
         if (!node)
@@ -229,9 +227,9 @@ private:
     bool found_ = false;
 };
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 

@@ -75,9 +75,9 @@ void append(VxIdList &list, const VxIdEntry &entry)
     list.entries[list.count++] = entry;
 }
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 
@@ -122,9 +122,8 @@ uint32_t VxIdListSort(VxIdList *list, int32_t removeDuplicates)
     VxIdEntry *end = list->entries + list->count;
     std::sort(list->entries, end, comesBefore);
     if (removeDuplicates) {
-        end = std::unique(list->entries, end, [](const VxIdEntry &x, const VxIdEntry &y) {
-            return VxIdSame(&x.id, &y.id) != 0;
-        });
+        end = std::unique(list->entries, end,
+                          [](const VxIdEntry &x, const VxIdEntry &y) { return VxIdSame(&x.id, &y.id) != 0; });
         list->count = static_cast<int32_t>(end - list->entries);
     }
     return 0;

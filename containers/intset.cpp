@@ -35,7 +35,7 @@ bool isIndexed(const VxIntSet &set, int32_t value)
     return VxListGetPtr(set.index, value, &element) == 0;
 }
 
-/** A contiguous list is looked through here: a search by comparison of bytes would cost several times as much. */
+/** A contiguous list is looked through here: comparing bytes would cost several times as much. */
 bool isAmong(VxList &values, int32_t value)
 {
     if ((values.layout != array && values.layout != wrapped) || values.pageLevel != 0)
@@ -107,9 +107,9 @@ int32_t *member(VxListIter &iter, void *element) noexcept
     return iter.list->elemSize == keySize ? &iter.index : static_cast<int32_t *>(element);
 }
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 

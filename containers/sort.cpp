@@ -54,9 +54,8 @@ int32_t insertRecord(void *array, int32_t *count, int32_t size, const void *reco
 }
 
 /** `onDelete` is told of the record while it still stands in its place. */
-template <typename Compare, typename OnDelete>
-int32_t deleteRecord(void *array, int32_t *count, int32_t size, Search search, Compare &&compare,
-                     OnDelete &&onDelete)
+template <typename Compare, typename OnDelete> int32_t
+deleteRecord(void *array, int32_t *count, int32_t size, Search search, Compare &&compare, OnDelete &&onDelete)
 {
     if (!array || !count || *count < 1 || size < 1)
         return 0;
@@ -107,9 +106,9 @@ bool makeRoom(VxPairTable &table)
     return true;
 }
 
-}
+} // namespace
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 

@@ -44,8 +44,7 @@ Outcome walk(Graph &graph, int32_t mode, int32_t start, int32_t target = -1, int
     Outcome outcome;
     outcome.counter = counter;
     graph.graph.context = &outcome.events;
-    outcome.result =
-        VxGraphWalk(&graph.graph, mode, start, target, record, &outcome.counter, &outcome.found);
+    outcome.result = VxGraphWalk(&graph.graph, mode, start, target, record, &outcome.counter, &outcome.found);
     graph.graph.context = nullptr;
     return outcome;
 }
@@ -208,7 +207,7 @@ void expectAgreement(Graph &graph, int32_t mode, int32_t start, int32_t target)
         EXPECT_EQ(graph.edge(i).cycle, model.cycle[static_cast<size_t>(i)]);
 }
 
-}
+} // namespace
 
 TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
 {
@@ -217,7 +216,9 @@ TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
     std::mt19937 random(seed);
     for (int round = 0; round < 600 && !testing::Test::HasFailure(); ++round) {
         auto n = static_cast<int32_t>(2 + random() % 9);
-        auto below = [&](int32_t limit) { return static_cast<int32_t>(random() % static_cast<unsigned>(limit)); };
+        auto below = [&](int32_t limit) {
+            return static_cast<int32_t>(random() % static_cast<unsigned>(limit));
+        };
         Graph graph(n);
         bool undirected = round % 3 == 0;
         for (int32_t i = below(3 * n); i >= 0; --i)

@@ -76,7 +76,7 @@ void expectAgreementWithBoost(int32_t nodes, const Pairs &pairs)
             FAIL() << "an edge leads back: " << from << " to " << to;
 }
 
-}
+} // namespace
 
 TEST(GraphComponents, ofAMillionRandomEdgesAgreeWithBoost)
 {
@@ -122,7 +122,8 @@ TEST(GraphComponents, agreeWithReachabilityWhereNodesAndEdgesWereRemoved)
         if (random() % 2)
             VxGraphNodeDel(&graph.graph, static_cast<int32_t>(random()) % n);
 
-        std::vector<std::vector<bool>> reaches(static_cast<size_t>(n), std::vector<bool>(static_cast<size_t>(n)));
+        std::vector<std::vector<bool>> reaches(static_cast<size_t>(n),
+                                               std::vector<bool>(static_cast<size_t>(n)));
         for (int32_t i = 0; i < graph.edges(); ++i) {
             const VxGraphEdge &edge = graph.edge(i);
             if (!edge.removed && !graph.node(edge.from).removed && !graph.node(edge.to).removed)

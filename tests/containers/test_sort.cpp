@@ -63,7 +63,8 @@ struct Table {
     std::vector<Record> records;
     int32_t count;
 
-    explicit Table(std::vector<Record> initial) : records(std::move(initial)), count(static_cast<int32_t>(records.size()))
+    explicit Table(std::vector<Record> initial)
+        : records(std::move(initial)), count(static_cast<int32_t>(records.size()))
     {
         records.push_back({});
     }
