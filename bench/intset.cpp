@@ -42,7 +42,7 @@ struct Vx {
 
     Vx()
     {
-        VxListMk(2, sizeof(int32_t), 10, 10, nullptr, &values);
+        VxListMk(2, sizeof(int32_t), 1000, 1000, nullptr, &values);
         VxIntSetInit(values, &set);
     }
     ~Vx()

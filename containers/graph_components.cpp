@@ -35,12 +35,17 @@ struct Ways {
     Numbers first, to;
 };
 
-/** A graph without what was removed: the ends of its edges and the ways out of its nodes. */
+struct Ends {
+    int32_t from = none;
+    int32_t to = none;
+};
+
+/** A graph without what was removed: the ends of its edges, and the ways out of its nodes. */
 struct Flat {
     int32_t nodes = 0;
     int32_t edges = 0;
     std::vector<uint8_t> live;
-    Numbers from, to; ///< of each edge; none for one that was removed or leads to a removed node
+    std::vector<Ends> ends; ///< of each edge; none for one that was removed or leads to a removed node
     Ways ways;
     Numbers edgeOf; ///< the edge of each way
 };
@@ -70,18 +75,15 @@ void readNodes(VxGraph &graph, Flat &flat)
 bool readEdges(VxGraph &graph, Flat &flat)
 {
     flat.edges = graph.edges->count;
-    flat.from.assign(at(flat.edges), none);
-    flat.to.assign(at(flat.edges), none);
+    flat.ends.resize(at(flat.edges));
     for (int32_t i = 0; i < flat.edges; ++i) {
         const VxGraphEdge *edge = liveEdgeAt(graph, i);
         if (!edge)
             continue;
         if (edge->from < 0 || edge->from >= flat.nodes || edge->to < 0 || edge->to >= flat.nodes)
             return false;
-        if (!flat.live[at(edge->from)] || !flat.live[at(edge->to)])
-            continue;
-        flat.from[at(i)] = edge->from;
-        flat.to[at(i)] = edge->to;
+        if (flat.live[at(edge->from)] && flat.live[at(edge->to)])
+            flat.ends[at(i)] = {edge->from, edge->to};
     }
     return true;
 }
@@ -106,9 +108,10 @@ bool readWays(VxGraph &graph, Flat &flat)
                 continue;
             if (edge < 0 || edge >= flat.edges)
                 return false;
-            if (flat.from[at(edge)] == none)
+            Ends ends = flat.ends[at(edge)];
+            if (ends.from == none)
                 continue;
-            ways.to.push_back(flat.from[at(edge)] == i ? flat.to[at(edge)] : flat.from[at(edge)]);
+            ways.to.push_back(ends.from == i ? ends.to : ends.from);
             flat.edgeOf.push_back(edge);
         }
     }
@@ -169,17 +172,16 @@ Ways reversed(const Flat &flat, const Finished &done)
     auto renumbered = [&](int32_t node) { return nodes - 1 - at(done.number[at(node)]); };
     Ways ways;
     ways.first.assign(nodes + 2, 0);
-    for (int32_t to : flat.to)
-        if (to != none)
-            ++ways.first[renumbered(to) + 2];
+    for (Ends ends : flat.ends)
+        if (ends.to != none)
+            ++ways.first[renumbered(ends.to) + 2];
     for (size_t i = 2; i < ways.first.size(); ++i)
         ways.first[i] += ways.first[i - 1];
     ways.to.resize(at(ways.first.back()));
     // first[i + 1] runs from the start of node i's ways to their end.
-    for (size_t edge = 0; edge < flat.to.size(); ++edge)
-        if (flat.to[edge] != none)
-            ways.to[at(ways.first[renumbered(flat.to[edge]) + 1]++)] =
-                static_cast<int32_t>(renumbered(flat.from[edge]));
+    for (Ends ends : flat.ends)
+        if (ends.to != none)
+            ways.to[at(ways.first[renumbered(ends.to) + 1]++)] = static_cast<int32_t>(renumbered(ends.from));
     ways.first.pop_back();
     return ways;
 }

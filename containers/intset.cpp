@@ -4,15 +4,13 @@
 
 #include <algorithm>
 
+#include "containers/nodes.h"
+#include "containers/records.h"
 #include "vx/mem.h"
 
 namespace vx::containers {
 
 namespace {
-
-constexpr int32_t keyed = 0;
-constexpr int32_t array = 2;
-constexpr int32_t wrapped = 5;
 
 constexpr int32_t valueSize = sizeof(int32_t);
 constexpr int32_t keySize = 1;
@@ -31,8 +29,7 @@ bool hasRightSizes(const VxIntSet &set)
 
 bool isIndexed(const VxIntSet &set, int32_t value)
 {
-    void *element = nullptr;
-    return VxListGetPtr(set.index, value, &element) == 0;
+    return keyedNode(*set.index, value) != nullptr;
 }
 
 /** A contiguous list is looked through here: comparing bytes would cost several times as much. */
@@ -40,11 +37,15 @@ bool isAmong(VxList &values, int32_t value)
 {
     if ((values.layout != array && values.layout != wrapped) || values.pageLevel != 0)
         return VxListIndexOf(&values, &value, 0) != -1;
-    const int32_t *first = static_cast<const int32_t *>(values.data);
-    for (const int32_t *at = first, *end = first + values.count; at != end; ++at)
-        if (*at == value)
-            return true;
-    return false;
+    auto first = static_cast<const int32_t *>(values.data);
+    const int32_t *end = first + values.count;
+    if (values.count > mostWithoutIndex)
+        return std::find(first, end, value) != end;
+    // Few values are compared to the end: a branch less that is hard to foresee.
+    bool found = false;
+    for (const int32_t *at = first; at != end; ++at)
+        found |= *at == value;
+    return found;
 }
 
 bool contains(const VxIntSet &set, int32_t value)
@@ -73,7 +74,7 @@ uint32_t addIndexed(VxIntSet &set, int32_t value, bool &added)
         return 1;
     if (index.count == before)
         return 0;
-    if (set.values && VxListSet(set.values, set.values->count, &value)) {
+    if (set.values && append(set.values, value)) {
         VxListDelElem(&index, value, value);
         index.capacity = highest;
         return 1;

@@ -234,8 +234,10 @@ TEST(IdList, additionSetsPositionsInTheListAndInTheCallersEntry)
 TEST(IdList, sortingKeepsTheSmallestPositionOfEqualIdentifiers)
 {
     List ids;
-    for (int32_t position : {3, 1, 2})
-        ids.list.entries[(ids.add({5, 5, 5}, 0, VxIdListAdd2), ids.list.count - 1)].position = position;
+    for (int32_t position : {3, 1, 2}) {
+        ids.add({5, 5, 5}, 0, VxIdListAdd2);
+        ids.list.entries[ids.list.count - 1].position = position;
+    }
     ids.add({-5, 5, 5});
     EXPECT_EQ(VxIdListSort(&ids.list, 0), 0u);
     EXPECT_EQ(ids.list.count, 4);

@@ -217,7 +217,8 @@ TEST_F(IntSetFailures, refusedMemoryAddsToBothListsOrToNeither)
     vx::test::refusingEachAllocation([] {
         VxList *values = nullptr;
         VxIntSet *set = nullptr;
-        bool made = VxListMk(array, sizeof(int32_t), 2, 3, nullptr, &values) == 0 && VxIntSetMk(values, &set) == 0;
+        bool made = VxListMk(array, sizeof(int32_t), 2, 3, nullptr, &values) == 0;
+        made = made && VxIntSetMk(values, &set) == 0;
         int32_t expected[24];
         int32_t count = 0;
         uint32_t failures = 0;

@@ -111,7 +111,8 @@ TEST(Sort, insertsFindsAndDeletesAsAVectorDoes)
         int32_t keys = 1 + static_cast<int32_t>(random() % 20);
         for (int32_t step = 0; step < 60; ++step) {
             Record record{static_cast<int32_t>(random()) % keys, step};
-            bool known = std::any_of(model.begin(), model.end(), [&](Record r) { return r.key == record.key; });
+            bool known = std::any_of(model.begin(), model.end(),
+                                     [&](Record r) { return r.key == record.key; });
             void *found = nullptr;
             EXPECT_EQ(VxSortFind(table.data(), table.count, sizeof record, &record, byKey, &found), known);
             EXPECT_EQ(found != nullptr, known);
@@ -178,14 +179,16 @@ TEST(Sort, linearSearchFindsWhatIsOutOfOrderButForTheFirst)
     void *found = nullptr;
     Record key{8, 0};
     EXPECT_EQ(VxSortFind2(table.data(), 5, sizeof key, &key, byKeyWithContext, &found, context, nullptr), 0);
-    EXPECT_EQ(VxSortFindForNL(table.data(), 5, sizeof key, &key, byKeyWithContext, &found, context, nullptr), 1);
+    EXPECT_EQ(VxSortFindForNL(table.data(), 5, sizeof key, &key, byKeyWithContext, &found, context, nullptr),
+              1);
     EXPECT_EQ(found, &table.records[1]);
     key.key = 9;
-    EXPECT_EQ(VxSortFindForNL(table.data(), 5, sizeof key, &key, byKeyWithContext, &found, context, nullptr), 0);
+    EXPECT_EQ(VxSortFindForNL(table.data(), 5, sizeof key, &key, byKeyWithContext, &found, context, nullptr),
+              0);
 
     EXPECT_EQ(insertInto(table, VxSortInsForNL, {8, 7}), 1);
-    EXPECT_THAT(table.held(), ElementsAre(Record{9, 0}, Record{8, 1}, Record{8, 7}, Record{1, 2}, Record{2, 3},
-                                          Record{3, 4}));
+    std::vector<Record> expected{{9, 0}, {8, 1}, {8, 7}, {1, 2}, {2, 3}, {3, 4}};
+    EXPECT_EQ(table.held(), expected);
     Table ordered({{1, 0}, {5, 1}});
     EXPECT_EQ(insertInto(ordered, VxSortInsForNL, {3, 2}), 1);
     EXPECT_THAT(ordered.held(), ElementsAre(Record{1, 0}, Record{3, 2}, Record{5, 1}));

@@ -51,7 +51,7 @@ struct Components {
     }
 };
 
-/** Calls found(members) for every group that need each other, ascending; a group comes behind what it needs. */
+/** Calls found(members) for all that need each other, in ascending order; they come behind what they need. */
 template <typename Found> void eachComponent(const Needs &needs, Found &&found)
 {
     Graph graph;
