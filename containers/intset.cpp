@@ -2,8 +2,6 @@
 
 #include "vx/intset.h"
 
-#include <algorithm>
-
 #include "containers/nodes.h"
 #include "containers/records.h"
 #include "vx/mem.h"
@@ -32,27 +30,28 @@ bool isIndexed(const VxIntSet &set, int32_t value)
     return keyedNode(*set.index, value) != nullptr;
 }
 
-/** A contiguous list is looked through here: comparing bytes would cost several times as much. */
-bool isAmong(VxList &values, int32_t value)
+/** True for values in one block, which are looked through here: a walk would cost several times as much. */
+bool isBlock(const VxList &values) noexcept
 {
-    if ((values.layout != array && values.layout != wrapped) || values.pageLevel != 0)
-        return VxListIndexOf(&values, &value, 0) != -1;
+    return (values.layout == array || values.layout == wrapped) && values.pageLevel == 0;
+}
+
+bool isInBlock(const VxList &values, int32_t value) noexcept
+{
     auto first = static_cast<const int32_t *>(values.data);
-    const int32_t *end = first + values.count;
-    if (values.count > mostWithoutIndex)
-        return std::find(first, end, value) != end;
-    // Few values are compared to the end: a branch less that is hard to foresee.
-    bool found = false;
-    for (const int32_t *at = first; at != end; ++at)
-        found |= *at == value;
-    return found;
+    for (const int32_t *at = first, *end = first + values.count; at != end; ++at)
+        if (*at == value)
+            return true;
+    return false;
 }
 
 bool contains(const VxIntSet &set, int32_t value)
 {
     if (set.index)
         return isIndexed(set, value);
-    return set.values && isAmong(*set.values, value);
+    if (!set.values)
+        return false;
+    return isBlock(*set.values) ? isInBlock(*set.values, value) : VxListIndexOf(set.values, &value, 0) != -1;
 }
 
 uint32_t addUnindexed(VxList &values, int32_t value, bool &added)
@@ -178,7 +177,13 @@ int32_t VxIntSetEmpty(VxIntSet *set)
 
 int32_t VxIntSetContains(VxIntSet *set, int32_t value)
 {
-    return set && hasRightSizes(*set) && contains(*set, value);
+    if (!set)
+        return 0;
+    // What most sets are comes first, and without a call.
+    const VxList *values = set->values;
+    if (!set->index && values && values->elemSize == valueSize && isBlock(*values))
+        return isInBlock(*values, value);
+    return hasRightSizes(*set) && contains(*set, value);
 }
 
 uint32_t VxIntSetAdd(VxIntSet *set, int32_t value, int32_t *added)
