@@ -1,5 +1,8 @@
 // Lists of 32-byte elements beside the containers a user would pick instead.
 // Filling is timed without the deletion that follows, deletion without filling.
+// The heap keeps what is freed: else most of the time would be the kernel's,
+// which takes pages back and supplies them again, now for one and then for
+// the other.
 
 #include <algorithm>
 #include <array>
@@ -10,6 +13,8 @@
 #include <numeric>
 #include <random>
 #include <vector>
+
+#include <malloc.h>
 
 #include <NCollection_Vector.hxx>
 #include <absl/container/btree_map.h>
@@ -25,14 +30,23 @@ struct Element {
     int64_t words[4];
 };
 
+const int heapKeepsPages = mallopt(M_MMAP_MAX, 0) + mallopt(M_TRIM_THRESHOLD, INT32_MAX);
+
 constexpr int32_t elementBytes = sizeof(Element);
 constexpr int32_t keyed = 0;
 constexpr int32_t linked = 1;
 constexpr int32_t array = 2;
 
-Element elementOf(int32_t n)
+/** One of a few elements that are there to be copied from. */
+const Element &elementOf(int32_t n)
 {
-    return {{n, n + 1, n + 2, n + 3}};
+    static const std::vector<Element> elements = [] {
+        std::vector<Element> made;
+        for (int64_t i = 0; i < 1024; ++i)
+            made.push_back({{i, i + 1, i + 2, i + 3}});
+        return made;
+    }();
+    return elements[static_cast<uint32_t>(n) % 1024];
 }
 
 /** Different keys from all integers, in random order. */
@@ -78,10 +92,8 @@ using TreeMap = absl::btree_map<int32_t, Element>;
 VxList *keyedList(const std::vector<int32_t> &keys)
 {
     VxList *list = newList(keyed);
-    for (int32_t key : keys) {
-        Element element = elementOf(key);
-        VxListSet(list, key, &element);
-    }
+    for (int32_t key : keys)
+        VxListSet(list, key, &elementOf(key));
     return list;
 }
 
@@ -234,10 +246,8 @@ using OccVector = NCollection_Vector<Element>; // grows by 256, as our list does
 VxList *arrayList(int32_t n)
 {
     VxList *list = newList(array);
-    for (int32_t i = 0; i < n; ++i) {
-        Element element = elementOf(i);
-        VxListSet(list, i, &element);
-    }
+    for (int32_t i = 0; i < n; ++i)
+        VxListSet(list, i, &elementOf(i));
     return list;
 }
 
@@ -264,6 +274,56 @@ void appendOcc(benchmark::State &state, int64_t n)
     }
     perItem(state, n);
 }
+
+/** One circle through all positions in random order: the position that comes after each. */
+std::vector<int32_t> randomCircle(int64_t n)
+{
+    std::vector<int32_t> order(static_cast<size_t>(n));
+    std::iota(order.begin(), order.end(), 0);
+    order = shuffled(order);
+    std::vector<int32_t> next(order.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        next[static_cast<size_t>(order[i])] = order[(i + 1) % order.size()];
+    return next;
+}
+
+// Elements refer to each other by position, and each one read says where to
+// go on, as in a model whose parts refer to parts.
+
+void followVx(benchmark::State &state, int64_t n)
+{
+    VxList *list = newList(array);
+    for (int32_t next : randomCircle(n)) {
+        Element element{{next, 0, 0, 0}};
+        VxListSet(list, list->count, &element);
+    }
+    int32_t position = 0;
+    for (auto _ : state)
+        for (int64_t i = 0; i < n; ++i) {
+            void *element = nullptr;
+            VxListGetPtr(list, position, &element);
+            position = static_cast<int32_t>(static_cast<Element *>(element)->words[0]);
+        }
+    benchmark::DoNotOptimize(position);
+    VxListDel(&list);
+    perItem(state, n);
+}
+
+void followOcc(benchmark::State &state, int64_t n)
+{
+    OccVector vector;
+    for (int32_t next : randomCircle(n))
+        vector.Append(Element{{next, 0, 0, 0}});
+    int32_t position = 0;
+    for (auto _ : state)
+        for (int64_t i = 0; i < n; ++i)
+            position = static_cast<int32_t>(vector.Value(position).words[0]);
+    benchmark::DoNotOptimize(position);
+    perItem(state, n);
+}
+
+// Positions known beforehand: processors read many elements at once where the
+// whole access is compiled into the loop, fewer through a call.
 
 std::vector<int32_t> randomPositions(int64_t n)
 {
@@ -334,8 +394,11 @@ void insertMemmove(benchmark::State &state)
 
 BENCHMARK_CAPTURE(appendVx, many, 1'000'000)->Name("list array append/vx");
 BENCHMARK_CAPTURE(appendOcc, many, 1'000'000)->Name("list array append/NCollection_Vector");
-BENCHMARK_CAPTURE(randomGetVx, many, 1'000'000)->Name("list array random get/vx");
-BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)->Name("list array random get/NCollection_Vector");
+BENCHMARK_CAPTURE(followVx, many, 1'000'000)->Name("list array random get/vx");
+BENCHMARK_CAPTURE(followOcc, many, 1'000'000)->Name("list array random get/NCollection_Vector");
+BENCHMARK_CAPTURE(randomGetVx, many, 1'000'000)->Name("list array random get, positions known/vx");
+BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)
+    ->Name("list array random get, positions known/NCollection_Vector");
 BENCHMARK(insertVx)->Name("list array insert in the middle/vx");
 BENCHMARK(insertMemmove)->Name("list array insert in the middle/memmove");
 
@@ -355,7 +418,7 @@ std::vector<Element> randomElements(int64_t n)
 {
     std::vector<Element> elements;
     for (int32_t key : randomKeys(n))
-        elements.push_back(elementOf(key));
+        elements.push_back({{key, 1, 2, 3}});
     return elements;
 }
 
@@ -417,10 +480,8 @@ void linkedAppendVx(benchmark::State &state, int64_t n)
 {
     for (auto _ : state) {
         VxList *list = newList(linked);
-        for (int32_t i = 0; i < n; ++i) {
-            Element element = elementOf(i);
-            VxListSet(list, i, &element);
-        }
+        for (int32_t i = 0; i < n; ++i)
+            VxListSet(list, i, &elementOf(i));
         state.PauseTiming();
         VxListDel(&list);
         state.ResumeTiming();

@@ -13,6 +13,16 @@ namespace vx::containers {
 
 namespace {
 
+/** A directory without pages, with its divisors behind it; null for want of memory. */
+void **newDirectory(int32_t slots, int32_t elements)
+{
+    constexpr int64_t extra = (sizeof(Divisors) + sizeof(void *) - 1) / sizeof(void *);
+    void **directory = allocateZero<void *>(slots + extra).release();
+    if (directory)
+        new (directory + slots) Divisors{Divisor(elements), Divisor(slots)};
+    return directory;
+}
+
 int64_t pagesFor(const VxList &list, int64_t elements) noexcept
 {
     return (elements + elementsPerPage(list) - 1) / elementsPerPage(list);
@@ -95,7 +105,7 @@ uint32_t makePages(VxList &list, int32_t level, int32_t capacity)
     list.perPage = level == 1 ? VgPageSize / list.elemSize : list.dirSlots;
     list.perPage2 = level == 1 ? 0 : VgPageSize / list.elemSize;
     list.capacity = capacity;
-    list.data = allocateZero<void *>(list.dirSlots).release();
+    list.data = newDirectory(list.dirSlots, elementsPerPage(list));
     if (!list.data)
         return 1;
     if (addPages(list, 0, pagesFor(list, capacity)))
@@ -146,7 +156,7 @@ uint32_t deepen(VxList &list, int32_t capacity)
     int64_t needed = pagesFor(deeper, capacity);
     if ((needed - 1) / list.dirSlots >= list.dirSlots)
         return 1;
-    Block<void *> top = allocateZero<void *>(list.dirSlots);
+    Block<void *> top(newDirectory(list.dirSlots, list.perPage));
     if (!top)
         return 1;
     top.get()[0] = list.data;
@@ -186,7 +196,8 @@ uint32_t grow(VxList &list, int32_t extra)
     return VxResizeArr(&list, extra);
 }
 
-/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was. */
+/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
+ */
 bool makeRoom(VxList &list, int32_t last, int32_t extra)
 {
     return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);
@@ -339,7 +350,8 @@ uint32_t VxMkArr(int32_t kind, int32_t elemSize, int32_t capacity, int32_t incre
 
 uint32_t VxResizeArr(VxList *list, int32_t extra)
 {
-    if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 || extra > INT32_MAX - list->capacity)
+    if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 ||
+        extra > INT32_MAX - list->capacity)
         return 1;
     if (extra == 0)
         return 0;

@@ -134,7 +134,8 @@ uint32_t VxBintreeMk(VxBintree **made)
     return *made ? 0 : 1;
 }
 
-uint32_t VxBintreeIns(VxBintree *root, VxCmpFn compare, int32_t elemSize, const void *element, VxLnkNode **made)
+uint32_t VxBintreeIns(VxBintree *root, VxCmpFn compare, int32_t elemSize, const void *element,
+                      VxLnkNode **made)
 {
     if (!made)
         return 1;

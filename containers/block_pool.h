@@ -65,7 +65,7 @@ private:
         Free *next;
     };
 
-    static constexpr size_t fewest = 8;              ///< blocks in the first chunk; each next one has twice as many
+    static constexpr size_t fewest = 8; ///< blocks in the first chunk; each next one has twice as many
     static constexpr size_t largestChunk = 64 * 1024; ///< bytes, unless one block is larger
 
     bool addChunk()

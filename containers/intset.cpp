@@ -2,6 +2,8 @@
 
 #include "vx/intset.h"
 
+#include <cstring>
+
 #include "containers/nodes.h"
 #include "containers/records.h"
 #include "vx/mem.h"
@@ -36,9 +38,22 @@ bool isBlock(const VxList &values) noexcept
     return (values.layout == array || values.layout == wrapped) && values.pageLevel == 0;
 }
 
+/** Compares with four values at once. */
+bool isAmongFour(const int32_t *values, int32_t value) noexcept
+{
+    using Four [[gnu::vector_size(16)]] = int32_t;
+    using Two [[gnu::vector_size(16)]] = int64_t;
+    Four four;
+    std::memcpy(&four, values, sizeof four);
+    auto same = reinterpret_cast<Two>(four == value);
+    return same[0] | same[1];
+}
+
 bool isInBlock(const VxList &values, int32_t value) noexcept
 {
     auto first = static_cast<const int32_t *>(values.data);
+    if (values.count >= 4 && values.count <= 8)
+        return isAmongFour(first, value) || isAmongFour(first + values.count - 4, value);
     for (const int32_t *at = first, *end = first + values.count; at != end; ++at)
         if (*at == value)
             return true;

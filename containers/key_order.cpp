@@ -39,11 +39,9 @@ void KeyOrder::drop() noexcept
     made_ = false;
 }
 
-/** True when a change need not be worked in: there is no order, or none any more. */
+/** Counts a change; true when the order was dropped for it. */
 bool KeyOrder::manyChanges() noexcept
 {
-    if (!made_)
-        return true;
     size_t alive = entries_.size() - first_ - dead_;
     if (++changes_ <= fewChanges && dead_ <= alive + fewChanges)
         return false;
@@ -51,7 +49,7 @@ bool KeyOrder::manyChanges() noexcept
     return true;
 }
 
-void KeyOrder::added(VxLnkNode *node) noexcept
+void KeyOrder::workIn(VxLnkNode *node) noexcept
 {
     if (manyChanges())
         return;
@@ -68,7 +66,7 @@ void KeyOrder::added(VxLnkNode *node) noexcept
     }
 }
 
-void KeyOrder::removed(int32_t key) noexcept
+void KeyOrder::takeOut(int32_t key) noexcept
 {
     if (manyChanges())
         return;
@@ -111,7 +109,8 @@ size_t KeyOrder::below(int32_t key, size_t near) const noexcept
 size_t KeyOrder::lowerBound(int32_t key) const noexcept
 {
     auto from = entries_.begin() + static_cast<ptrdiff_t>(first_);
-    auto place = std::lower_bound(from, entries_.end(), key, [](const Entry &e, int32_t k) { return e.key < k; });
+    auto place =
+        std::lower_bound(from, entries_.end(), key, [](const Entry &e, int32_t k) { return e.key < k; });
     return static_cast<size_t>(place - entries_.begin());
 }
 

@@ -23,8 +23,16 @@ public:
     bool make(const VxLnkNode *chain, int32_t count);
 
     void drop() noexcept;
-    void added(VxLnkNode *node) noexcept;
-    void removed(int32_t key) noexcept;
+    void added(VxLnkNode *node) noexcept
+    {
+        if (made_)
+            workIn(node);
+    }
+    void removed(int32_t key) noexcept
+    {
+        if (made_)
+            takeOut(key);
+    }
 
     /** Places of the nearest key at or above, above, at or below, below a key; `none` if there is none.
      *  `near` is the place where the key was last seen, or none. */
@@ -51,15 +59,17 @@ private:
         void *element; ///< null: the key was removed
     };
 
+    void workIn(VxLnkNode *node) noexcept;
+    void takeOut(int32_t key) noexcept;
     bool manyChanges() noexcept;
     size_t lowerBound(int32_t key) const noexcept;
     size_t aliveFrom(size_t place) const noexcept;
     size_t aliveBefore(size_t end) const noexcept;
 
     std::vector<Entry> entries_;
-    size_t first_ = 0;    ///< removed entries in front of it are never looked at
-    size_t dead_ = 0;     ///< removed entries from there on
-    size_t changes_ = 0;  ///< since a walk last asked
+    size_t first_ = 0;   ///< removed entries in front of it are never looked at
+    size_t dead_ = 0;    ///< removed entries from there on
+    size_t changes_ = 0; ///< since a walk last asked
     bool made_ = false;
 };
 

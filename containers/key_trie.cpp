@@ -9,112 +9,154 @@ namespace vx::containers {
 namespace {
 
 constexpr size_t cacheLine = 64;
-
-/** Chain a node into its bucket behind `before`, or as the first. */
-void linkIntoBucket(uintptr_t &cell, VxLnkNode *before, VxLnkNode *node) noexcept
-{
-    auto first = reinterpret_cast<VxLnkNode *>(cell);
-    node->prev = before;
-    node->next = before ? before->next : first;
-    if (node->next)
-        node->next->prev = node;
-    if (before)
-        before->next = node;
-    else
-        cell = reinterpret_cast<uintptr_t>(node);
-}
+constexpr size_t tagAlignment = 16; ///< leaves the bits of a cell's tag free
 
 }
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
-    : nodes_(sizeof(VxLnkNode) + elementBytes, alignof(std::max_align_t)), branches_(sizeof(Branch), cacheLine)
+    : nodes_(sizeof(VxLnkNode) + elementBytes, tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
+      branches_(sizeof(Branch), cacheLine)
 {
+}
+
+/** The bucket where a key belongs, and the position of the nibble that would part it. */
+inline KeyTrie::Cell *KeyTrie::cellFor(int32_t key, uint32_t &shift) noexcept
+{
+    Cell *cell = &root_;
+    shift = 0;
+    for (; isBranch(*cell); shift += 4)
+        cell = &branch(*cell)->child[static_cast<uint32_t>(key) >> shift & 15];
+    return cell;
 }
 
 VxLnkNode *KeyTrie::at(int32_t key, bool &made)
 {
     made = false;
-    Cell *cell = &root_;
     uint32_t shift = 0;
-    for (;;) {
-        for (; isBranch(*cell); shift += 4)
-            cell = &branch(*cell)->child[static_cast<uint32_t>(key) >> shift & 15];
-        VxLnkNode *before = nullptr;
-        VxLnkNode *node = bucket(*cell);
-        int passed = 0;
-        for (; node && node->key < key; ++passed, node = node->next)
-            before = node;
-        if (node && node->key == key)
-            return node;
-        for (; node; node = node->next)
-            ++passed;
-        if (passed < bucketSize) {
-            VxLnkNode *added = newNode(key);
-            if (!added)
-                return nullptr;
-            linkIntoBucket(*cell, before, added);
-            made = true;
-            return added;
-        }
+    Cell *cell = cellFor(key, shift);
+    if (VxLnkNode *known = nodeIn(*cell, key))
+        return known;
+    for (; countOf(*cell) == bucketSize; cell = cellFor(key, shift))
         if (!split(*cell, shift))
             return nullptr;
+    VxLnkNode *node = newNode(key);
+    if (!node)
+        return nullptr;
+    if (!add(*cell, key, node)) {
+        nodes_.giveBack(node);
+        return nullptr;
     }
+    linkIntoChain(node);
+    made = true;
+    return node;
 }
 
-/** Turn a bucket into a branch, its nodes shared out by the nibble at `shift`. */
+/** Add a node to a bucket that is not full. */
+inline bool KeyTrie::add(Cell &cell, int32_t key, VxLnkNode *node)
+{
+    uint32_t count = countOf(cell);
+    if (count == 0) {
+        cell = cellOf(node, 1);
+        return true;
+    }
+    Bucket *several = bucket(cell);
+    if (count == 1) {
+        void *block = buckets_.take();
+        if (!block)
+            return false;
+        several = new (block) Bucket;
+        several->put(0, single(cell)->key, single(cell));
+    }
+    several->put(count, key, node);
+    cell = cellOf(several, count + 1);
+    return true;
+}
+
+/** Turn a full bucket into a branch, its nodes shared out by the nibble at `shift`. */
 bool KeyTrie::split(Cell &cell, uint32_t shift)
 {
     void *block = branches_.take();
     if (!block)
         return false;
     auto made = new (block) Branch{};
-    VxLnkNode *last[16] = {};
-    VxLnkNode *next = nullptr;
-    for (VxLnkNode *node = bucket(cell); node; node = next) {
-        next = node->next;
-        uint32_t nibble = static_cast<uint32_t>(node->key) >> shift & 15;
-        linkIntoBucket(made->child[nibble], last[nibble], node);
-        last[nibble] = node;
+    Bucket *full = bucket(cell);
+    bool complete = true;
+    for (uint32_t i = 0; i < bucketSize && complete; ++i) {
+        int32_t key = full->keyAt(i);
+        complete = add(made->child[static_cast<uint32_t>(key) >> shift & 15], key, full->nodes[i]);
     }
-    cell = reinterpret_cast<Cell>(made) + 1;
-    return true;
+    if (complete) {
+        cell = reinterpret_cast<Cell>(made) + branchTag;
+        buckets_.giveBack(full);
+        return true;
+    }
+    for (Cell child : made->child)
+        if (countOf(child) > 1)
+            buckets_.giveBack(bucket(child));
+    branches_.giveBack(made);
+    return false;
 }
 
-/** A node at the end of the circle, in no bucket yet. */
+/** A node in no bucket and no chain; its element is not set. */
 VxLnkNode *KeyTrie::newNode(int32_t key)
 {
     void *block = nodes_.take();
     if (!block)
         return nullptr;
-    auto node = new (block) VxLnkNode;
+    auto node = new (block) VxLnkNode{};
     node->key = key;
-    node->element = node + 1;
+    node->element = elementOf(node);
+    return node;
+}
+
+/** The node becomes the circle's last. */
+void KeyTrie::linkIntoChain(VxLnkNode *node) noexcept
+{
     if (!chain_)
         chain_ = node->chainPrev = node;
     node->chainNext = chain_;
     node->chainPrev = chain_->chainPrev;
     node->chainPrev->chainNext = node;
     chain_->chainPrev = node;
+}
+
+/** Take a key's node out of its bucket; null when it is absent. */
+inline VxLnkNode *KeyTrie::takeFrom(Cell &cell, int32_t key) noexcept
+{
+    uint32_t count = countOf(cell);
+    if (count < 2) {
+        VxLnkNode *one = single(cell);
+        if (!one || one->key != key)
+            return nullptr;
+        cell = 0;
+        return one;
+    }
+    Bucket *several = bucket(cell);
+    uint32_t at = several->placeOf(key);
+    if (at >= count)
+        return nullptr;
+    VxLnkNode *node = several->nodes[at];
+    several->put(at, several->keyAt(count - 1), several->nodes[count - 1]);
+    cell = cellOf(several, count - 1);
+    if (count == 2) {
+        cell = cellOf(several->nodes[0], 1);
+        buckets_.giveBack(several);
+    }
     return node;
 }
 
-void KeyTrie::remove(VxLnkNode *node) noexcept
+bool KeyTrie::remove(int32_t key) noexcept
 {
-    if (node->next)
-        node->next->prev = node->prev;
-    if (node->prev) {
-        node->prev->next = node->next;
-    } else {
-        Cell *cell = &root_;
-        for (auto rest = static_cast<uint32_t>(node->key); isBranch(*cell); rest >>= 4)
-            cell = &branch(*cell)->child[rest & 15];
-        *cell = reinterpret_cast<Cell>(node->next);
-    }
+    uint32_t shift = 0;
+    VxLnkNode *node = takeFrom(*cellFor(key, shift), key);
+    if (!node)
+        return false;
     node->chainPrev->chainNext = node->chainNext;
     node->chainNext->chainPrev = node->chainPrev;
     if (chain_ == node)
         chain_ = node->chainNext != node ? node->chainNext : nullptr;
     nodes_.giveBack(node);
+    return true;
 }
 
 void KeyTrie::clear() noexcept
@@ -122,6 +164,7 @@ void KeyTrie::clear() noexcept
     root_ = 0;
     chain_ = nullptr;
     nodes_.freeAll();
+    buckets_.freeAll();
     branches_.freeAll();
 }
 

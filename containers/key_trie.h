@@ -2,13 +2,16 @@
 
 // A 16-way digital trie over 32-bit keys, lowest nibble first.
 //
-// A cell is a branch of 16 cells, or a bucket: a chain of at most 6 nodes in
-// ascending order of keys. A full bucket becomes a branch before its seventh
-// node comes; branches are not merged back. At most 8 levels of branches.
+// A cell is a branch of 16 cells, or a bucket of at most 6 nodes in any order.
+// A full bucket becomes a branch before its seventh node comes; branches are
+// not merged back. At most 8 levels of branches.
 //
-// Nodes and branches come from chunks of the trie's own. A node's element lies
-// right behind it, and all nodes form a circle in the order they came.
+// Nodes, buckets and branches come from chunks of the trie's own. A bucket
+// holds copies of its nodes' keys, so that a search touches no node; a bucket
+// of one node is that node. A node's element lies right behind it, and all
+// nodes form a circle in the order they came.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,20 +31,20 @@ public:
         Cell cell = root_;
         for (; isBranch(cell); rest >>= 4)
             cell = branch(cell)->child[rest & 15];
-        auto node = static_cast<VxLnkNode *>(bucket(cell));
-        while (node && node->key < key)
-            node = node->next;
-        return node && node->key == key ? node : nullptr;
+        return nodeIn(cell, key);
     }
+
+    /** A node's element. */
+    static void *elementOf(VxLnkNode *node) noexcept { return node + 1; }
 
     /**
      * The node of a key, made when the key is absent: its element is then to
-     * be set. Null for want of memory, the trie is then as it was.
+     * be set. Null for want of memory, no key has then come or gone.
      */
     VxLnkNode *at(int32_t key, bool &made);
 
-    /** Remove a node. */
-    void remove(VxLnkNode *node) noexcept;
+    /** Remove a key; false when it is absent. */
+    bool remove(int32_t key) noexcept;
 
     void clear() noexcept;
 
@@ -49,25 +52,75 @@ public:
     VxLnkNode *chain() const noexcept { return chain_; }
 
 private:
-    // A cell is one word: a bucket's first node, or a branch with the lowest bit set.
+    // A cell is one word, an address with a tag in its four lowest bits: 1 for
+    // a branch, else twice the number of nodes.
     using Cell = uintptr_t;
+
+    static constexpr uint32_t bucketSize = 6;
+    static constexpr Cell branchTag = 1;
+    static constexpr Cell tagBits = 15;
 
     struct Branch {
         Cell child[16];
     };
 
-    static constexpr int bucketSize = 6;
+    struct alignas(16) Bucket {
+        /** Four keys, compared at once. */
+        using Keys [[gnu::vector_size(16)]] = int32_t;
 
-    static bool isBranch(Cell cell) noexcept { return cell & 1; }
-    static Branch *branch(Cell cell) noexcept { return reinterpret_cast<Branch *>(cell - 1); }
-    static VxLnkNode *bucket(Cell cell) noexcept { return reinterpret_cast<VxLnkNode *>(cell); }
+        Keys keys[2]; ///< places behind the count hold anything
+        VxLnkNode *nodes[bucketSize];
 
+        int32_t keyAt(uint32_t place) const noexcept { return keys[place / 4][place % 4]; }
+        void put(uint32_t place, int32_t key, VxLnkNode *node) noexcept
+        {
+            keys[place / 4][place % 4] = key;
+            nodes[place] = node;
+        }
+
+        /** The first place with this key, or one behind all. */
+        uint32_t placeOf(int32_t key) const noexcept
+        {
+            Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
+            auto places = static_cast<uint32_t>(same[0] | same[1] | same[2] | same[3]);
+            return static_cast<uint32_t>(std::countr_zero(places));
+        }
+    };
+
+    static bool isBranch(Cell cell) noexcept { return cell & branchTag; }
+    static uint32_t countOf(Cell cell) noexcept { return static_cast<uint32_t>(cell & tagBits) / 2; }
+    static Branch *branch(Cell cell) noexcept { return reinterpret_cast<Branch *>(cell - branchTag); }
+    static Bucket *bucket(Cell cell) noexcept { return reinterpret_cast<Bucket *>(cell & ~tagBits); }
+    static VxLnkNode *single(Cell cell) noexcept { return reinterpret_cast<VxLnkNode *>(cell & ~tagBits); }
+    static Cell cellOf(const void *block, uint32_t count) noexcept
+    {
+        return reinterpret_cast<Cell>(block) + 2 * Cell{count};
+    }
+
+    /** The node of a key in its bucket, or null. */
+    static VxLnkNode *nodeIn(Cell cell, int32_t key) noexcept
+    {
+        uint32_t count = countOf(cell);
+        if (count > 1) {
+            const Bucket &several = *bucket(cell);
+            uint32_t at = several.placeOf(key);
+            return at < count ? several.nodes[at] : nullptr;
+        }
+        VxLnkNode *one = single(cell);
+        return one && one->key == key ? one : nullptr;
+    }
+
+    Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
+    bool add(Cell &cell, int32_t key, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
+    VxLnkNode *takeFrom(Cell &cell, int32_t key) noexcept;
     VxLnkNode *newNode(int32_t key);
+    void linkIntoChain(VxLnkNode *node) noexcept;
 
     Cell root_ = 0;
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
+    BlockPool buckets_;
     BlockPool branches_;
 };
 

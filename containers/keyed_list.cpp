@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "containers/key_order.h"
-#include "containers/key_trie.h"
+#include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
 #include "containers/nodes.h"
@@ -15,18 +14,6 @@
 namespace vx::containers {
 
 namespace {
-
-struct KeyedStore {
-    explicit KeyedStore(size_t elementBytes) noexcept : trie(elementBytes) {}
-
-    KeyTrie trie;
-    KeyOrder order;
-};
-
-KeyedStore *storeOf(const VxList &list) noexcept
-{
-    return static_cast<KeyedStore *>(list.data);
-}
 
 /** The store, made anew for a list whose storage was deleted; null for want of memory. */
 KeyedStore *storeFor(VxList &list)
@@ -75,7 +62,7 @@ uint32_t put(VxList &list, int32_t key, const void *element, bool replace)
     if (!node)
         return 1;
     if (made || replace)
-        copyElement(list, node->element, element);
+        copyElement(list, KeyTrie::elementOf(node), element);
     if (!made)
         return 0;
     ++list.count;
@@ -97,29 +84,26 @@ uint32_t insert(VxList &list, int32_t key, const void *element)
 
 void *at(VxList &list, int32_t key)
 {
-    VxLnkNode *node = keyedNode(list, key);
-    return node ? node->element : nullptr;
+    return keyedElement(list, key);
 }
 
-void removeNode(VxList &list, VxLnkNode *node) noexcept
+bool removeKey(VxList &list, int32_t key) noexcept
 {
     KeyedStore *store = storeOf(list);
-    store->order.removed(node->key);
-    store->trie.remove(node);
+    if (!store || !store->trie.remove(key))
+        return false;
+    store->order.removed(key);
     list.order = store->trie.chain();
     --list.count;
+    return true;
 }
 
 /** A gap in the keys ends the removal. */
 uint32_t remove(VxList &list, int32_t first, int32_t last)
 {
     int64_t key = first;
-    for (; key <= last; ++key) {
-        VxLnkNode *node = keyedNode(list, static_cast<int32_t>(key));
-        if (!node)
-            break;
-        removeNode(list, node);
-    }
+    while (key <= last && removeKey(list, static_cast<int32_t>(key)))
+        ++key;
     return key > first ? 0 : 1;
 }
 
@@ -129,7 +113,7 @@ uint32_t removeEqual(VxList &list, const void *element)
     for (int32_t left = list.count; left > 0; --left) {
         VxLnkNode *next = node->chainNext;
         if (equal(list, node->element, element))
-            removeNode(list, node);
+            removeKey(list, node->key);
         node = next;
     }
     return 0;
@@ -205,7 +189,8 @@ int32_t stepOrdered(VxListIter &iter, void **ptr)
     if (!iter.cursor)
         place = up ? order.notBelow(iter.index) : order.notAbove(iter.index);
     else
-        place = up ? order.above(iter.index, placeOf(iter.cursor)) : order.below(iter.index, placeOf(iter.cursor));
+        place = up ? order.above(iter.index, placeOf(iter.cursor))
+                   : order.below(iter.index, placeOf(iter.cursor));
     if (place == KeyOrder::none)
         return -1;
     int32_t key = order.keyAt(place);

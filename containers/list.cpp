@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <memory>
 
+#include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
+#include "containers/slots.h"
 #include "vx/err.h"
 #include "vx/mem.h"
 #include "vx/tools.h"
@@ -19,6 +21,32 @@ constexpr const Layout *layouts[layoutCount] = {&keyedLayout,   &linkedLayout, &
                                                 &pointerLayout, &treeLayout,   &wrappedLayout};
 
 constexpr int32_t errorElementSize = 3;
+
+/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here. */
+inline void *elementAt(VxList *list, int32_t index)
+{
+    if (!list)
+        return nullptr;
+    if (list->layout == array)
+        return slotInside(*list, index);
+    if (list->layout == keyed)
+        return keyedElement(*list, index);
+    const Layout *layout = layoutOf(list);
+    return layout ? layout->at(*list, index) : nullptr;
+}
+
+/** Store in a slot that an array list has; false when there is more to it. */
+inline bool setInPlace(VxList &list, int32_t index, const void *element)
+{
+    if (list.layout != array || static_cast<uint32_t>(index) > static_cast<uint32_t>(list.count))
+        return false;
+    void *slot = slotInside(list, index);
+    if (!slot)
+        return false;
+    copyElement(list, slot, element);
+    list.count += index == list.count;
+    return true;
+}
 
 }
 
@@ -152,8 +180,12 @@ uint32_t VxListSizeError(void)
 
 uint32_t VxListSet(VxList *list, int32_t index, const void *element)
 {
+    if (!list || !element)
+        return 1;
+    if (setInPlace(*list, index, element))
+        return 0;
     const Layout *layout = layoutOf(list);
-    return layout && element ? layout->set(*list, index, element) : 1;
+    return layout ? layout->set(*list, index, element) : 1;
 }
 
 uint32_t VxListIns(VxList *list, int32_t index, const void *element)
@@ -166,8 +198,7 @@ uint32_t VxListGetPtr(VxList *list, int32_t index, void **ptr)
 {
     if (!ptr)
         return 1;
-    const Layout *layout = layoutOf(list);
-    *ptr = layout ? layout->at(*list, index) : nullptr;
+    *ptr = elementAt(list, index);
     return *ptr ? 0 : 1;
 }
 
@@ -183,8 +214,7 @@ uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr)
 
 uint32_t VxListGet(VxList *list, int32_t index, void *element)
 {
-    const Layout *layout = layoutOf(list);
-    const void *stored = layout && element ? layout->at(*list, index) : nullptr;
+    const void *stored = element ? elementAt(list, index) : nullptr;
     if (!stored)
         return 1;
     copyElement(*list, element, stored);

@@ -101,7 +101,10 @@ template <typename Pointer> class PointerSlots {
 public:
     PointerSlots(Pointer *first, VxCmpFn compare) noexcept : first_(first), compare_(compare) {}
 
-    bool before(int32_t i, int32_t j) const { return compare_(elementOf(first_[i]), elementOf(first_[j])) < 0; }
+    bool before(int32_t i, int32_t j) const
+    {
+        return compare_(elementOf(first_[i]), elementOf(first_[j])) < 0;
+    }
     void exchange(int32_t i, int32_t j) const { std::swap(first_[i], first_[j]); }
     void lift(int32_t i, int32_t j) const { std::rotate(first_ + j, first_ + i, first_ + i + 1); }
 
@@ -129,7 +132,8 @@ void sortBlock(void *first, size_t bytes, int32_t n, VxCmpFn compare)
     }
 }
 
-/** In a block beside them, where there is memory for one: finding a slot costs more than its element's move. */
+/** In a block beside them, where there is memory for one: finding a slot costs more than its element's move.
+ */
 void sortPages(VxList &list, VxCmpFn compare)
 {
     int64_t bytes = int64_t{list.count} * list.elemSize;

@@ -54,7 +54,7 @@ void copyElements(const VxList &source, VxList &list, int32_t to, int32_t n) noe
 
 void *slotOrNull(VxList &list, int32_t index)
 {
-    return index >= 0 && index < list.capacity ? slotAt(list, index) : nullptr;
+    return slotInside(list, index);
 }
 
 uint32_t removeSlots(VxList &list, int32_t first, int32_t last)

@@ -7,6 +7,7 @@
 // the elements of a page at level 1 and dirSlots at level 2, where `perPage2`
 // is the elements of a page.
 
+#include <bit>
 #include <cstdint>
 
 #include "containers/layout.h"
@@ -18,25 +19,68 @@ inline int32_t elementsPerPage(const VxList &list) noexcept
     return list.pageLevel == 1 ? list.perPage : list.perPage2;
 }
 
+/**
+ * Division of numbers below 2^31 by multiplication, several times as fast
+ * (Granlund and Montgomery, Division by Invariant Integers using
+ * Multiplication, 1994).
+ */
+class Divisor {
+public:
+    explicit Divisor(int32_t divisor) noexcept
+        : divisor_(static_cast<uint32_t>(divisor)),
+          shift_(31 + static_cast<uint32_t>(std::bit_width(divisor_ - 1))),
+          multiplier_(((uint64_t{1} << shift_) + divisor_ - 1) / divisor_)
+    {
+    }
+
+    /** The quotient; `n` becomes the remainder. */
+    uint32_t divide(uint32_t &n) const noexcept
+    {
+        auto quotient = static_cast<uint32_t>(n * multiplier_ >> shift_);
+        n -= quotient * divisor_;
+        return quotient;
+    }
+
+private:
+    uint32_t divisor_;
+    uint32_t shift_;
+    uint64_t multiplier_;
+};
+
+/** What stands behind the slots of the first directory. */
+struct Divisors {
+    Divisor elements; ///< of a page
+    Divisor slots;    ///< of a directory
+};
+
+inline const Divisors &divisorsOf(const VxList &list) noexcept
+{
+    return *reinterpret_cast<const Divisors *>(static_cast<void **>(list.data) + list.dirSlots);
+}
+
 /** The slot of an index in 0..capacity-1; null when its page is not there. */
 inline char *slotAt(const VxList &list, int32_t index) noexcept
 {
     if (list.pageLevel == 0)
         return list.data ? static_cast<char *>(list.data) + int64_t{index} * list.elemSize : nullptr;
-    // Unsigned, which divides faster.
-    auto perPage = static_cast<uint32_t>(elementsPerPage(list));
-    auto at = static_cast<uint32_t>(index);
-    uint32_t page = at / perPage;
+    const Divisors &divisors = divisorsOf(list);
+    auto within = static_cast<uint32_t>(index);
     auto directory = static_cast<void **>(list.data);
+    uint32_t page = divisors.elements.divide(within);
     if (list.pageLevel == 2) {
-        auto slots = static_cast<uint32_t>(list.perPage);
-        directory = static_cast<void **>(directory[page / slots]);
+        directory = static_cast<void **>(directory[divisors.slots.divide(page)]);
         if (!directory)
             return nullptr;
-        page %= slots;
     }
     auto start = static_cast<char *>(directory[page]);
-    return start ? start + size_t{at % perPage} * elementBytes(list) : nullptr;
+    return start ? start + size_t{within} * elementBytes(list) : nullptr;
+}
+
+/** The same for any index; null for one outside. */
+inline void *slotInside(const VxList &list, int32_t index) noexcept
+{
+    return static_cast<uint32_t>(index) < static_cast<uint32_t>(list.capacity) ? slotAt(list, index)
+                                                                               : nullptr;
 }
 
 /** Move n elements inside a list; the ranges may overlap, their pages are there. */

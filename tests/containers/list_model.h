@@ -239,7 +239,8 @@ struct ListModel {
             for (int32_t i = 0; i < count(); ++i)
                 visits[static_cast<size_t>(i)].key = i;
         if (direction != 0)
-            std::sort(visits.begin(), visits.end(), [](const Item &a, const Item &b) { return a.key < b.key; });
+            std::sort(visits.begin(), visits.end(),
+                      [](const Item &a, const Item &b) { return a.key < b.key; });
         if (direction == 2)
             std::reverse(visits.begin(), visits.end());
         return visits;

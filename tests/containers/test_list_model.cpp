@@ -202,7 +202,8 @@ protected:
         int32_t index = 0;
         int32_t wanted = pair_.model.layout == keyed ? pair_.model.capacity + 1 : pair_.model.count();
         std::vector<Item> visits = pair_.model.walk(0);
-        auto known = std::find_if(visits.begin(), visits.end(), [&](const Item &i) { return i.value == value; });
+        auto known =
+            std::find_if(visits.begin(), visits.end(), [&](const Item &i) { return i.value == value; });
         bool present = known != visits.end();
         if (present)
             wanted = known->key;
@@ -251,9 +252,8 @@ protected:
         auto sorted = [](ListModel &next) {
             if (!next.inSlots())
                 return false;
-            std::stable_sort(next.items.begin(), next.items.end(), [](const Item &a, const Item &b) {
-                return byWords(&a.value, &b.value) < 0;
-            });
+            std::stable_sort(next.items.begin(), next.items.end(),
+                             [](const Item &a, const Item &b) { return byWords(&a.value, &b.value) < 0; });
             return true;
         };
         if (below(2) == 0)
@@ -279,7 +279,8 @@ protected:
         int32_t found = 0;
         int32_t index = -1;
         ASSERT_EQ(VxListSrch(pair_.list, order, &value, byWords, &found, &index), 0u);
-        bool present = std::any_of(wanted.begin(), wanted.end(), [&](const Item &i) { return i.value == value; });
+        bool present =
+            std::any_of(wanted.begin(), wanted.end(), [&](const Item &i) { return i.value == value; });
         EXPECT_EQ(found, present);
         Value hit{};
         if (found) {
@@ -316,11 +317,14 @@ protected:
     {
         Pair source;
         fill(source);
+        void *array = source.list->layout == wrapped ? source.list->data : nullptr;
         auto next = after([&](ListModel &list) { return list.append(source.model); });
         expect([&] { return VxListConcat(pair_.list, source.list); }, next, &source);
         if (next) {
             EXPECT_EQ(source.list->count, 0);
         }
+        if (source.list->data != array)
+            VxMemFree(&array);
     }
 
     void copyFromAnother()
@@ -335,7 +339,8 @@ protected:
                 list.set(sameKeys ? item.key : list.count(), item.value);
             return true;
         });
-        expect([&] { return (sameKeys ? VxListCopy2 : HashConvertList)(source.list, pair_.list); }, next, &source);
+        expect([&] { return (sameKeys ? VxListCopy2 : HashConvertList)(source.list, pair_.list); }, next,
+               &source);
         expectSame(source);
     }
 
@@ -398,8 +403,8 @@ TEST_P(ListRun, AgreesWithItsModelAfterEveryStep)
 {
     const int steps = GetParam().refusing ? 400 : 6000;
     for (int i = 0; i < steps; ++i) {
-        SCOPED_TRACE(testing::Message() << "seed " << seed_ << ", step " << i << ", layout " << pair_.model.layout
-                                        << ", count " << pair_.model.count());
+        SCOPED_TRACE(testing::Message() << "seed " << seed_ << ", step " << i << ", layout "
+                                        << pair_.model.layout << ", count " << pair_.model.count());
         step(i / 150 % 2 == 0 && pair_.model.count() < 300);
         if (HasFatalFailure())
             return;

@@ -1,0 +1,30 @@
+#pragma once
+
+// What `data` of a keyed list points to.
+
+#include "containers/key_order.h"
+#include "containers/key_trie.h"
+
+namespace vx::containers {
+
+struct KeyedStore {
+    explicit KeyedStore(size_t elementBytes) noexcept : trie(elementBytes) {}
+
+    KeyTrie trie;
+    KeyOrder order;
+};
+
+inline KeyedStore *storeOf(const VxList &list) noexcept
+{
+    return static_cast<KeyedStore *>(list.data);
+}
+
+/** The element of a key, or null. */
+inline void *keyedElement(const VxList &list, int32_t key) noexcept
+{
+    const KeyedStore *store = storeOf(list);
+    VxLnkNode *node = store ? store->trie.find(key) : nullptr;
+    return node ? KeyTrie::elementOf(node) : nullptr;
+}
+
+}
