@@ -106,14 +106,14 @@ template <typename T> void deleteEdgeLists(VxList *records)
             VxListDel(&record->edges);
 }
 
-} // namespace
+}
 
 uint32_t makeNumbers(VxList *&list)
 {
     return makeList<int32_t>(list);
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

@@ -40,39 +40,26 @@ struct Ends {
     int32_t to = none;
 };
 
-/** A way out of a node. */
-struct Way {
-    int32_t to;
-    int32_t edge;
-};
-
-/** Where the post-order walk stands in the ways out of a node, and from where it came. */
-struct Step {
-    int32_t next = 0;
-    int32_t end = 0;
-    int32_t parent = none;
-    int32_t parentEdge = none;
-};
-
-/** A graph without what was removed. */
+/** A graph without what was removed: the ends of its edges, and the ways out of its nodes. */
 struct Flat {
     int32_t nodes = 0;
     int32_t edges = 0;
     std::vector<uint8_t> live;
     std::vector<Ends> ends; ///< of each edge; none for one that was removed or leads to a removed node
-    std::vector<Way> ways;  ///< out of all nodes
-    std::vector<Step> steps;
+    Ways ways;
+    Numbers edgeOf; ///< the edge of each way
 };
 
 /** What the post-order walk finds. */
 struct Finished {
     explicit Finished(const Flat &flat)
-        : number(at(flat.nodes), none), closes(at(flat.nodes), 0), cycle(at(flat.edges), 0)
+        : number(at(flat.nodes), none), parent(number), parentEdge(number), closes(at(flat.nodes), 0),
+          cycle(at(flat.edges), 0)
     {
         order.reserve(at(flat.nodes));
     }
 
-    Numbers number;
+    Numbers number, parent, parentEdge;
     Numbers order; ///< the nodes as they were finished
     std::vector<uint8_t> closes, cycle;
 };
@@ -101,36 +88,34 @@ bool readEdges(VxGraph &graph, Flat &flat)
     return true;
 }
 
-/** Append the ways out of a node, in the order of its list. */
-bool readWaysOf(VxGraph &graph, int32_t node, Flat &flat)
-{
-    VxList *list = nodeAt(graph, node)->edges;
-    if (!holds<int32_t>(list))
-        return false;
-    for (int32_t i = 0; i < list->count; ++i) {
-        int32_t edge = *recordAt<int32_t>(list, i);
-        if (edge == none)
-            continue;
-        if (edge < 0 || edge >= flat.edges)
-            return false;
-        Ends ends = flat.ends[at(edge)];
-        if (ends.from != none)
-            flat.ways.push_back({ends.from == node ? ends.to : ends.from, edge});
-    }
-    return true;
-}
-
+/** The ways in the order of the nodes' lists. */
 bool readWays(VxGraph &graph, Flat &flat)
 {
-    flat.ways.reserve(at(flat.edges));
-    flat.steps.resize(at(flat.nodes));
+    Ways &ways = flat.ways;
+    ways.first.reserve(at(flat.nodes) + 1);
+    ways.to.reserve(at(flat.edges));
+    flat.edgeOf.reserve(at(flat.edges));
     for (int32_t i = 0; i < flat.nodes; ++i) {
-        Step &step = flat.steps[at(i)];
-        step.next = static_cast<int32_t>(flat.ways.size());
-        if (flat.live[at(i)] && !readWaysOf(graph, i, flat))
+        ways.first.push_back(static_cast<int32_t>(ways.to.size()));
+        if (!flat.live[at(i)])
+            continue;
+        VxList *list = nodeAt(graph, i)->edges;
+        if (!holds<int32_t>(list))
             return false;
-        step.end = static_cast<int32_t>(flat.ways.size());
+        for (int32_t j = 0; j < list->count; ++j) {
+            int32_t edge = *recordAt<int32_t>(list, j);
+            if (edge == none)
+                continue;
+            if (edge < 0 || edge >= flat.edges)
+                return false;
+            Ends ends = flat.ends[at(edge)];
+            if (ends.from == none)
+                continue;
+            ways.to.push_back(ends.from == i ? ends.to : ends.from);
+            flat.edgeOf.push_back(edge);
+        }
     }
+    ways.first.push_back(static_cast<int32_t>(ways.to.size()));
     return true;
 }
 
@@ -143,39 +128,40 @@ bool read(VxGraph &graph, Flat &flat)
 }
 
 /** One walk from `root`; the parents of the nodes on the path are the stack. */
-void finishFrom(int32_t root, Flat &flat, Finished &done)
+void finishFrom(int32_t root, const Flat &flat, Numbers &next, Finished &done)
 {
     done.number[at(root)] = onPath;
     for (int32_t node = root; node != none;) {
-        Step &step = flat.steps[at(node)];
-        if (step.next == step.end) {
+        int32_t way = next[at(node)]++;
+        if (way == flat.ways.first[at(node) + 1]) {
             done.number[at(node)] = static_cast<int32_t>(done.order.size());
             done.order.push_back(node);
-            node = step.parent;
+            node = done.parent[at(node)];
             continue;
         }
-        Way way = flat.ways[at(step.next++)];
-        if (way.edge == step.parentEdge)
+        int32_t edge = flat.edgeOf[at(way)];
+        int32_t to = flat.ways.to[at(way)];
+        if (edge == done.parentEdge[at(node)])
             continue;
-        int32_t &number = done.number[at(way.to)];
-        if (number == none) {
-            number = onPath;
-            flat.steps[at(way.to)].parent = node;
-            flat.steps[at(way.to)].parentEdge = way.edge;
-            node = way.to;
-        } else if (number == onPath) {
-            done.cycle[at(way.edge)] = 1;
+        if (done.number[at(to)] == none) {
+            done.number[at(to)] = onPath;
+            done.parent[at(to)] = node;
+            done.parentEdge[at(to)] = edge;
+            node = to;
+        } else if (done.number[at(to)] == onPath) {
+            done.cycle[at(edge)] = 1;
             done.closes[at(node)] = 1;
         }
     }
 }
 
-Finished finish(Flat &flat)
+Finished finish(const Flat &flat)
 {
     Finished done(flat);
+    Numbers next(flat.ways.first);
     for (int32_t i = 0; i < flat.nodes; ++i)
         if (flat.live[at(i)] && done.number[at(i)] == none)
-            finishFrom(i, flat, done);
+            finishFrom(i, flat, next, done);
     return done;
 }
 
@@ -293,8 +279,8 @@ void write(VxGraph &graph, const Flat &flat, const Finished &done)
             continue;
         VxGraphNode &node = *nodeAt(graph, i);
         node.number = done.number[at(i)];
-        node.parentNode = flat.steps[at(i)].parent;
-        node.parentEdge = flat.steps[at(i)].parentEdge;
+        node.parentNode = done.parent[at(i)];
+        node.parentEdge = done.parentEdge[at(i)];
         if (done.closes[at(i)])
             node.low = onPath;
     }
@@ -316,9 +302,9 @@ uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
     return 0;
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 uint32_t VxGraphSCC(VxGraph *graph, int32_t *count, VxList ***components)
 {

@@ -94,14 +94,14 @@ constexpr bool lostSign(int32_t before, int32_t after) noexcept
     return before < -1 && after > 0;
 }
 
-} // namespace
+}
 
 IdGenerator &idGenerator() noexcept
 {
     return generator;
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

@@ -75,9 +75,9 @@ void append(VxIdList &list, const VxIdEntry &entry)
     list.entries[list.count++] = entry;
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

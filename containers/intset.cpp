@@ -122,9 +122,9 @@ int32_t *member(VxListIter &iter, void *element) noexcept
     return iter.list->elemSize == keySize ? &iter.index : static_cast<int32_t *>(element);
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

@@ -23,14 +23,14 @@ std::string_view bytesOf(const VxLbl &label) noexcept
     return {reinterpret_cast<const char *>(&label), static_cast<size_t>(label.size)};
 }
 
-} // namespace
+}
 
 LabelLog &labelLog() noexcept
 {
     return logged;
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

@@ -106,9 +106,9 @@ bool makeRoom(VxPairTable &table)
     return true;
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

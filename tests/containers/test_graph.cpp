@@ -207,7 +207,7 @@ void expectAgreement(Graph &graph, int32_t mode, int32_t start, int32_t target)
         EXPECT_EQ(graph.edge(i).cycle, model.cycle[static_cast<size_t>(i)]);
 }
 
-} // namespace
+}
 
 TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
 {

@@ -76,7 +76,7 @@ void expectAgreementWithBoost(int32_t nodes, const Pairs &pairs)
             FAIL() << "an edge leads back: " << from << " to " << to;
 }
 
-} // namespace
+}
 
 TEST(GraphComponents, ofAMillionRandomEdgesAgreeWithBoost)
 {

@@ -70,7 +70,7 @@ struct Squares : Graph {
     }
 };
 
-} // namespace
+}
 
 TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
 {

@@ -74,7 +74,7 @@ protected:
     }
 };
 
-} // namespace
+}
 
 TEST_F(Generator, withoutAnIdentifierSeedsFromTimeAndMemory)
 {
@@ -205,7 +205,7 @@ struct List {
     }
 };
 
-} // namespace
+}
 
 TEST(IdList, additionSetsPositionsInTheListAndInTheCallersEntry)
 {
@@ -313,7 +313,7 @@ protected:
     ~Label() override { vx::containers::labelLog() = {}; }
 };
 
-} // namespace
+}
 
 TEST_F(Label, isLoggedByAllItsBytes)
 {
