@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
+
+#include "vx/graph.h"
+#include "vx/mem.h"
 
 namespace vxsh {
 
@@ -11,77 +15,57 @@ using Needs = std::vector<std::vector<uint32_t>>;
 
 constexpr uint32_t none = UINT32_MAX;
 
-/**
- * Strongly connected components by Tarjan's algorithm (R. Tarjan, "Depth-first
- * search and linear graph algorithms", 1972), with a stack of its own in place
- * of recursion. A component comes out behind those that it needs.
- */
-class Components {
-public:
-    explicit Components(const Needs &needs) : needs_(needs), number_(needs.size(), none), low_(needs.size()) {}
+/** Memory is all that the toolkit's graphs can want here. */
+void check(uint32_t failed)
+{
+    if (failed)
+        throw std::bad_alloc();
+}
 
-    /** Calls found(members) for every component. */
-    template <typename Found> void each(Found &&found)
-    {
-        for (uint32_t root = 0; root < needs_.size(); ++root)
-            if (number_[root] == none)
-                walk(root, found);
-    }
+struct Graph {
+    VxGraph record{};
 
-private:
-    struct Step {
-        uint32_t node;
-        size_t next; ///< the edge to follow next
-    };
-
-    void enter(uint32_t node)
-    {
-        number_[node] = low_[node] = counter_++;
-        open_.push_back(node);
-        steps_.push_back({node, 0});
-    }
-
-    template <typename Found> void walk(uint32_t root, Found &found)
-    {
-        enter(root);
-        while (!steps_.empty()) {
-            Step &step = steps_.back();
-            uint32_t node = step.node;
-            if (step.next == needs_[node].size()) {
-                leave(node, found);
-                continue;
-            }
-            uint32_t needed = needs_[node][step.next++];
-            if (number_[needed] == none)
-                enter(needed);
-            else if (number_[needed] < closed)
-                low_[node] = std::min(low_[node], number_[needed]);
-        }
-    }
-
-    template <typename Found> void leave(uint32_t node, Found &found)
-    {
-        steps_.pop_back();
-        if (!steps_.empty())
-            low_[steps_.back().node] = std::min(low_[steps_.back().node], low_[node]);
-        if (low_[node] != number_[node])
-            return;
-        auto first = std::find(open_.rbegin(), open_.rend(), node).base() - 1;
-        std::vector<uint32_t> members(first, open_.end());
-        open_.erase(first, open_.end());
-        for (uint32_t member : members)
-            number_[member] = closed;
-        std::sort(members.begin(), members.end());
-        found(std::move(members));
-    }
-
-    static constexpr uint32_t closed = none - 1; ///< number of a node whose component is complete
-
-    const Needs &needs_;
-    std::vector<uint32_t> number_, low_, open_;
-    std::vector<Step> steps_;
-    uint32_t counter_ = 0;
+    ~Graph() { VxGraphFree(&record); }
 };
+
+struct Components {
+    int32_t count = 0;
+    VxList **lists = nullptr;
+
+    ~Components()
+    {
+        for (int32_t i = 0; i < count; ++i)
+            VxListDel(&lists[i]);
+        void *block = lists;
+        VxMemFree(&block);
+    }
+
+    std::vector<uint32_t> members(int32_t i) const
+    {
+        void *numbers = nullptr;
+        check(VxListGetArray(lists[i], &numbers));
+        auto first = static_cast<const uint32_t *>(numbers);
+        std::vector<uint32_t> sorted(first, first + lists[i]->count);
+        std::sort(sorted.begin(), sorted.end());
+        return sorted;
+    }
+};
+
+/** Calls found(members) for all that need each other, in ascending order; they come behind what they need. */
+template <typename Found> void eachComponent(const Needs &needs, Found &&found)
+{
+    Graph graph;
+    check(VxGraphMk(static_cast<int32_t>(needs.size()), &graph.record));
+    for (size_t node = 0; node < needs.size(); ++node)
+        for (uint32_t needed : needs[node])
+            check(VxGraphAddEdge(&graph.record, static_cast<int32_t>(node), static_cast<int32_t>(needed), 1,
+                                 nullptr));
+    Components components;
+    check(VxGraphSCC(&graph.record, &components.count, &components.lists));
+    // Edges lead to later components.
+    for (int32_t i = components.count; i-- > 0;)
+        found(components.members(i));
+}
 
 /** Finds short circles; its tables are as long as the graph and made once. */
 class CircleFinder {
@@ -170,7 +154,7 @@ DependencyOrder dependencyOrder(const Needs &needs)
     DependencyOrder order;
     order.sequence.reserve(needs.size());
     CircleFinder circles(needs);
-    Components(needs).each([&](std::vector<uint32_t> members) {
+    eachComponent(needs, [&](const std::vector<uint32_t> &members) {
         if (members.size() == 1 && !needsItself(needs, members.front()))
             order.sequence.push_back(members.front());
         else

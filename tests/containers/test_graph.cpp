@@ -1,0 +1,373 @@
+#include <algorithm>
+#include <deque>
+#include <iterator>
+#include <random>
+#include <tuple>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/containers/graph_fixture.h"
+#include "tests/session/started_toolkit.h"
+#include "tests/support/faults.h"
+
+namespace {
+
+using testing::ElementsAre;
+using vx::test::Graph;
+
+enum Mode { preOrder, postOrder, breadthFirst };
+enum EventKind { reached, finished, targetReached, cycleClosed };
+
+constexpr int32_t onPath = -2;
+
+/** from, to, edge, event, and the number that `to` had at the time. */
+using Event = std::tuple<int32_t, int32_t, int32_t, int32_t, int32_t>;
+using Events = std::vector<Event>;
+
+uint32_t record(VxGraph *graph, int32_t from, int32_t to, int32_t edge, int32_t event)
+{
+    int32_t number = Graph::at<VxGraphNode>(graph->nodes, to)->number;
+    static_cast<Events *>(graph->context)->push_back({from, to, edge, event, number});
+    return 0;
+}
+
+struct Outcome {
+    Events events;
+    uint32_t result = 0;
+    int32_t counter = 0, found = -1;
+};
+
+Outcome walk(Graph &graph, int32_t mode, int32_t start, int32_t target = -1, int32_t counter = 0)
+{
+    Outcome outcome;
+    outcome.counter = counter;
+    graph.graph.context = &outcome.events;
+    outcome.result = VxGraphWalk(&graph.graph, mode, start, target, record, &outcome.counter, &outcome.found);
+    graph.graph.context = nullptr;
+    return outcome;
+}
+
+/** The walks as the header tells them, by recursion, on records of its own. */
+struct Model {
+    struct Node {
+        int32_t number = -1, parent = -1, parentEdge = -1;
+        std::vector<int32_t> lows;
+    };
+
+    Graph &graph;
+    int32_t mode, target;
+    std::vector<Node> nodes;
+    std::vector<bool> cycle;
+    Events events;
+    int32_t counter = 0;
+    bool found = false;
+
+    Model(Graph &g, int32_t walkMode, int32_t end)
+        : graph(g), mode(walkMode), target(end), nodes(static_cast<size_t>(g.nodes())),
+          cycle(static_cast<size_t>(g.edges()))
+    {
+    }
+
+    Node &at(int32_t i) { return nodes[static_cast<size_t>(i)]; }
+
+    void tell(int32_t from, int32_t to, int32_t edge, int32_t event)
+    {
+        events.push_back({from, to, edge, event, at(to).number});
+    }
+
+    std::vector<std::pair<int32_t, int32_t>> ways(int32_t u)
+    {
+        std::vector<std::pair<int32_t, int32_t>> all;
+        for (int32_t e : graph.incident(u)) {
+            if (e == -1 || graph.edge(e).weight < 0)
+                continue;
+            int32_t v = graph.edge(e).from == u ? graph.edge(e).to : graph.edge(e).from;
+            if (!graph.node(v).removed)
+                all.push_back({e, v});
+        }
+        return all;
+    }
+
+    void run(int32_t start)
+    {
+        if (start == target) {
+            at(start).number = counter++;
+            found = true;
+            tell(-1, start, -1, targetReached);
+            return;
+        }
+        tell(-1, start, -1, reached);
+        mode == breadthFirst ? spread(start) : descend(start);
+    }
+
+    /** True when the target was reached. */
+    bool take(int32_t u, int32_t e, int32_t v)
+    {
+        at(v).parent = u;
+        at(v).parentEdge = e;
+        if (v == target) {
+            at(v).number = counter++;
+            found = true;
+        }
+        tell(u, v, e, found ? targetReached : reached);
+        return found;
+    }
+
+    void descend(int32_t u)
+    {
+        at(u).number = mode == postOrder ? onPath : counter++;
+        for (auto [e, v] : ways(u)) {
+            if (e == at(u).parentEdge)
+                continue;
+            if (at(v).number == -1) {
+                if (take(u, e, v))
+                    return;
+                descend(v);
+                if (found)
+                    return;
+                at(u).lows.insert(at(u).lows.end(), at(v).lows.begin(), at(v).lows.end());
+            } else if (at(v).number <= at(u).number) {
+                tell(u, v, e, reached);
+                cycle[static_cast<size_t>(e)] = true;
+                tell(u, v, e, cycleClosed);
+                at(u).lows.push_back(at(v).number);
+            }
+        }
+        tell(at(u).parent, u, at(u).parentEdge, finished);
+        if (mode == postOrder)
+            at(u).number = counter++;
+    }
+
+    void spread(int32_t start)
+    {
+        at(start).number = counter++;
+        for (std::deque<int32_t> queue{start}; !queue.empty(); queue.pop_front()) {
+            int32_t u = queue.front();
+            for (auto [e, v] : ways(u)) {
+                if (e == at(u).parentEdge)
+                    continue;
+                if (at(v).number == -1) {
+                    if (take(u, e, v))
+                        return;
+                    at(v).number = counter++;
+                    queue.push_back(v);
+                } else if (!cycle[static_cast<size_t>(e)]) {
+                    cycle[static_cast<size_t>(e)] = true;
+                    tell(u, v, e, cycleClosed);
+                }
+            }
+        }
+    }
+
+    /** Two smallest of a node's own number and those that its subtree leads back to. */
+    std::pair<int32_t, int32_t> lows(int32_t i)
+    {
+        std::vector<int32_t> all{at(i).number};
+        std::copy_if(at(i).lows.begin(), at(i).lows.end(), std::back_inserter(all),
+                     [&](int32_t low) { return low < at(i).number; });
+        std::sort(all.begin(), all.end());
+        all.erase(std::unique(all.begin(), all.end()), all.end());
+        return {all[0], all.size() > 1 ? all[1] : all[0]};
+    }
+};
+
+void expectAgreement(Graph &graph, int32_t mode, int32_t start, int32_t target)
+{
+    SCOPED_TRACE(testing::Message() << "mode " << mode << " from " << start << " to " << target);
+    std::vector<double> weights;
+    for (int32_t i = 0; i < graph.edges(); ++i)
+        weights.push_back(graph.edge(i).weight);
+    ASSERT_EQ(VxGraphWalkInit(&graph.graph), 0u);
+    for (int32_t i = 0; i < graph.edges(); ++i) {
+        if (!graph.edge(i).removed) {
+            EXPECT_EQ(graph.edge(i).weight, 0);
+        }
+        graph.edge(i).weight = weights[static_cast<size_t>(i)];
+    }
+    Model model(graph, mode, target);
+    model.run(start);
+    Outcome outcome = walk(graph, mode, start, target);
+    EXPECT_EQ(outcome.result, 0u);
+    EXPECT_EQ(outcome.found, model.found);
+    EXPECT_EQ(outcome.counter, model.counter);
+    EXPECT_EQ(outcome.events, model.events);
+    for (int32_t i = 0; i < graph.nodes(); ++i) {
+        if (graph.node(i).removed)
+            continue;
+        EXPECT_EQ(graph.node(i).number, model.at(i).number);
+        EXPECT_EQ(graph.node(i).parentNode, model.at(i).parent);
+        EXPECT_EQ(graph.node(i).parentEdge, model.at(i).parentEdge);
+        if (mode == preOrder && !model.found && model.at(i).number >= 0) {
+            EXPECT_EQ(std::pair(graph.node(i).low, graph.node(i).low2), model.lows(i)) << "node " << i;
+        }
+    }
+    for (int32_t i = 0; i < graph.edges(); ++i)
+        EXPECT_EQ(graph.edge(i).cycle, model.cycle[static_cast<size_t>(i)]);
+}
+
+}
+
+TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
+{
+    unsigned seed = std::random_device()();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 600 && !testing::Test::HasFailure(); ++round) {
+        auto n = static_cast<int32_t>(2 + random() % 9);
+        auto below = [&](int32_t limit) {
+            return static_cast<int32_t>(random() % static_cast<unsigned>(limit));
+        };
+        Graph graph(n);
+        bool undirected = round % 3 == 0;
+        for (int32_t i = below(3 * n); i >= 0; --i)
+            graph.add(below(n), below(n), !undirected && random() % 4);
+        for (int32_t i = 0; i < graph.edges(); ++i) {
+            if (random() % 8 == 0)
+                graph.edge(i).weight = -0.5;
+            if (random() % 8 == 0)
+                VxGraphEdgeDel(&graph.graph, i);
+        }
+        int32_t start = below(n);
+        if (int32_t victim = below(n); victim != start)
+            VxGraphNodeDel(&graph.graph, victim);
+        for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
+            expectAgreement(graph, mode, start, -1);
+            expectAgreement(graph, mode, start, below(n));
+        }
+    }
+}
+
+TEST(Graph, numbersFromTheCallersCounterOn)
+{
+    Graph graph(3, {{0, 1}});
+    VxGraphWalkInit(&graph.graph);
+    EXPECT_EQ(walk(graph, preOrder, 0, -1, 40).counter, 42);
+    EXPECT_EQ(walk(graph, preOrder, 2, -1, 42).counter, 43);
+    EXPECT_EQ(graph.node(1).number, 41);
+    EXPECT_EQ(graph.node(2).number, 42);
+}
+
+TEST(Graph, aWalkEndsWithTheResultOfItsCallBack)
+{
+    Graph graph(4, {{0, 1}, {1, 2}, {2, 3}});
+    for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
+        VxGraphWalkInit(&graph.graph);
+        int32_t counter = 0, found = -1;
+        auto stopAtTwo = [](VxGraph *, int32_t, int32_t to, int32_t, int32_t) { return to == 2 ? 77u : 0u; };
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, -1, stopAtTwo, &counter, &found), 77u);
+        EXPECT_EQ(found, 0);
+        EXPECT_EQ(graph.node(3).number, -1);
+        VxGraphWalkInit(&graph.graph);
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, 2, stopAtTwo, &counter, &found), 77u);
+        EXPECT_EQ(found, 1);
+    }
+}
+
+TEST(Graph, aRemovedStartHasACodeOfItsOwn)
+{
+    Graph graph(2);
+    VxGraphNodeDel(&graph.graph, 1);
+    int32_t counter = 0, found = -1;
+    for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 1, -1, nullptr, &counter, &found), 4u);
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 2, -1, nullptr, &counter, &found), 1u);
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, -1, nullptr, &counter, nullptr), 0u);
+    }
+    EXPECT_EQ(VxGraphWalk(&graph.graph, 3, 0, -1, nullptr, &counter, &found), 1u);
+}
+
+TEST(Graph, anEdgeStandsInTheListsOfTheEndsThatMayFollowIt)
+{
+    Graph graph(3);
+    VxGraphEdge *edge = nullptr;
+    ASSERT_EQ(VxGraphAddEdge(&graph.graph, 0, 1, 1, &edge), 0u);
+    EXPECT_EQ(edge, &graph.edge(0));
+    EXPECT_EQ(std::tuple(edge->from, edge->to, edge->regionCount, edge->region[0], edge->region[1]),
+              std::tuple(0, 1, 0, -1, -1));
+    graph.add(1, 2, false);
+    graph.add(2, 2, false);
+    EXPECT_THAT(graph.incident(0), ElementsAre(0));
+    EXPECT_THAT(graph.incident(1), ElementsAre(1));
+    EXPECT_THAT(graph.incident(2), ElementsAre(1, 2, 2));
+
+    EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 3, 1, &edge), 1u);
+    EXPECT_EQ(edge, nullptr);
+    EXPECT_EQ(VxGraphAddEdge(&graph.graph, -1, 0, 1, nullptr), 1u);
+    EXPECT_EQ(graph.edges(), 3);
+}
+
+TEST(Graph, deletionKeepsNumbersAndLeavesGapsInTheLists)
+{
+    Graph graph(3);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 2}, {2, 0}})
+        graph.add(from, to, false);
+    EXPECT_EQ(VxGraphEdgeDel(&graph.graph, 1), 0u);
+    EXPECT_EQ(VxGraphEdgeDel(&graph.graph, 1), 1u) << "already removed";
+    EXPECT_EQ(VxGraphEdgeDel(&graph.graph, 2), 0u);
+    EXPECT_THAT(graph.incident(1), ElementsAre(0, -1));
+    EXPECT_THAT(graph.incident(2), ElementsAre(-1, -1, -1, 3));
+    EXPECT_TRUE(graph.edge(1).removed);
+    EXPECT_EQ(graph.edge(3).from, 2);
+
+    EXPECT_EQ(VxGraphNodeDel(&graph.graph, 0), 0u);
+    EXPECT_EQ(VxGraphNodeDel(&graph.graph, 0), 1u);
+    EXPECT_TRUE(graph.node(0).removed);
+    EXPECT_EQ(graph.node(0).edges, nullptr);
+    EXPECT_THAT(graph.incident(1), ElementsAre(-1, -1));
+    EXPECT_TRUE(graph.edge(0).removed && graph.edge(3).removed);
+    EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 1, 1, nullptr), 1u) << "from a removed node";
+    EXPECT_EQ(VxGraphAddEdge(&graph.graph, 1, 0, 0, nullptr), 1u) << "to one that would list it";
+}
+
+using GraphFailures = vx::test::StartedToolkit;
+
+TEST_F(GraphFailures, listsOfOtherRecordsAreRefused)
+{
+    Graph graph(2, {{0, 1}});
+    int32_t counter = 0, count = 0;
+    VxList **components = nullptr;
+    for (VxList *list : {graph.graph.nodes, graph.graph.edges, graph.node(0).edges}) {
+        int32_t size = list->elemSize;
+        list->elemSize = 8;
+        EXPECT_EQ(VxGraphWalk(&graph.graph, preOrder, 0, -1, nullptr, &counter, nullptr), 1u);
+        EXPECT_EQ(VxGraphSCC(&graph.graph, &count, &components), 1u);
+        EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 1, 1, nullptr), 1u);
+        list->elemSize = size;
+    }
+    EXPECT_EQ(VxErrCnt(), 1) << "filed once; repeats are dropped";
+    EXPECT_EQ(graph.edges(), 1);
+    EXPECT_THAT(graph.incident(0), ElementsAre(0));
+}
+
+TEST_F(GraphFailures, refusedMemoryLeavesItAsItWas)
+{
+    vx::test::refusingEachAllocation([] {
+        VxGraph graph{};
+        uint32_t failed = VxGraphMk(60, &graph);
+        if (failed) {
+            EXPECT_EQ(graph.nodes, nullptr);
+            return;
+        }
+        for (int32_t i = 0; i < 120; ++i) {
+            int32_t from = i % 7, to = i % 5, edges = graph.edges->count;
+            auto incident = [&](int32_t n) { return Graph::at<VxGraphNode>(graph.nodes, n)->edges->count; };
+            int32_t out = incident(from), in = incident(to);
+            if (VxGraphAddEdge(&graph, from, to, 0, nullptr)) {
+                EXPECT_EQ(graph.edges->count, edges);
+                EXPECT_EQ(incident(from), out);
+                EXPECT_EQ(incident(to), in);
+            }
+        }
+        for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
+            int32_t counter = 0;
+            VxGraphWalkInit(&graph);
+            bool whole = VxGraphWalk(&graph, mode, 0, -1, nullptr, &counter, nullptr) == 0;
+            if (whole) {
+                EXPECT_EQ(counter, 7);
+            }
+        }
+        VxGraphFree(&graph);
+    });
+}

@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/containers/graph_fixture.h"
+#include "tests/session/started_toolkit.h"
+#include "tests/support/faults.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+using vx::test::Graph;
+
+using Numbers = std::vector<int32_t>;
+
+VxList *listOf(const Numbers &numbers)
+{
+    VxList *list = nullptr;
+    EXPECT_EQ(VxListMk(2, sizeof(int32_t), 10, 10, nullptr, &list), 0u);
+    for (int32_t number : numbers)
+        EXPECT_EQ(VxListSet(list, list->count, &number), 0u);
+    return list;
+}
+
+/** Make a region of edges, each told of it. */
+int32_t addRegion(Graph &graph, const Numbers &edges)
+{
+    VxGraphRegion region{listOf(edges), 0};
+    int32_t number = graph.graph.regions->count;
+    EXPECT_EQ(VxListSet(graph.graph.regions, number, &region), 0u);
+    for (int32_t i : edges) {
+        VxGraphEdge &edge = graph.edge(i);
+        edge.region[edge.regionCount++] = number;
+    }
+    return number;
+}
+
+Numbers regionEdges(Graph &graph, int32_t region)
+{
+    return Graph::numbers(Graph::at<VxGraphRegion>(graph.graph.regions, region)->edges);
+}
+
+Numbers regionsOf(const VxGraphEdge &edge)
+{
+    return {edge.region, edge.region + edge.regionCount};
+}
+
+/**
+ * Two squares side by side, and an edge 7 across the left one:
+ *
+ *     0 -0- 1 -4- 2
+ *     |  /  |     |
+ *     3  7  1     5
+ *     | /   |     |
+ *     3 -2- 4 -6- 5
+ */
+struct Squares : Graph {
+    int32_t left, right;
+
+    Squares() : Graph(6)
+    {
+        for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 4}, {4, 3}, {3, 0}, {1, 2}, {2, 5}, {5, 4}})
+            add(from, to, false);
+        left = addRegion(*this, {0, 1, 2, 3});
+        right = addRegion(*this, {1, 4, 5, 6});
+    }
+};
+
+}
+
+TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
+{
+    // Two loops that meet in node 0: 0, 1, 2 and 3, 4, 5.
+    Graph graph(6);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {3, 4}, {0, 4}})
+        graph.add(from, to, false);
+    int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
+    int32_t inner = addRegion(graph, {0, 1, 2});
+    // 0, 1, 2 border both, 3, 4, 5 only the outer one.
+    EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
+    EXPECT_THAT(regionEdges(graph, outer), UnorderedElementsAre(0, 1, 2));
+    EXPECT_THAT(regionEdges(graph, inner), UnorderedElementsAre(0, 1, 2));
+    for (int32_t i : {0, 1, 2})
+        EXPECT_THAT(regionsOf(graph.edge(i)), ElementsAre(inner, outer)) << "detached, then added behind";
+    for (int32_t i : {3, 4, 5})
+        EXPECT_THAT(regionsOf(graph.edge(i)), IsEmpty());
+}
+
+TEST(GraphRegions, foundAtTheBorderStayUnlessTheNewLoopIsShorter)
+{
+    Graph graph(7);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {3, 2}, {3, 0}, {3, 4}, {4, 5}, {5, 3}})
+        graph.add(from, to, false);
+    int32_t region = addRegion(graph, {0, 1, 2});
+    EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
+    EXPECT_THAT(regionEdges(graph, region), ElementsAre(0, 1, 2)) << "3 edges are not less than 3";
+
+    int32_t longer = addRegion(graph, {3});
+    EXPECT_EQ(longer, 1);
+    int32_t three = 3;
+    VxListSet(Graph::at<VxGraphRegion>(graph.graph.regions, region)->edges, 3, &three);
+    EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
+    EXPECT_THAT(regionEdges(graph, region), UnorderedElementsAre(4, 5, 6));
+    EXPECT_THAT(regionsOf(graph.edge(4)), ElementsAre(region));
+    EXPECT_THAT(regionsOf(graph.edge(0)), IsEmpty());
+}
+
+TEST(GraphRegions, withoutACycleOrWithFullEdgesStayAsTheyWere)
+{
+    Squares squares;
+    // All but edge 1 is border, so that the walk closes no cycle.
+    EXPECT_EQ(VxRgnFromNode(&squares.graph, 0), 1u);
+    EXPECT_THAT(regionEdges(squares, squares.left), ElementsAre(0, 1, 2, 3));
+    EXPECT_THAT(regionsOf(squares.edge(1)), ElementsAre(squares.left, squares.right));
+
+    Graph triangle(6);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {0, 4}})
+        triangle.add(from, to, false);
+    addRegion(triangle, {0, 1, 2});
+    addRegion(triangle, {0, 1, 2});
+    int32_t third = addRegion(triangle, {3, 4});
+    EXPECT_EQ(VxRgnFromNode(&triangle.graph, 4), 0u) << "of two edges, found at the border: it stays";
+    VxList *edges = Graph::at<VxGraphRegion>(triangle.graph.regions, third)->edges;
+    int32_t again = 4;
+    VxListFill(edges, 2, 2, &again);
+    EXPECT_EQ(VxRgnFromNode(&triangle.graph, 4), 1u) << "the triangle borders two regions already";
+    EXPECT_THAT(regionsOf(triangle.edge(3)), ElementsAre(third));
+    EXPECT_THAT(regionsOf(triangle.edge(0)), ElementsAre(0, 1));
+}
+
+TEST(GraphRegions, pathsNeedARegionOnEachEdge)
+{
+    Graph graph(6);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {3, 4}, {0, 4}, {4, 5}})
+        graph.add(from, to, false);
+    int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
+    addRegion(graph, {0, 1, 2});
+    VxList *path = listOf({1, 6});
+    EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 5u);
+    EXPECT_EQ(VxRgnFromNode(&graph.graph, 5), 5u) << "no edge of the node borders a region";
+    path->count = 1;
+    EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 0u);
+    EXPECT_THAT(regionEdges(graph, outer), UnorderedElementsAre(0, 1, 2));
+    VxListDel(&path);
+
+    path = listOf({99});
+    EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 1u);
+    VxListDel(&path);
+}
+
+using GraphRegionFailures = vx::test::StartedToolkit;
+
+TEST_F(GraphRegionFailures, refusedMemoryChangesNoRegion)
+{
+    Graph graph(5);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {3, 4}, {0, 4}})
+        graph.add(from, to, false);
+    int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
+    addRegion(graph, {0, 1, 2});
+    int context = 0;
+    graph.graph.context = &context;
+    bool done = false;
+    vx::test::refusingEachAllocation([&] {
+        bool failed = VxRgnFromNode(&graph.graph, 1) != 0;
+        EXPECT_EQ(graph.graph.context, &context);
+        int32_t edges = Graph::at<VxGraphRegion>(graph.graph.regions, outer)->edges->count;
+        EXPECT_EQ(edges, failed && !done ? 6 : 3);
+        EXPECT_EQ(graph.edge(3).regionCount, failed && !done ? 1 : 0);
+        done = done || !failed;
+    });
+}
