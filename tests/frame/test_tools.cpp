@@ -25,6 +25,7 @@
 #include "vx/dmpath.h"
 #include "vx/err.h"
 #include "vx/escape.h"
+#include "vx/list.h"
 #include "vx/mem.h"
 #include "vx/msg.h"
 #include "vx/openfile.h"
