@@ -7,6 +7,7 @@
 
 #include "text/codepage.h"
 #include "text/str_case.h"
+#include "text/str_integer.h"
 #include "text/str_scan.h"
 
 using namespace vx;
@@ -58,7 +59,7 @@ struct Number {
         while (*p == '0')
             ++p;
         digits = p;
-        while (*p >= '0' && *p <= '9')
+        while (text::isDecimalDigit(*p))
             ++p;
         length = p - digits;
     }
@@ -66,11 +67,6 @@ struct Number {
     const char *digits;
     ptrdiff_t length;
 };
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 /** Compares the numbers at `a` and `b` by value and moves both pointers behind them. */
 int32_t compareNumbers(const char *&a, const char *&b)
@@ -181,15 +177,15 @@ int32_t VxStrCmpAlphaNum(const char *a, const char *b)
             ++b;
         }
         ptrdiff_t digits = 0;
-        while (a - digits > start && isDigit(a[-digits - 1]))
+        while (a - digits > start && text::isDecimalDigit(a[-digits - 1]))
             ++digits;
         a -= digits;
         b -= digits;
         if (*a == '\0' || *b == '\0')
             return order(*a != '\0', *b != '\0');
-        if (!isDigit(*a) || !isDigit(*b)) {
-            if (isDigit(*a) != isDigit(*b))
-                return isDigit(*a) ? -1 : 1;
+        if (!text::isDecimalDigit(*a) || !text::isDecimalDigit(*b)) {
+            if (text::isDecimalDigit(*a) != text::isDecimalDigit(*b))
+                return text::isDecimalDigit(*a) ? -1 : 1;
             return order(static_cast<uint8_t>(*a), static_cast<uint8_t>(*b));
         }
         if (int32_t result = compareNumbers(a, b))

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "text/codepage.h"
+#include "text/str_integer.h"
 #include "text/str_scan.h"
 
 using namespace vx;
@@ -33,11 +34,6 @@ void dropFront(char *s, const char *kept)
 {
     if (kept != s)
         std::memmove(s, kept, std::strlen(kept) + 1);
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 }
@@ -115,7 +111,7 @@ uint32_t VxStrRemZero(char *s)
         return 1;
     size_t end = std::strlen(s);
     size_t point = end;
-    while (point > 0 && isDigit(s[point - 1]))
+    while (point > 0 && text::isDecimalDigit(s[point - 1]))
         --point;
     // The zeros of an exponent or of a whole number count.
     if (point == 0 || s[point - 1] != '.')
@@ -124,7 +120,7 @@ uint32_t VxStrRemZero(char *s)
         --end;
     if (end == point) {
         --end;
-        bool wholePart = end > 0 && isDigit(s[end - 1]);
+        bool wholePart = end > 0 && text::isDecimalDigit(s[end - 1]);
         if (!wholePart && s[point] == '0')
             s[end++] = '0';
     }
