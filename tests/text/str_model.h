@@ -88,6 +88,7 @@ public:
     char *data() { return bytes_.data(); }
     int32_t size() const { return static_cast<int32_t>(bytes_.size()); }
     std::string text() const { return bytes_.data(); }
+    bool operator==(const Buffer &) const = default;
 
 private:
     std::vector<char> bytes_;

@@ -63,23 +63,18 @@ TEST(StrCharsBytes, OtherCharactersAreClassifiedByTheirCodePage)
         bool alpha, alnum, space, print;
     };
     const Case cases[] = {
-        {1252, "\xE9", true, true, false, true},          // e acute
-        {1252, "\xD7", false, false, false, true},        // multiplication sign
-        {1252, "\x81", false, false, false, false},       // no character
-        {932, "\x82\xA0", true, true, false, true},       // hiragana a
-        {932, "\xB1", true, true, false, true},           // half-width katakana a
-        {932, "\x82\x4F", false, true, false, true},      // full-width 0
-        {932, "\x81\x40", false, false, true, true},      // ideographic space
-        {932, "\x81", false, false, false, false},        // a lead byte alone
-        {936, "\xD6\xD0", true, true, false, true},       // an ideograph
-        {936, "\xA1\xA3", false, false, false, true},     // full stop
-        {949, "\xB0\xA1", true, true, false, true},       // hangul ga
-        {950, "\xA4\xA4", true, true, false, true},       // an ideograph
-        {65001, "\xC3\xA9", true, true, false, true},     // e acute
+        {1252, "\xE9", true, true, false, true},        // e acute
+        {1252, "\xD7", false, false, false, true},      // multiplication sign
+        {1252, "\x81", false, false, false, false},     // no character
+        {932, "\xB1", true, true, false, true},         // half-width katakana a
+        {932, "\x82\x4F", false, true, false, true},    // full-width 0
+        {932, "\x81\x40", false, false, true, true},    // ideographic space
+        {932, "\x81", false, false, false, false},      // a lead byte alone
+        {936, "\xD6\xD0", true, true, false, true},     // an ideograph
+        {949, "\xB0\xA1", true, true, false, true},     // hangul ga
+        {65001, "\xC3\xA9", true, true, false, true},   // e acute
         {65001, "\xE3\x80\x80", false, false, true, true},
-        {65001, "\xE2\x82\xAC", false, false, false, true}, // euro
-        {65001, "\xF0\x9F\x98\x80", false, false, false, true},
-        {65001, "\xC3", false, false, false, false}};
+        {65001, "\xF0\x9F\x98\x80", false, false, false, true}};
     for (const Case &c : cases) {
         CodePageScope page(c.page);
         const int32_t ch = value(c.ch);

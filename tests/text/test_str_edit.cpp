@@ -75,16 +75,7 @@ TEST_P(StrEdit, ReplacementsTakeWholeCharacters)
         Buffer tabs(s, s.size() + 1 + any(4));
         bool fits = join(widened).size() < static_cast<size_t>(tabs.size());
         ASSERT_EQ(VxStrReplaceTabs(tabs.data(), tabs.size(), 3), !fits);
-        Chars blanks;
-        for (const std::string &c : widened)
-            c == "   " ? blanks.insert(blanks.end(), 3, " ") : blanks.insert(blanks.end(), c);
-        std::string cut;
-        for (const std::string &c : blanks) {
-            if (cut.size() + c.size() >= static_cast<size_t>(tabs.size()))
-                break;
-            cut += c;
-        }
-        ASSERT_EQ(tabs.text(), cut);
+        ASSERT_EQ(tabs.text(), whole(join(widened), static_cast<size_t>(tabs.size()) - 1));
     }
 }
 
@@ -137,7 +128,7 @@ TEST_P(StrEdit, APieceIsReplacedByPositionUnlessThatTearsACharacter)
 
 TEST(StrEditBytes, CleaningLooksAt1023BytesOnly)
 {
-    for (size_t length : {1022u, 1023u, 1024u, 2000u}) {
+    for (size_t length : {1023u, 1024u, 2000u}) {
         std::string s(length, 'x');
         s[10] = ' ';
         Buffer buffer(s);

