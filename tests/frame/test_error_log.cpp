@@ -1,5 +1,6 @@
 #include "vx/err.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <map>
@@ -41,27 +42,22 @@ TEST_F(Log, ARecordKeepsWhatItIsGiven)
 {
     alertFile("1,0,one", "First.ALERT");
     int32_t id = alertFile("1,0,one\n5,1,The %s is %d of 100%%.");
+    auto expectLast = [](int32_t fileId, int32_t severity, int32_t extra, auto where, auto text) {
+        EXPECT_TRUE(last().marker == -1 && last().number == 5);
+        EXPECT_EQ(last().id, fileId);
+        EXPECT_EQ(last().severity, severity);
+        EXPECT_EQ(last().extra, extra);
+        EXPECT_STREQ(last().where, where);
+        EXPECT_STREQ(last().text, text);
+    };
     EXPECT_EQ(VxErrLogFmt(id, 5, "here", 42, "part", 7), 0u);
-    EXPECT_EQ(last().marker, -1);
-    EXPECT_EQ(last().number, 5);
-    EXPECT_EQ(last().severity, 1);
-    EXPECT_EQ(last().extra, 42);
-    EXPECT_EQ(last().id, id);
-    EXPECT_STREQ(last().where, "here");
-    EXPECT_STREQ(last().text, "The part is 7 of 100%.");
-
+    expectLast(id, 1, 42, "here", "The part is 7 of 100%.");
     EXPECT_EQ(VxErrLogMsg(5, 2, nullptr, -1, "%s %.1f", "given", 0.5), 0u);
-    EXPECT_EQ(last().severity, 2);
-    EXPECT_EQ(last().id, 0);
-    EXPECT_STREQ(last().where, "");
-    EXPECT_STREQ(last().text, "given 0.5");
-
+    expectLast(0, 2, -1, "", "given 0.5");
     EXPECT_EQ(VxErrLogVa(~17, 5, 9, "", 0, "kept under 17"), 0u);
-    EXPECT_EQ(last().id, 17);
-    EXPECT_EQ(last().marker, -1);
+    expectLast(17, 9, 0, "", "kept under 17");
     EXPECT_TRUE(VxErrIsLogged(17, 5));
-    EXPECT_FALSE(VxErrIsLogged(17, 6));
-    EXPECT_FALSE(VxErrIsLogged(16, 5));
+    EXPECT_FALSE(VxErrIsLogged(17, 6) || VxErrIsLogged(16, 5));
     EXPECT_EQ(VxErrCnt(), 3);
 }
 
@@ -81,63 +77,34 @@ TEST_F(Log, AFailedLookUpFilesNothing)
     int32_t id = alertFile("5,0,text");
     VgErrOccurred = 0;
     test::CapturedOutput output;
-    EXPECT_EQ(VxErrLogNum(id, 6, "", 0), 1u);
-    EXPECT_EQ(VxErrLogFmt(-1, 5, "", 0), 1u);
-    EXPECT_EQ(logArgs(id, 6), 1u);
-    EXPECT_EQ(VxErrLogSysFmt(id, 6, "", 0), 1u);
+    for (uint32_t result : {VxErrLogNum(id, 6, "", 0), VxErrLogFmt(-1, 5, "", 0), logArgs(id, 6),
+                            VxErrLogSysFmt(id, 6, "", 0)})
+        EXPECT_EQ(result, 1u);
     EXPECT_EQ(output.text(), "Invalid error file id (-1).\n");
-    EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(VgErrOccurred, 0);
+    EXPECT_EQ(VxErrCnt() + VgErrOccurred, 0);
     EXPECT_EQ(Counts(), Counts(0, 0, 0));
 }
 
-TEST_F(Log, TextsAreCutTo512Bytes)
+TEST_F(Log, ATextIsCutTo512BytesAndAPlaceToItsLast254AtACharacter)
 {
-    for (size_t size : {511u, 512u, 513u, 600u, 70000u}) {
-        std::string text(size, 'a');
-        text.back() = 'z';
-        for (bool formatted : {false, true}) {
-            setSecond(static_cast<int64_t>(size) * 2 + formatted);
-            uint32_t result = formatted ? VxErrLogMsg(1, 0, "", 0, "%s", text.c_str())
-                                        : VxErrLogMsg(1, 0, "", 0, text.c_str());
-            EXPECT_EQ(result, 0u);
-            EXPECT_EQ(last().text, text.substr(0, 512));
-        }
-    }
-}
-
-TEST_F(Log, ACutSplitsNoCharacter)
-{
-    const struct {
-        int32_t codePage;
-        const char *character;
-    } cases[] = {{936, "\xB0\xA1"}, {932, "\x83\x5C"}, {949, "\xB0\xA1"}, {950, "\xA4\x40"}, {65001, "\xF0\x9F\x98\x80"}};
-    for (const auto &c : cases) {
-        test::CodePageScope page(c.codePage);
-        size_t bytes = std::strlen(c.character);
-        for (size_t lead = 1; lead <= bytes; ++lead) {
-            std::string text(lead, 'x'), where;
-            for (int i = 0; i < 400; ++i)
-                text += c.character;
-            where = text + std::string(lead - 1, 'y');
-            setSecond(c.codePage * 10 + static_cast<int64_t>(lead));
-            VxErrLogMsg(1, 0, where.c_str(), 0, "%s", text.c_str());
-            EXPECT_EQ(last().text, text.substr(0, lead + (512 - lead) / bytes * bytes)) << c.codePage;
-            size_t keptWhere = lead - 1 + (254 - (lead - 1)) / bytes * bytes;
-            EXPECT_EQ(last().where, where.substr(where.size() - keptWhere)) << c.codePage;
-        }
-    }
-}
-
-TEST_F(Log, OfALongPlaceTheEndIsKept)
-{
-    for (size_t size : {0u, 253u, 254u, 255u, 300u}) {
-        std::string where(size, 'a');
-        if (size)
-            where[0] = where[size / 2] = 'b';
-        setSecond(static_cast<int64_t>(size) * 2);
-        VxErrLogMsg(1, 0, where.c_str(), 0, "text");
-        EXPECT_EQ(last().where, where.substr(size > 254 ? size - 254 : 0));
+    int64_t second = 2000;
+    for (auto [codePage, character] :
+         {std::pair{1252, "\xE9"}, {932, "\x83\x5C"}, {65001, "\xF0\x9F\x98\x80"}}) {
+        test::CodePageScope page(codePage);
+        const size_t bytes = std::strlen(character);
+        for (size_t count : {254 / bytes, 254 / bytes + 1, 512 / bytes, 512 / bytes + 1, size_t{20000}})
+            for (size_t odd = 0; odd < bytes; ++odd) {
+                SCOPED_TRACE(testing::Message() << codePage << ": " << count << " characters and " << odd);
+                std::string run;
+                for (size_t i = 0; i < count; ++i)
+                    run += character;
+                const std::string text = std::string(odd, 'x') + run, where = run + std::string(odd, 'y');
+                setSecond(++second);
+                EXPECT_EQ(VxErrLogMsg(1, 0, where.c_str(), 0, "%s", text.c_str()), 0u);
+                auto kept = [&](size_t most) { return odd + std::min(count, (most - odd) / bytes) * bytes; };
+                EXPECT_EQ(last().text, text.substr(0, kept(512)));
+                EXPECT_EQ(last().where, where.substr(where.size() - kept(254)));
+            }
     }
 }
 
@@ -155,101 +122,59 @@ TEST_F(Log, AnEmptyTextIsNotFiled)
     EXPECT_EQ(last().marker, 0);
 }
 
-TEST_F(Log, ARepeatWithinTheSecondIsCountedNotFiled)
-{
-    auto log = [] { return VxErrLogMsg(1, 0, "", 0, "text"); };
-    EXPECT_EQ(log(), 0u);
-    EXPECT_EQ(log(), 0u);
-    EXPECT_EQ(VxErrCnt(), 1);
-    setSecond(1001);
-    EXPECT_EQ(log(), 0u);
-    EXPECT_EQ(VxErrCnt(), 2);
-    // A clock that goes back is no repeat either.
-    setSecond(1000);
-    EXPECT_EQ(log(), 0u);
-    EXPECT_EQ(VxErrCnt(), 3);
-    EXPECT_EQ(Counts(), Counts(4, 0, 0));
-}
-
 TEST_F(Log, ARepeatIsTheSameNumberOfTheSameFile)
 {
     int32_t a = alertFile("1,0,one", "A.ALERT"), b = alertFile("1,0,one", "B.ALERT");
-    VxErrLogNum(a, 1, "", 0);
-    VxErrLogNum(b, 1, "", 0);
-    VxErrLogVa(a, 1, 0, "", 0, nullptr);
-    VxErrLogVa(b, 1, 0, "", 0, nullptr);
     VxErrLogMsg(2, 0, "", 0, "text");
-    EXPECT_EQ(VxErrCnt(), 5);
-    for (int32_t id : {a, b}) {
-        VxErrLogNum(id, 1, "", 0);
-        VxErrLogVa(id, 1, 0, "", 0, nullptr);
+    for (int round = 0; round < 2; ++round) {
+        for (int32_t id : {a, b}) {
+            VxErrLogNum(id, 1, "", 0);
+            VxErrLogVa(id, 1, 0, "", 0, nullptr);
+        }
+        EXPECT_EQ(VxErrCnt(), 5);
     }
-    // A text of the caller's counts as the first file's.
     VxErrLogMsg(1, 0, "", 0, "text");
-    EXPECT_EQ(VxErrCnt(), 5);
-}
-
-TEST_F(Log, EmptyingTheListKeepsCountersAndRepeats)
-{
-    VxErrLogMsg(1, 0, "", 0, "text");
-    EXPECT_EQ(VxErrClear(), 0u);
-    EXPECT_EQ(VxErrCnt(), 0);
-    VxErrLogMsg(1, 0, "", 0, "text");
-    EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(Counts(), Counts(2, 0, 0));
+    EXPECT_EQ(VxErrCnt(), 5) << "a text of the caller's counts as the first file's";
 }
 
 TEST_F(Log, CountersAreReadOrReset)
 {
-    for (int32_t severity : {0, 0, 0, 1, 1, 2, 3, -1})
+    for (int32_t severity : {0, 1, 1, 2, 3, -1})
         VxErrLogMsg(severity, severity, "", 0, "text");
+    EXPECT_EQ(Counts(), Counts(1, 2, 3));
     int32_t warnings = 0;
-    EXPECT_EQ(Counts(), Counts(3, 2, 3));
     EXPECT_EQ(VxErrStatus(nullptr, &warnings, nullptr), 0u);
-    EXPECT_EQ(warnings, 2);
     EXPECT_EQ(Counts(), Counts(0, 2, 0));
-    VxErrStatus(nullptr, nullptr, nullptr);
-    EXPECT_EQ(Counts(), Counts(0, 0, 0));
 }
 
-TEST_F(Log, SuppressedErrorsLeaveOnlyTheFlag)
+TEST_F(Log, SuppressionCountsItsLevelsAndLeavesOnlyTheFlag)
 {
     VgErrOccurred = 0;
-    VxErrDisable();
-    EXPECT_EQ(VxErrLogMsg(1, 0, "", 0, "text"), 0u);
-    EXPECT_EQ(VgErrOccurred, 1);
-    EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(Counts(), Counts(0, 0, 0));
-    VxErrEnable();
-    EXPECT_EQ(VxErrLogMsg(1, 0, "", 0, "text"), 0u);
-    EXPECT_EQ(VxErrCnt(), 1);
-}
-
-TEST_F(Log, SuppressionCountsItsLevels)
-{
     VxErrDisable();
     VxErrDisable();
     VxErrEnable();
     EXPECT_TRUE(VxErrIsDisabled());
+    EXPECT_EQ(VxErrLogMsg(1, 0, "", 0, "text"), 0u);
+    EXPECT_EQ(VgErrOccurred, 1);
+    EXPECT_EQ(VxErrCnt(), 0);
+    EXPECT_EQ(Counts(), Counts(0, 0, 0));
     VxErrTempEnable(1);
     EXPECT_FALSE(VxErrIsDisabled());
     VxErrTempEnable(0);
     EXPECT_TRUE(VxErrIsDisabled());
     VxErrEnable();
-    EXPECT_FALSE(VxErrIsDisabled());
     VxErrEnable();
-    EXPECT_FALSE(VxErrIsDisabled());
+    EXPECT_FALSE(VxErrIsDisabled()) << "the surplus does not count";
+}
 
+TEST_F(Log, AnOverriddenSuppressionStays)
+{
     VxErrDisable();
     VxErrDisableOverride(1);
     VxErrEnable();
     EXPECT_TRUE(VxErrIsDisabled());
     VxErrDisableOverride(0);
     VxErrEnable();
-    EXPECT_FALSE(VxErrIsDisabled());
-    // The depth remembered is used up.
-    VxErrDisable();
-    VxErrTempEnable(0);
     EXPECT_FALSE(VxErrIsDisabled());
 }
 
@@ -262,15 +187,11 @@ TEST_F(Log, OneThreadsSuppressionHidesNoOthersErrors)
         for (int32_t i = 0; i < perThread; ++i) {
             VxErrLogMsg(first + i, i % 3, "thread", i, "number %d", first + i);
             VxErrIsLogged(0, first);
-            VxErrCnt();
         }
-        if (suppressed)
-            VxErrEnable();
     };
     std::thread silent(work, 0, true), loud(work, 10000, false), another(work, 20000, false);
-    silent.join();
-    loud.join();
-    another.join();
+    for (std::thread *thread : {&silent, &loud, &another})
+        thread->join();
     EXPECT_EQ(VxErrCnt(), 2 * perThread);
     for (const ErrorRecord &record : errorState().pending) {
         ASSERT_GE(record.number, 10000);
@@ -281,44 +202,37 @@ TEST_F(Log, OneThreadsSuppressionHidesNoOthersErrors)
 
 TEST_F(Log, AnEscapeUnderWayLeavesLookedUpErrorsOut)
 {
-    int32_t id = alertFile("5,0,text\n6,0,text\n7,0,text");
-    VgErrOccurred = 0;
+    int32_t id = alertFile("5,0,text\n6,0,text");
     VgEscapeFlag = 1;
     EXPECT_EQ(VxErrLogNum(id, 5, "", 0), 0u);
-    EXPECT_EQ(VxErrLogFmt(id, 5, "", 0), 0u);
-    EXPECT_EQ(VxErrLogNum(-1, 5, "", 0), 0u);
+    EXPECT_EQ(VxErrLogFmt(-1, 5, "", 0), 0u);
     EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(VgErrOccurred, 0);
     // The others do not ask.
     EXPECT_EQ(logArgs(id, 6), 0u);
     EXPECT_EQ(VxErrLogMsg(7, 0, "", 0, "text"), 0u);
-    EXPECT_EQ(pendingNumbers(), (std::vector<int32_t>{6, 7}));
     VgEscapeFlag = 0;
+    EXPECT_EQ(pendingNumbers(), (std::vector<int32_t>{6, 7}));
 }
 
 TEST_F(Log, SystemErrorsAreTold)
 {
+    int32_t id = alertFile("5,1,File %s");
     errno = ENOENT;
     EXPECT_EQ(VxErrLogSys("File x:", "here", 3), 0u);
     EXPECT_EQ(last().text, std::string("File x: ") + std::strerror(ENOENT));
-    EXPECT_EQ(last().number, 1);
-    EXPECT_EQ(last().severity, 0);
-    EXPECT_EQ(last().id, 0);
+    EXPECT_TRUE(last().number == 1 && last().severity == 0 && last().id == 0);
     setSecond(2000);
     errno = EACCES;
     EXPECT_EQ(VxErrLogSys(nullptr, "here", 3), 0u);
     EXPECT_STREQ(last().text, std::strerror(EACCES));
-
-    int32_t id = alertFile("5,1,File %s");
     errno = ENOSPC;
     EXPECT_EQ(VxErrLogSysFmt(id, 5, "here", 3, "100%s"), 0u);
     EXPECT_EQ(last().text, std::string("File 100%s: ") + std::strerror(ENOSPC));
     EXPECT_EQ(last().severity, 1);
-
-    for (int code : {-1, 134, 100000}) {
-        errno = code;
+    for (int noError : {-1, 134, 100000}) {
+        errno = noError;
         EXPECT_EQ(VxErrLogSys("x", "", 0), 1u);
-        errno = code;
+        errno = noError;
         EXPECT_EQ(VxErrLogSysFmt(id, 5, "", 0, "y"), 1u);
     }
     EXPECT_EQ(VxErrCnt(), 3);
@@ -327,32 +241,26 @@ TEST_F(Log, SystemErrorsAreTold)
 TEST_F(Log, AnIntervalLimitsTheRate)
 {
     int32_t id = alertFile("5,0,text");
-    int64_t time = 0;
-    EXPECT_EQ(VxErrLogNumTime(id, 5, 10, &time), 0u);
-    EXPECT_EQ(time, 1000);
-    setSecond(1010);
-    EXPECT_EQ(VxErrLogNumTime(id, 5, 10, &time), 0u);
-    EXPECT_EQ(time, 1000);
-    EXPECT_EQ(VxErrCnt(), 1);
-    setSecond(1011);
-    EXPECT_EQ(VxErrLogNumTime(id, 6, 10, &time), 1u);
-    EXPECT_EQ(time, 1011);
+    int64_t last = 0;
+    for (auto [second, filed] : {std::pair{1000, 1}, {1010, 1}, {1011, 2}}) {
+        setSecond(second);
+        EXPECT_EQ(VxErrLogNumTime(id, 5, 10, &last), 0u);
+        EXPECT_EQ(VxErrCnt(), filed) << second;
+    }
+    EXPECT_EQ(last, 1011);
     EXPECT_EQ(VxErrLogNumTime(id, 5, 10, nullptr), 1u);
 }
 
 TEST_F(Log, ToolkitErrorsAreFiledUnderItsFile)
 {
-    alertFile("1,0,other");
     toolsAlertFile("1,0,size %d\n20,0,path %s");
     EXPECT_EQ(VxErrInt(1, -3), 0u);
     EXPECT_STREQ(last().text, "size -3");
     EXPECT_EQ(VxErrStr(20, "\\tmp\\100%d"), 0u);
     EXPECT_STREQ(last().text, "path \\tmp\\100%d");
-    EXPECT_EQ(last().id, VxToolsErrID());
-    EXPECT_EQ(VxErrStr(20, nullptr), 1u);
 }
 
-TEST_F(Log, TheEventLogGetsEachFiledText)
+TEST_F(Log, TheEventLogAndItsFormGetEachFiledText)
 {
     int32_t id = alertFile("9,0,looked up");
     RecordedEvents recorded;
@@ -363,18 +271,13 @@ TEST_F(Log, TheEventLogGetsEachFiledText)
     VxErrDisable();
     VxErrLogMsg(10, 0, "", 0, "suppressed");
     VxErrEnable();
-    using Event = RecordedEvents::Event;
-    EXPECT_EQ(recorded.events,
-              (std::vector<Event>{{4, "Tools", "severity 0"}, {3, "Tools", "severity 1"},
-                                  {1, "Tools", "severity 2"}, {4, "Tools", "severity 3"},
-                                  {4, "Tools", "severity -1"}, {3, "Tools", "looked up"}}));
-}
-
-TEST_F(Log, TheEventLogsFormGetsTheTextToo)
-{
-    RecordedEvents recorded;
+    using Events = std::vector<RecordedEvents::Event>;
+    EXPECT_EQ(recorded.events, (Events{{4, "Tools", "severity 0"}, {3, "Tools", "severity 1"},
+                                       {1, "Tools", "severity 2"}, {4, "Tools", "severity 3"},
+                                       {4, "Tools", "severity -1"}, {3, "Tools", "looked up"}}));
+    recorded.events.clear();
     EsControlSetForm("Errors");
-    VxErrLogMsg(1, 1, "", 0, "%s", "100%s");
+    VxErrLogMsg(11, 1, "", 0, "%s", "100%s");
     EsControlSetForm(nullptr);
     ASSERT_FALSE(recorded.events.empty());
     EXPECT_EQ(recorded.events[0], (RecordedEvents::Event{3, "Errors", "100%s"}));
@@ -401,13 +304,6 @@ TEST_F(Log, WithoutMemoryAnErrorIsCountedAndLost)
         EXPECT_EQ(result, VxErrCnt() == 1 ? 0u : 1u);
         EXPECT_EQ(Counts(), Counts(1, 0, 0));
     });
-}
-
-TEST_F(Log, AFormatThatCannotBeMetIsRefused)
-{
-    // A wide character that the C locale cannot express.
-    EXPECT_EQ(VxErrLogMsg(1, 0, "", 0, "text %ls", L"\x4E2D"), 1u);
-    EXPECT_EQ(VxErrCnt(), 0);
 }
 
 // Records, counters and repeats against a plain account of them.

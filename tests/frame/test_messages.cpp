@@ -80,14 +80,16 @@ TEST_F(Messages, AMessageGoesToTheWindow)
     EXPECT_EQ(output.text(), "");
 }
 
-TEST_F(Messages, WithoutAWindowAMessageIsPrinted)
+TEST_F(Messages, WithoutAWindowAMessageIsPrintedAndAQuestionAnsweredYes)
 {
     test::CapturedOutput output;
     VgMsgGuiIsUp = 0;
     EXPECT_EQ(VxMessage("100%d"), 0u);
+    EXPECT_EQ(VxMessage2(1), 0u);
     VgMsgGuiIsUp = 1;
     Base::Instance().SetFunction(106, nullptr);
     EXPECT_EQ(VxMessage("absent"), 0u);
+    EXPECT_EQ(VxMessage2(1), 0u);
     EXPECT_EQ(output.text(), "100%d\nabsent\n");
     EXPECT_EQ(window.calls, 0);
 }
@@ -111,19 +113,11 @@ TEST_F(Messages, AQuestionIsAskedWithRealLineBreaks)
 
 TEST_F(Messages, OnlyAPositiveAnswerIsYes)
 {
-    const struct {
-        int32_t answer, result;
-        uint32_t expected;
-    } cases[] = {{1, 0, 0}, {2, 0, 0}, {0, 0, 1}, {-1, 0, 1}, {1, 1, 1}};
-    for (const auto &c : cases) {
-        window.answer = c.answer;
-        window.result = c.result;
-        EXPECT_EQ(VxMessage2(1), c.expected);
+    for (auto [answer, failed, result] : {std::tuple{1, 0, 0u}, {0, 0, 1u}, {-1, 0, 1u}, {1, 1, 1u}}) {
+        window.answer = answer;
+        window.result = failed;
+        EXPECT_EQ(VxMessage2(1), result) << answer << ", " << failed;
     }
-    VgMsgGuiIsUp = 0;
-    window = {};
-    EXPECT_EQ(VxMessage2(1), 0u);
-    EXPECT_EQ(window.calls, 0);
 }
 
 TEST_F(Messages, WithoutMemoryNothingIsAsked)
