@@ -119,10 +119,12 @@ TEST(EventLog, SectionsIndentUnderTheirHeadingsAndEmptyOnesLeaveNoTrace)
     say("b");
     for (int i = 0; i < 1000; ++i)
         EsEnter(EsLevelInformation, "");
+    say("deep");
     for (int i = 0; i < 1010; ++i)
         EsLeave(EsLevelInformation);
     say("c");
-    EXPECT_THAT(log.texts(), ElementsAre("outer", "  inner", "    a", "of another thread", "    b", "c"));
+    EXPECT_THAT(log.texts(), ElementsAre("outer", "  inner", "    a", "of another thread", "    b",
+                                         std::string(32, ' ') + "deep", "c"));
 }
 
 TEST(EventLog, OnlyARepetitionFurtherInIsLeftOut)

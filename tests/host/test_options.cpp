@@ -163,6 +163,8 @@ TEST_F(Options, AValueThatCannotBeWrittenChangesNothing)
     EXPECT_EQ(folder.read(name(0)), "A = 1\n");
     EXPECT_THAT(log.texts(), testing::ElementsAre(HasSubstr(path(0))));
     EXPECT_FALSE(std::filesystem::exists(path(0) + ".lock"));
+    TalmSetOptionFile(0, (path(0) + "/below a file").c_str());
+    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "2"), 1U);
 }
 
 TEST_F(Options, TheUsersFileStaysALinkAndKeepsItsPermissions)
