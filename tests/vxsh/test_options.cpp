@@ -37,6 +37,7 @@ TEST(Options, takeTheirValuesBehindAnEqualsSignOrAsTheNextArgument)
     EXPECT_THAT(o.sets, ElementsAre("a=1", "b : mm = 2"));
     EXPECT_THAT(o.arguments, ElementsAre("a + 1"));
     EXPECT_TRUE(o.radians);
+    EXPECT_EQ(options({"--rad"}).command, Command::console) << "without a command";
 }
 
 TEST(Options, leaveFormulasThatBeginWithAMinusSignAlone)
@@ -45,12 +46,6 @@ TEST(Options, leaveFormulasThatBeginWithAMinusSignAlone)
     EXPECT_THAT(options({"eval", "--5"}).arguments, ElementsAre("--5"));
     EXPECT_THAT(options({"eval", "--", "--unit"}).arguments, ElementsAre("--unit"));
     EXPECT_THAT(options({"replace", "a", "-", "-a"}).arguments, ElementsAre("a", "-", "-a"));
-}
-
-TEST(Options, withoutACommandMeanTheConsole)
-{
-    EXPECT_EQ(options({}).command, Command::console);
-    EXPECT_TRUE(options({"--rad"}).radians);
 }
 
 TEST(Options, helpAndVersionWinOverEverythingElse)
@@ -65,20 +60,24 @@ TEST(Options, helpAndVersionWinOverEverythingElse)
 
 TEST(Options, sayWhatIsWrong)
 {
-    EXPECT_EQ(errorOf({"evil"}), "there is no command 'evil'");
-    EXPECT_EQ(errorOf({"eval"}), "the formula is missing");
-    EXPECT_EQ(errorOf({"eval", "1", "+", "2"}), "'+' is one argument too many; write the formula in quotes");
-    EXPECT_EQ(errorOf({"run", "a", "b"}), "'b' is one argument too many");
-    EXPECT_EQ(errorOf({"run"}), "the parameter file is missing");
-    EXPECT_EQ(errorOf({"eval", "--nit", "1"}), "there is no option '--nit'");
-    EXPECT_EQ(errorOf({"eval", "1", "--unit"}), "the value of '--unit' is missing");
-    EXPECT_EQ(errorOf({"eval", "1", "--unit="}), "the value of '--unit' is empty");
-    EXPECT_EQ(errorOf({"eval", "1", "--unit=cm", "--unit=mm"}), "'--unit' is given twice");
-    EXPECT_EQ(errorOf({"eval", "--rad=1", "1"}), "'--rad' takes no value");
-    EXPECT_EQ(errorOf({"eval", "--csv", "1"}), "'--csv' is no option of 'eval'");
-    EXPECT_EQ(errorOf({"--csv"}), "'--csv' needs a command");
-    EXPECT_EQ(errorOf({"derive", "x"}), "'derive' needs --by NAME");
-    EXPECT_EQ(errorOf({"replace", "a", "b"}), "a name, a text and a formula are needed");
+    const std::pair<std::vector<std::string>, const char *> cases[] = {
+        {{"evil"}, "there is no command 'evil'"},
+        {{"eval"}, "the formula is missing"},
+        {{"eval", "1", "+", "2"}, "'+' is one argument too many; write the formula in quotes"},
+        {{"run", "a", "b"}, "'b' is one argument too many"},
+        {{"run"}, "the parameter file is missing"},
+        {{"eval", "--nit", "1"}, "there is no option '--nit'"},
+        {{"eval", "1", "--unit"}, "the value of '--unit' is missing"},
+        {{"eval", "1", "--unit="}, "the value of '--unit' is empty"},
+        {{"eval", "1", "--unit=cm", "--unit=mm"}, "'--unit' is given twice"},
+        {{"eval", "--rad=1", "1"}, "'--rad' takes no value"},
+        {{"eval", "--csv", "1"}, "'--csv' is no option of 'eval'"},
+        {{"--csv"}, "'--csv' needs a command"},
+        {{"derive", "x"}, "'derive' needs --by NAME"},
+        {{"replace", "a", "b"}, "a name, a text and a formula are needed"},
+    };
+    for (const auto &[arguments, message] : cases)
+        EXPECT_EQ(errorOf(arguments), message);
 }
 
 TEST(Options, everyCommandHasHelpOfItsOwnThatTellsOfItsOptions)

@@ -10,7 +10,6 @@
 
 namespace vxsh {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
@@ -81,16 +80,6 @@ TEST(Order, agreesWithAllShortestWaysOfRandomGraphs)
             needs[random() % needs.size()].push_back(static_cast<uint32_t>(random() % needs.size()));
         expectRight(needs);
     }
-}
-
-TEST(Order, namesAShortCircleRatherThanTheLongOneAroundIt)
-{
-    // 0 -> 1 -> 2 -> 3 -> 0, and 2 <-> 3
-    DependencyOrder order = dependencyOrder({{1}, {2}, {3}, {0, 2}});
-    ASSERT_EQ(order.circles.size(), 1u);
-    EXPECT_THAT(order.circles[0].path, ElementsAre(2, 3));
-    EXPECT_THAT(order.circles[0].others, ElementsAre(0, 1));
-    EXPECT_THAT(order.sequence, IsEmpty());
 }
 
 TEST(Order, takesChainsAndCirclesOfAHundredThousand)

@@ -10,11 +10,6 @@ namespace vxsh {
 
 namespace {
 
-std::string unitOf(double length, double angle, double mass)
-{
-    return baseUnit({1, length, angle, mass, 1});
-}
-
 std::vector<std::string> parts(const std::string &formula)
 {
     auto split = splitConditional(formula);
@@ -47,14 +42,14 @@ TEST(Number, hasFifteenDigitsAndAPointInEveryLocale)
 
 TEST(Number, namesTheBaseUnitOfAnyDimension)
 {
-    EXPECT_EQ(unitOf(0, 0, 0), "");
-    EXPECT_EQ(unitOf(1, 0, 0), "mm");
-    EXPECT_EQ(unitOf(0, 1, 0), "deg");
-    EXPECT_EQ(unitOf(-3, 0, 1), "kg/mm^3");
-    EXPECT_EQ(unitOf(2, 0, 1), "kg*mm^2");
-    EXPECT_EQ(unitOf(-1, 0, 0), "1/mm");
-    EXPECT_EQ(unitOf(0.5, 0, 0), "mm^0.5");
-    EXPECT_EQ(unitOf(-2, -1, 1), "kg/(mm^2*deg)");
+    const struct {
+        double length, angle, mass;
+        const char *unit;
+    } cases[] = {{0, 0, 0, ""},         {1, 0, 0, "mm"},        {0, 1, 0, "deg"},
+                 {-3, 0, 1, "kg/mm^3"}, {2, 0, 1, "kg*mm^2"},   {-1, 0, 0, "1/mm"},
+                 {0.5, 0, 0, "mm^0.5"}, {-2, -1, 1, "kg/(mm^2*deg)"}};
+    for (const auto &[length, angle, mass, unit] : cases)
+        EXPECT_EQ(baseUnit({1, length, angle, mass, 1}), unit);
 }
 
 TEST(Diagnostic, showsAWindowOfALongLine)

@@ -142,6 +142,7 @@ Reply Console::load(const std::string &file)
         return refusal(file + ": " + reason);
     ParameterFile read = readParameters(bytes);
     size_t count = read.definitions.size();
+    model_.forgetLines();
     for (Definition &definition : read.definitions)
         model_.define(std::move(definition));
     model_.evaluate();

@@ -80,6 +80,12 @@ Model::Index Model::define(Definition definition)
     return index;
 }
 
+void Model::forgetLines()
+{
+    for (Parameter &parameter : parameters_)
+        parameter.definition.number = 0;
+}
+
 std::optional<Problem> Model::misreading(const Definition &definition)
 {
     Parameter parameter;

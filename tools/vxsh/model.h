@@ -36,6 +36,9 @@ public:
     /** Add a parameter, or redefine the one of its name. Nothing is evaluated. */
     Index define(Definition definition);
 
+    /** Let no parameter belong to a line of a file any more, before another file is read. */
+    void forgetLines();
+
     /** Why a definition could never be evaluated, or nothing. */
     static std::optional<Problem> misreading(const Definition &definition);
 

@@ -154,7 +154,7 @@ std::string problems(std::string_view source, const ParameterFile &file, const M
     for (const RefusedLine &line : file.refused)
         entries.push_back({&line.definition, &line.problem});
     for (const Parameter &parameter : model.parameters())
-        if (parameter.failure)
+        if (parameter.failure && parameter.definition.number != 0)
             entries.push_back({&parameter.definition, &*parameter.failure});
     std::sort(entries.begin(), entries.end(),
               [](const Entry &a, const Entry &b) { return a.definition->number < b.definition->number; });

@@ -31,7 +31,7 @@ std::string summary(const Parameter &parameter);
 /** How a file line would define it: "name : unit = formula". */
 std::string definitionLine(const Parameter &parameter);
 
-/** Everything that is wrong with a file and its parameters, in the order of the lines. */
+/** Everything that is wrong with a file and the parameters that its lines define, in their order. */
 std::string problems(std::string_view source, const ParameterFile &file, const Model &model);
 
 /** Parameters without a value. */
