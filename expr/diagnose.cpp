@@ -201,16 +201,15 @@ uint32_t VxExprDimText(const VxDimNum *record, char *text, int32_t size)
     };
     const Part parts[] = {
         {"length", record->len_exp}, {"angle", record->ang_exp}, {"mass", record->mass_exp}};
-    std::string all;
+    char all[128] = ""; // room for three parts, so that this needs no memory
     for (const Part &part : parts) {
         if (isZero(part.exponent))
             continue;
-        char exponent[32] = "";
-        if (!isZero(part.exponent - 1.0))
-            VxSprintf(exponent, sizeof exponent, "^%g", part.exponent);
-        all.append(all.empty() ? "" : "*").append(part.name).append(exponent);
+        VxStrsCat(all, sizeof all, *all ? "*" : "", part.name);
+        if (!isZero(part.exponent - 1.0)) {
+            VxStrCat(all, "^", sizeof all);
+            VxStrAddVal(all, sizeof all, part.exponent);
+        }
     }
-    if (all.empty())
-        all = "dimensionless";
-    return VxStrCpy(text, all.c_str(), size);
+    return VxStrCpy(text, *all ? all : "dimensionless", size);
 }

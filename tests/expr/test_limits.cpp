@@ -131,29 +131,21 @@ TEST(Limits, RefusedMemoryFailsAnEvaluation)
 {
     Variables variables({{"a", {1, 0, 0, 0, 1}}});
     Parsed parsed(nested("1+2*(", "a", ")", 60));
+    VxDimNum record = plain;
+    VxEvalValue value;
+    VxExprDiag diag;
+    double number;
+    const std::function<uint32_t()> evaluations[] = {
+        [&] { return VxGenExEvalRcrs(parsed.tree, nullptr, nullptr, &(record = plain)); },
+        [&] { return VxGenExEval(parsed.tree, &(record = plain), &value); },
+        [&] { return VxGenDrvEvlRcrs(parsed.tree, 1, &number); },
+        [&] { return VxExprDiagEval("max(a,2)+3.cm", "cm", nullptr, nullptr, 1, &number, &diag); }};
     VxErrDisable();
-    refusingEachAllocation([&] {
-        VxDimNum record = plain;
-        uint32_t result = VxGenExEvalRcrs(parsed.tree, nullptr, nullptr, &record);
-        EXPECT_EQ(result, fault::refusals(fault::Kind::allocation) > 0 ? 1U : 0U);
-    });
-    refusingEachAllocation([&] {
-        VxDimNum record = plain;
-        VxEvalValue value;
-        uint32_t result = VxGenExEval(parsed.tree, &record, &value);
-        EXPECT_EQ(result, fault::refusals(fault::Kind::allocation) > 0 ? 1U : 0U);
-    });
-    refusingEachAllocation([&] {
-        double derivative;
-        uint32_t result = VxGenDrvEvlRcrs(parsed.tree, 1, &derivative);
-        EXPECT_EQ(result, fault::refusals(fault::Kind::allocation) > 0 ? 1U : 0U);
-    });
-    refusingEachAllocation([&] {
-        double result;
-        VxExprDiag diag;
-        VxExprDiagEval("max(a,2)+3.cm", "cm", nullptr, nullptr, 1, &result, &diag);
-        EXPECT_EQ(diag.number, fault::refusals(fault::Kind::allocation) > 0 ? 1 : 0);
-    });
+    for (const auto &evaluation : evaluations)
+        refusingEachAllocation([&] {
+            const uint32_t failed = evaluation();
+            EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0) << &evaluation - evaluations;
+        });
     VxErrEnable();
 }
 
@@ -226,6 +218,19 @@ TEST(Diagnosis, TellsTheOperationItsOperandsAndTheirDimensions)
         EXPECT_EQ(piece(diag.rightOffset, diag.rightLength), c.rightText) << c.text;
         EXPECT_STREQ(diag.name, c.name) << c.text;
     }
+}
+
+TEST(Diagnosis, WritesADimensionWithoutMemory)
+{
+    const VxDimNum record = {1, -1.5, 1, 2, 1};
+    char text[48];
+    fault::refuseFrom(fault::Kind::allocation, 1);
+    EXPECT_EQ(VxExprDimText(&record, text, sizeof text), 0U);
+    fault::refuse(fault::Kind::allocation, 0);
+    EXPECT_STREQ(text, "length^-1.5*angle*mass^2");
+    EXPECT_EQ(VxExprDimText(&plain, text, 14), 0U);
+    EXPECT_STREQ(text, "dimensionless");
+    EXPECT_EQ(VxExprDimText(&plain, text, 13), 1U);
 }
 
 }
