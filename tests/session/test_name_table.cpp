@@ -2,7 +2,6 @@
 
 #include <map>
 #include <random>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -63,24 +62,6 @@ TEST(NameTable, AgreesWithAModelUnderRandomOperations)
         ASSERT_EQ(table.size(), model.size());
     }
     EXPECT_EQ(contents(table), model);
-}
-
-TEST(NameTable, NamesThatDifferInOneByteOrInLengthHashApart)
-{
-    std::string name = "Assembly.Sketch.Width";
-    std::set<uint64_t> hashes;
-    for (size_t length = 0; length <= name.size(); ++length) {
-        hashes.insert(session::hashOf(std::string_view(name).substr(0, length)));
-        hashes.insert(session::hashOf(std::string(length, '\0') + "x"));
-    }
-    EXPECT_EQ(hashes.size(), 2 * (name.size() + 1));
-    uint64_t whole = session::hashOf(name);
-    for (char &byte : name)
-        for (int bit = 0; bit < 8; ++bit) {
-            byte = static_cast<char>(byte ^ 1 << bit);
-            EXPECT_NE(session::hashOf(name), whole) << name;
-            byte = static_cast<char>(byte ^ 1 << bit);
-        }
 }
 
 TEST(NameTable, AWalkGoesOnWhileNamesAreAdded)
