@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "containers/memory.h"
+#include "containers/small_array.h"
 #include "containers/slots.h"
 
 namespace vx::containers {
@@ -92,6 +93,8 @@ bool backSlots(VxList &list, int32_t index)
 
 void discard(VxList &list)
 {
+    if (slotsBehindRecord(list))
+        list.data = nullptr;
     if (list.pageLevel > 0 && list.data)
         removePages(list, 0, pagesFor(list, list.capacity));
     VxMemFree(&list.data);
@@ -166,6 +169,19 @@ uint32_t deepen(VxList &list, int32_t capacity)
     top.release();
     deeper.capacity = capacity;
     list = deeper;
+    return 0;
+}
+
+/** Another size for the one block; slots behind the record move to a block of their own. */
+uint32_t resizeBlock(VxList &list, int64_t had, int64_t bytes)
+{
+    bool moves = slotsBehindRecord(list);
+    void *block = moves ? nullptr : list.data;
+    if (VxMemSmrtResize(static_cast<int32_t>(bytes), &block))
+        return 1;
+    if (moves)
+        std::memcpy(block, list.data, static_cast<size_t>(had));
+    list.data = block;
     return 0;
 }
 
@@ -298,7 +314,7 @@ int32_t step(VxListIter &iter, void **ptr)
     return stepPositions(iter, ptr, slotOrNull);
 }
 
-}
+} // namespace
 
 const Layout arrayLayout = {
     .make = make,
@@ -317,7 +333,26 @@ const Layout arrayLayout = {
     .step = step,
 };
 
+VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept
+{
+    std::memset(block, 0, static_cast<size_t>(smallArrayBytes(elemSize, capacity)));
+    auto list = static_cast<VxList *>(block);
+    list->layout = array;
+    list->elemSize = elemSize;
+    list->capacity = capacity;
+    list->increment = increment;
+    list->dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
+    list->data = list + 1;
+    return list;
 }
+
+VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment)
+{
+    char *block = allocate<char>(smallArrayBytes(elemSize, capacity)).release();
+    return block ? makeSmallArray(block, elemSize, capacity, increment) : nullptr;
+}
+
+} // namespace vx::containers
 
 using namespace vx::containers;
 
@@ -357,7 +392,7 @@ uint32_t VxResizeArr(VxList *list, int32_t extra)
         return 0;
     int64_t had = int64_t{list->capacity} * list->elemSize;
     int64_t bytes = had + int64_t{extra} * list->elemSize;
-    if (!blockCanHave(bytes) || VxMemSmrtResize(static_cast<int32_t>(bytes), &list->data))
+    if (!blockCanHave(bytes) || resizeBlock(*list, had, bytes))
         return 1;
     std::memset(static_cast<char *>(list->data) + had, 0, static_cast<size_t>(bytes - had));
     list->capacity += extra;

@@ -9,6 +9,7 @@
 #include "containers/layout.h"
 #include "containers/memory.h"
 #include "containers/slots.h"
+#include "containers/small_array.h"
 #include "vx/err.h"
 #include "vx/mem.h"
 #include "vx/tools.h"
@@ -49,14 +50,14 @@ inline bool setInPlace(VxList &list, int32_t index, const void *element)
     return true;
 }
 
-}
+} // namespace
 
 const Layout *layoutOf(const VxList *list) noexcept
 {
     return list && static_cast<uint32_t>(list->layout) < layoutCount ? layouts[list->layout] : nullptr;
 }
 
-}
+} // namespace vx::containers
 
 using namespace vx::containers;
 
@@ -141,7 +142,7 @@ uint32_t VxListDel(VxList **list)
     if (!list)
         return 1;
     VxListDelList(*list);
-    void *record = *list;
+    void *record = *list && recordIsLent(**list) ? nullptr : *list;
     *list = nullptr;
     return VxMemFree(&record);
 }
@@ -250,7 +251,7 @@ bool findEqual(VxList *list, const void *element, int32_t direction, int32_t &in
     return false;
 }
 
-}
+} // namespace
 
 uint32_t VxListSetUnique(VxList *list, const void *element, int32_t *index)
 {
@@ -377,7 +378,7 @@ uint32_t stepNode(VxList *list, VxListIter *iter, int32_t direction, void **ptr)
     return 0;
 }
 
-}
+} // namespace
 
 uint32_t VxLstGetNxtPtr(VxList *list, VxListIter *iter, void **ptr)
 {

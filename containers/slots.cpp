@@ -8,12 +8,6 @@ namespace vx::containers {
 
 namespace {
 
-/** Elements that lie side by side from an index on. */
-int32_t runFrom(const VxList &list, int32_t index) noexcept
-{
-    return list.pageLevel == 0 ? INT32_MAX : elementsPerPage(list) - index % elementsPerPage(list);
-}
-
 /** Elements that lie side by side in front of an index, 1 or more. */
 int32_t runBefore(const VxList &list, int32_t index) noexcept
 {
@@ -25,7 +19,7 @@ size_t bytesOf(const VxList &list, int32_t n) noexcept
     return static_cast<size_t>(n) * elementBytes(list);
 }
 
-}
+} // namespace
 
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept
 {
@@ -133,4 +127,4 @@ int32_t pageLevelFor(int32_t elemSize, int64_t n) noexcept
     return lastPage / slots < slots ? 2 : -1;
 }
 
-}
+} // namespace vx::containers

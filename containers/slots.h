@@ -19,6 +19,12 @@ inline int32_t elementsPerPage(const VxList &list) noexcept
     return list.pageLevel == 1 ? list.perPage : list.perPage2;
 }
 
+/** Slots that lie side by side from an index on. */
+inline int32_t runFrom(const VxList &list, int32_t index) noexcept
+{
+    return list.pageLevel == 0 ? INT32_MAX : elementsPerPage(list) - index % elementsPerPage(list);
+}
+
 /**
  * Division of numbers below 2^31 by multiplication, several times as fast
  * (Granlund and Montgomery, Division by Invariant Integers using
@@ -107,4 +113,4 @@ int32_t slotsToAdd(const VxList &list, int32_t index) noexcept;
 /** The level of pages that n elements need; -1 when two levels do not hold them. */
 int32_t pageLevelFor(int32_t elemSize, int64_t n) noexcept;
 
-}
+} // namespace vx::containers
