@@ -498,4 +498,4 @@ void linkedAppendStd(benchmark::State &state, int64_t n)
 BENCHMARK_CAPTURE(linkedAppendVx, many, 1'000'000)->Name("list linked append/vx");
 BENCHMARK_CAPTURE(linkedAppendStd, many, 1'000'000)->Name("list linked append/std::list");
 
-} // namespace
+}

@@ -314,7 +314,7 @@ int32_t step(VxListIter &iter, void **ptr)
     return stepPositions(iter, ptr, slotOrNull);
 }
 
-} // namespace
+}
 
 const Layout arrayLayout = {
     .make = make,
@@ -352,7 +352,7 @@ VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment)
     return block ? makeSmallArray(block, elemSize, capacity, increment) : nullptr;
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

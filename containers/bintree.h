@@ -54,4 +54,4 @@ template <typename Each> void unravel(VxBintree *cell, Each each)
     }
 }
 
-} // namespace vx::containers
+}

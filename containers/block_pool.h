@@ -93,4 +93,4 @@ private:
     size_t blocksInChunk_ = fewest;
 };
 
-} // namespace vx::containers
+}

@@ -158,7 +158,7 @@ template <typename T> void deleteEdgeLists(VxList *records)
         forEach<T>(*records, [](int32_t, T &record) { VxListDel(&record.edges); });
 }
 
-} // namespace
+}
 
 uint32_t makeNumbers(VxList *&list)
 {
@@ -166,7 +166,7 @@ uint32_t makeNumbers(VxList *&list)
     return list ? 0 : 1;
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

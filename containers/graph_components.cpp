@@ -333,9 +333,9 @@ uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
     return 0;
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 uint32_t VxGraphSCC(VxGraph *graph, int32_t *count, VxList ***components)
 {

@@ -56,4 +56,4 @@ inline int32_t otherEnd(const VxGraphEdge &edge, int32_t node) noexcept
 /** A new list of edge numbers. */
 uint32_t makeNumbers(VxList *&list);
 
-} // namespace vx::containers
+}

@@ -226,9 +226,9 @@ template <typename Body> uint32_t guarded(Body &&body)
     }
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

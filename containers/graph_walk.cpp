@@ -227,9 +227,9 @@ private:
     bool found_ = false;
 };
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

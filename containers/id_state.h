@@ -23,4 +23,4 @@ struct LabelLog {
 
 LabelLog &labelLog() noexcept;
 
-} // namespace vx::containers
+}

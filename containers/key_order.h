@@ -73,4 +73,4 @@ private:
     bool made_ = false;
 };
 
-} // namespace vx::containers
+}

@@ -126,4 +126,4 @@ private:
     BlockPool branches_;
 };
 
-} // namespace vx::containers
+}

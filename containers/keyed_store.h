@@ -27,4 +27,4 @@ inline void *keyedElement(const VxList &list, int32_t key) noexcept
     return node ? KeyTrie::elementOf(node) : nullptr;
 }
 
-} // namespace vx::containers
+}

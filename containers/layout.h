@@ -85,4 +85,4 @@ inline void copyElement(const VxList &list, void *to, const void *from) noexcept
     copyBytes(to, from, list.elemSize);
 }
 
-} // namespace vx::containers
+}

@@ -23,18 +23,28 @@ constexpr const Layout *layouts[layoutCount] = {&keyedLayout,   &linkedLayout, &
 
 constexpr int32_t errorElementSize = 3;
 
-/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here.
- */
-inline void *elementAt(VxList *list, int32_t index)
+/** The element at an index, or null. */
+void *elementAt(VxList *list, int32_t index)
 {
-    if (!list)
-        return nullptr;
-    if (list->layout == array)
-        return slotInside(*list, index);
-    if (list->layout == keyed)
-        return keyedElement(*list, index);
     const Layout *layout = layoutOf(list);
     return layout ? layout->at(*list, index) : nullptr;
+}
+
+/** The same where the look-up costs less than a call; null also where elementAt() is to be asked. */
+inline void *elementNear(const VxList &list, int32_t index) noexcept
+{
+    if (list.layout == array)
+        return slotInside(list, index);
+    return list.layout == keyed ? keyedElement(list, index) : nullptr;
+}
+
+/** VxListGetPtr where there is more to it: kept apart, since what it saves would be saved for every element. */
+[[gnu::noinline]] uint32_t getPtr(VxList *list, int32_t index, void **ptr)
+{
+    if (!ptr)
+        return 1;
+    *ptr = elementAt(list, index);
+    return *ptr ? 0 : 1;
 }
 
 /** Store in a slot that an array list has; false when there is more to it. */
@@ -50,14 +60,14 @@ inline bool setInPlace(VxList &list, int32_t index, const void *element)
     return true;
 }
 
-} // namespace
+}
 
 const Layout *layoutOf(const VxList *list) noexcept
 {
     return list && static_cast<uint32_t>(list->layout) < layoutCount ? layouts[list->layout] : nullptr;
 }
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 
@@ -198,10 +208,11 @@ uint32_t VxListIns(VxList *list, int32_t index, const void *element)
 
 uint32_t VxListGetPtr(VxList *list, int32_t index, void **ptr)
 {
-    if (!ptr)
-        return 1;
-    *ptr = elementAt(list, index);
-    return *ptr ? 0 : 1;
+    void *element = list && ptr ? elementNear(*list, index) : nullptr;
+    if (!element)
+        return getPtr(list, index, ptr);
+    *ptr = element;
+    return 0;
 }
 
 uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr)
@@ -216,8 +227,8 @@ uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr)
 
 uint32_t VxListGet(VxList *list, int32_t index, void *element)
 {
-    const void *stored = element ? elementAt(list, index) : nullptr;
-    if (!stored)
+    void *stored = nullptr;
+    if (!element || VxListGetPtr(list, index, &stored))
         return 1;
     copyElement(*list, element, stored);
     return 0;
@@ -251,7 +262,7 @@ bool findEqual(VxList *list, const void *element, int32_t direction, int32_t &in
     return false;
 }
 
-} // namespace
+}
 
 uint32_t VxListSetUnique(VxList *list, const void *element, int32_t *index)
 {
@@ -378,7 +389,7 @@ uint32_t stepNode(VxList *list, VxListIter *iter, int32_t direction, void **ptr)
     return 0;
 }
 
-} // namespace
+}
 
 uint32_t VxLstGetNxtPtr(VxList *list, VxListIter *iter, void **ptr)
 {

@@ -146,9 +146,9 @@ bool elementsInBlock(VxList &list, Block<char> &block)
     return true;
 }
 
-} // namespace
+}
 
-} // namespace vx::containers
+}
 
 using namespace vx::containers;
 

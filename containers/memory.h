@@ -49,4 +49,4 @@ template <typename T> Block<T> allocateZero(int64_t count)
     return Block<T>(static_cast<T *>(block));
 }
 
-} // namespace vx::containers
+}

@@ -138,4 +138,4 @@ private:
     Slots slots_;
 };
 
-} // namespace vx::containers
+}

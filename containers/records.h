@@ -64,4 +64,4 @@ template <typename T> uint32_t append(VxList *list, const T &record)
     return VxListSet(list, list->count, &record);
 }
 
-} // namespace vx::containers
+}

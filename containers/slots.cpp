@@ -19,7 +19,7 @@ size_t bytesOf(const VxList &list, int32_t n) noexcept
     return static_cast<size_t>(n) * elementBytes(list);
 }
 
-} // namespace
+}
 
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept
 {
@@ -127,4 +127,4 @@ int32_t pageLevelFor(int32_t elemSize, int64_t n) noexcept
     return lastPage / slots < slots ? 2 : -1;
 }
 
-} // namespace vx::containers
+}

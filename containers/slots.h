@@ -113,4 +113,4 @@ int32_t slotsToAdd(const VxList &list, int32_t index) noexcept;
 /** The level of pages that n elements need; -1 when two levels do not hold them. */
 int32_t pageLevelFor(int32_t elemSize, int64_t n) noexcept;
 
-} // namespace vx::containers
+}

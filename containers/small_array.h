@@ -41,4 +41,4 @@ inline bool recordIsLent(const VxList &list) noexcept
     return list.layout == array && list.order == reinterpret_cast<const VxLnkNode *>(&list);
 }
 
-} // namespace vx::containers
+}

@@ -80,4 +80,4 @@ struct SortedArray {
     }
 };
 
-} // namespace vx::containers
+}
