@@ -47,15 +47,14 @@ inline void *elementNear(const VxList &list, int32_t index) noexcept
     return *ptr ? 0 : 1;
 }
 
-/** Store in a slot that an array list has; false when there is more to it. */
-inline bool setInPlace(VxList &list, int32_t index, const void *element)
+/** Store in a slot that an array list has; false when there is more to it, a call among it. */
+inline bool setInPlace(VxList &list, int32_t index, const void *element) noexcept
 {
     if (list.layout != array || static_cast<uint32_t>(index) > static_cast<uint32_t>(list.count))
         return false;
     void *slot = slotInside(list, index);
-    if (!slot)
+    if (!slot || !copyCommonSize(slot, element, list.elemSize))
         return false;
-    copyElement(list, slot, element);
     list.count += index == list.count;
     return true;
 }
@@ -192,11 +191,9 @@ uint32_t VxListSizeError(void)
 
 uint32_t VxListSet(VxList *list, int32_t index, const void *element)
 {
-    if (!list || !element)
-        return 1;
-    if (setInPlace(*list, index, element))
+    if (list && element && setInPlace(*list, index, element))
         return 0;
-    const Layout *layout = layoutOf(list);
+    const Layout *layout = element ? layoutOf(list) : nullptr;
     return layout ? layout->set(*list, index, element) : 1;
 }
 
