@@ -98,6 +98,7 @@ void discard(VxList &list)
     if (list.pageLevel > 0 && list.data)
         removePages(list, 0, pagesFor(list, list.capacity));
     VxMemFree(&list.data);
+    list.perPage = list.perPage2 = 0;
 }
 
 /** Paged storage for an empty list. */
@@ -172,16 +173,39 @@ uint32_t deepen(VxList &list, int32_t capacity)
     return 0;
 }
 
+/** Bytes that the one block has. */
+int64_t roomOf(const VxList &list) noexcept
+{
+    return int64_t{std::max(list.capacity, list.perPage2)} * list.elemSize;
+}
+
 /** Another size for the one block; slots behind the record move to a block of their own. */
-uint32_t resizeBlock(VxList &list, int64_t had, int64_t bytes)
+bool resizeBlock(VxList &list, int64_t bytes)
 {
     bool moves = slotsBehindRecord(list);
     void *block = moves ? nullptr : list.data;
-    if (VxMemSmrtResize(static_cast<int32_t>(bytes), &block))
-        return 1;
+    if (!blockCanHave(bytes) || VxMemSmrtResize(static_cast<int32_t>(bytes), &block))
+        return false;
     if (moves)
-        std::memcpy(block, list.data, static_cast<size_t>(had));
+        std::memcpy(block, list.data, static_cast<size_t>(roomOf(list)));
     list.data = block;
+    return true;
+}
+
+/** More slots in the one block. Above a page it gets room for further ones, else each growth would copy it. */
+uint32_t growBlock(VxList &list, int32_t extra)
+{
+    int64_t had = int64_t{list.capacity} * list.elemSize;
+    int64_t bytes = had + int64_t{extra} * list.elemSize;
+    if (bytes > roomOf(list)) {
+        int64_t half = std::min<int64_t>(had + had / 2, INT32_MAX);
+        int64_t room = bytes > VgPageSize ? std::max(bytes, half) : bytes;
+        if (!resizeBlock(list, room))
+            return 1;
+        list.perPage2 = static_cast<int32_t>(room / list.elemSize);
+    }
+    std::memset(static_cast<char *>(list.data) + had, 0, static_cast<size_t>(bytes - had));
+    list.capacity += extra;
     return 0;
 }
 
@@ -209,7 +233,7 @@ uint32_t grow(VxList &list, int32_t extra)
         return growPages(list, capacity);
     if (pageLevelFor(list.elemSize, capacity) == 1)
         return turnIntoPages(list, 1, capacity);
-    return VxResizeArr(&list, extra);
+    return growBlock(list, extra);
 }
 
 /** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
@@ -262,7 +286,7 @@ void turnIntoBlock(VxList &list)
     discard(list);
     list.data = first;
     list.capacity = elements;
-    list.pageLevel = list.perPage = list.perPage2 = 0;
+    list.pageLevel = 0;
 }
 
 uint32_t truncate(VxList &list, int32_t n)
@@ -343,6 +367,7 @@ VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t 
     list->increment = increment;
     list->dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
     list->data = list + 1;
+    list->order = reinterpret_cast<VxLnkNode *>(list);
     return list;
 }
 
@@ -388,13 +413,5 @@ uint32_t VxResizeArr(VxList *list, int32_t extra)
     if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 ||
         extra > INT32_MAX - list->capacity)
         return 1;
-    if (extra == 0)
-        return 0;
-    int64_t had = int64_t{list->capacity} * list->elemSize;
-    int64_t bytes = had + int64_t{extra} * list->elemSize;
-    if (!blockCanHave(bytes) || resizeBlock(*list, had, bytes))
-        return 1;
-    std::memset(static_cast<char *>(list->data) + had, 0, static_cast<size_t>(bytes - had));
-    list->capacity += extra;
-    return 0;
+    return extra == 0 ? 0 : growBlock(*list, extra);
 }

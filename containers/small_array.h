@@ -24,21 +24,29 @@ VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t 
 /** The same in a block of its own, which VxListDel frees; null for want of memory. */
 VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment);
 
-/** True while the slots stand behind the record. No other block is that near. */
-inline bool slotsBehindRecord(const VxList &list) noexcept
+// Array lists have no chain. The pointer to one marks these lists: the record's
+// own address, or the next one where the record is part of a larger block.
+
+inline uintptr_t markOf(const VxList &list) noexcept
 {
-    return list.data == &list + 1 && list.layout == array;
+    return reinterpret_cast<uintptr_t>(list.order) - reinterpret_cast<uintptr_t>(&list);
 }
 
-/** Mark a list whose record is part of a larger block, and not freed with the list: it keeps its layout. */
+/** True while the slots stand behind the record. */
+inline bool slotsBehindRecord(const VxList &list) noexcept
+{
+    return list.data == &list + 1 && list.layout == array && markOf(list) <= 1;
+}
+
+/** Tell that the record is part of a larger block and not freed with the list, which keeps its layout. */
 inline void lendRecord(VxList &list) noexcept
 {
-    list.order = reinterpret_cast<VxLnkNode *>(&list); // array lists have no chain
+    list.order = reinterpret_cast<VxLnkNode *>(reinterpret_cast<uintptr_t>(&list) + 1);
 }
 
 inline bool recordIsLent(const VxList &list) noexcept
 {
-    return list.layout == array && list.order == reinterpret_cast<const VxLnkNode *>(&list);
+    return list.layout == array && markOf(list) == 1;
 }
 
 }

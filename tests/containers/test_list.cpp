@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/session/started_toolkit.h"
+#include "platform/os/fault.h"
 #include "vx/mem.h"
 
 namespace vx::test {
@@ -173,6 +175,23 @@ TEST_F(List, OfOneBlockGrowsInPlaceWithVxResizeArr)
     EXPECT_EQ(value, 0);
     EXPECT_EQ(VxListConvert(keyed, list_), 0u);
     EXPECT_EQ(VxResizeArr(list_, 1), 1u);
+}
+
+TEST_F(List, ThatGrowsInOneBlockIsNotCopiedForEachIncrement)
+{
+    int32_t page = std::exchange(VgPageSize, 0); // before the toolkit starts there are no pages
+    make(array, 1, 10);
+    fault::refuse(fault::Kind::allocation, 0);
+    for (int32_t i = 0; i < 50'000; ++i)
+        store(i, i);
+    EXPECT_LT(fault::calls(fault::Kind::allocation), 50);
+    VgPageSize = page;
+    EXPECT_EQ(list_->capacity, 50'001);
+    EXPECT_TRUE(VxListIsArray(list_));
+    int32_t value = 1;
+    EXPECT_EQ(VxListGet(list_, 50'000, &value), 0u);
+    EXPECT_EQ(value, 0) << "slots behind the count are zero";
+    EXPECT_EQ(VxListGet(list_, 50'001, &value), 1u) << "room behind the capacity is nobody's";
 }
 
 TEST_F(List, OfPointersKeepsItsElementsWhereTheyAre)
