@@ -132,12 +132,6 @@ uint32_t make(VxList &list)
     return list.data ? 0 : 1;
 }
 
-uint32_t reset(VxList &list)
-{
-    list.count = 0;
-    return 0;
-}
-
 /** From one block to pages. */
 uint32_t turnIntoPages(VxList &list, int32_t level, int32_t capacity)
 {
@@ -333,17 +327,12 @@ uint32_t append(VxList &list, VxList &source)
     return 0;
 }
 
-int32_t step(VxListIter &iter, void **ptr)
-{
-    return stepPositions(iter, ptr, slotOrNull);
-}
-
 }
 
 const Layout arrayLayout = {
     .make = make,
     .discard = discard,
-    .reset = reset,
+    .reset = keepSlots,
     .set = set,
     .insert = insert,
     .at = slotOrNull,
@@ -354,7 +343,7 @@ const Layout arrayLayout = {
     .append = append,
     .reverse = reverseSlots,
     .range = positions,
-    .step = step,
+    .step = stepSlots,
 };
 
 VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept

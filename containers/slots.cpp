@@ -46,6 +46,12 @@ void copyElements(const VxList &source, VxList &list, int32_t to, int32_t n) noe
     }
 }
 
+uint32_t keepSlots(VxList &list)
+{
+    list.count = 0;
+    return 0;
+}
+
 void *slotOrNull(VxList &list, int32_t index)
 {
     return slotInside(list, index);
@@ -81,6 +87,11 @@ void reverseSlots(VxList &list)
         char *slot = slotAt(list, low);
         std::swap_ranges(slot, slot + list.elemSize, slotAt(list, high));
     }
+}
+
+int32_t stepSlots(VxListIter &iter, void **ptr)
+{
+    return stepPositions(iter, ptr, slotOrNull);
 }
 
 Range positions(VxList &list)
