@@ -58,7 +58,7 @@ constexpr int64_t mostInOneBlock = INT32_MAX / static_cast<int64_t>(sizeof(NodeL
 /** Where the lists are; null if they are no block. */
 void *listBlock(const VxList *nodes) noexcept
 {
-    return nodes && nodes->layout == array ? nodes->order : nullptr;
+    return nodes && nodes->layout == array && markOf(*nodes) > 1 ? nodes->order : nullptr;
 }
 
 /** A list in the block, which has room for one more than there are nodes. */
