@@ -6,6 +6,9 @@
 // A full bucket becomes a branch before its seventh node comes; branches are
 // not merged back. At most 8 levels of branches.
 //
+// The upper levels are one table, as far as they are full: the lowest nibbles
+// of a key, which would lead through its levels, are the index of a cell.
+//
 // Nodes, buckets and branches come from chunks of the trie's own. A bucket
 // holds copies of its nodes' keys, so that a search touches no node; a bucket
 // of one node is that node. A node's element lies right behind it, and all
@@ -24,13 +27,14 @@ namespace vx::containers {
 class KeyTrie {
 public:
     explicit KeyTrie(size_t elementBytes) noexcept;
+    ~KeyTrie() { clear(); }
 
     /** The node of a key, or null. */
     VxLnkNode *find(int32_t key) const noexcept
     {
         auto rest = static_cast<uint32_t>(key);
-        Cell cell = root_;
-        for (; isBranch(cell); rest >>= 4)
+        Cell cell = table_[rest & mask_];
+        for (rest >>= shift_; isBranch(cell); rest >>= 4)
             cell = branch(cell)->child[rest & 15];
         return nodeIn(cell, key);
     }
@@ -112,6 +116,16 @@ private:
         return one && one->key == key ? one : nullptr;
     }
 
+    /** The nibble of a key that stands at a shift. */
+    static uint32_t nibble(int32_t key, uint32_t shift) noexcept
+    {
+        return static_cast<uint32_t>(key) >> shift & 15;
+    }
+
+    bool widen();
+    bool spread(Cell cell, Cell *first);
+    void giveBackBlock(Cell cell) noexcept;
+    void giveBackTable() noexcept;
     Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
     bool add(Cell &cell, int32_t key, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
@@ -119,7 +133,15 @@ private:
     VxLnkNode *newNode(int32_t key);
     void linkIntoChain(VxLnkNode *node) noexcept;
 
+    static constexpr uint32_t widest = 20;       ///< bits of an index
+    static constexpr uint32_t fewestToWiden = 8; ///< nodes: half as many as there will be cells
+
     Cell root_ = 0;
+    Cell *table_ = &root_;
+    uint32_t mask_ = 0;
+    uint32_t shift_ = 0; ///< bits of an index
+    uint32_t count_ = 0; ///< nodes
+    uint32_t widenAt_ = fewestToWiden;
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
     BlockPool buckets_;
