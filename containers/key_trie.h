@@ -14,7 +14,6 @@
 // of one node is that node. A node's element lies right behind it, and all
 // nodes form a circle in the order they came.
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -72,6 +71,7 @@ private:
     struct alignas(16) Bucket {
         /** Four keys, compared at once. */
         using Keys [[gnu::vector_size(16)]] = int32_t;
+        using Halves [[gnu::vector_size(16)]] = uint64_t;
 
         Keys keys[2]; ///< places behind the count hold anything
         VxLnkNode *nodes[bucketSize];
@@ -87,7 +87,7 @@ private:
         uint32_t placeOf(int32_t key) const noexcept
         {
             Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
-            auto halves = std::bit_cast<std::array<uint64_t, 2>>(same);
+            auto halves = reinterpret_cast<Halves>(same);
             uint64_t places = halves[0] | halves[1];
             return static_cast<uint32_t>(std::countr_zero(places | places >> 32));
         }
