@@ -1,8 +1,5 @@
 // Lists of 32-byte elements beside the containers a user would pick instead.
 // Filling is timed without the deletion that follows, deletion without filling.
-// The heap keeps what is freed: else most of the time would be the kernel's,
-// which takes pages back and supplies them again, now for one and then for
-// the other.
 
 #include <algorithm>
 #include <array>
@@ -13,8 +10,6 @@
 #include <numeric>
 #include <random>
 #include <vector>
-
-#include <malloc.h>
 
 #include <NCollection_Vector.hxx>
 #include <absl/container/btree_map.h>
@@ -29,8 +24,6 @@ namespace {
 struct Element {
     int64_t words[4];
 };
-
-const int heapKeepsPages = mallopt(M_MMAP_MAX, 0) + mallopt(M_TRIM_THRESHOLD, INT32_MAX);
 
 constexpr int32_t elementBytes = sizeof(Element);
 constexpr int32_t keyed = 0;

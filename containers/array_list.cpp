@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "containers/memory.h"
+#include "containers/small_array.h"
 #include "containers/slots.h"
 
 namespace vx::containers {
@@ -92,9 +93,12 @@ bool backSlots(VxList &list, int32_t index)
 
 void discard(VxList &list)
 {
+    if (slotsBehindRecord(list))
+        list.data = nullptr;
     if (list.pageLevel > 0 && list.data)
         removePages(list, 0, pagesFor(list, list.capacity));
     VxMemFree(&list.data);
+    list.perPage = list.perPage2 = 0;
 }
 
 /** Paged storage for an empty list. */
@@ -126,12 +130,6 @@ uint32_t make(VxList &list)
     list.dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
     list.data = allocateZero<char>(int64_t{list.capacity} * list.elemSize).release();
     return list.data ? 0 : 1;
-}
-
-uint32_t reset(VxList &list)
-{
-    list.count = 0;
-    return 0;
 }
 
 /** From one block to pages. */
@@ -169,6 +167,42 @@ uint32_t deepen(VxList &list, int32_t capacity)
     return 0;
 }
 
+/** Bytes that the one block has. */
+int64_t roomOf(const VxList &list) noexcept
+{
+    return int64_t{std::max(list.capacity, list.perPage2)} * list.elemSize;
+}
+
+/** Another size for the one block; slots behind the record move to a block of their own. */
+bool resizeBlock(VxList &list, int64_t bytes)
+{
+    bool moves = slotsBehindRecord(list);
+    void *block = moves ? nullptr : list.data;
+    if (!blockCanHave(bytes) || VxMemSmrtResize(static_cast<int32_t>(bytes), &block))
+        return false;
+    if (moves)
+        std::memcpy(block, list.data, static_cast<size_t>(roomOf(list)));
+    list.data = block;
+    return true;
+}
+
+/** More slots in the one block. Above a page it gets room for further ones, else each growth would copy it. */
+uint32_t growBlock(VxList &list, int32_t extra)
+{
+    int64_t had = int64_t{list.capacity} * list.elemSize;
+    int64_t bytes = had + int64_t{extra} * list.elemSize;
+    if (bytes > roomOf(list)) {
+        int64_t half = std::min<int64_t>(had + had / 2, INT32_MAX);
+        int64_t room = bytes > VgPageSize ? std::max(bytes, half) : bytes;
+        if (!resizeBlock(list, room))
+            return 1;
+        list.perPage2 = static_cast<int32_t>(room / list.elemSize);
+    }
+    std::memset(static_cast<char *>(list.data) + had, 0, static_cast<size_t>(bytes - had));
+    list.capacity += extra;
+    return 0;
+}
+
 uint32_t growPages(VxList &list, int32_t capacity)
 {
     int64_t needed = pagesFor(list, capacity);
@@ -193,7 +227,7 @@ uint32_t grow(VxList &list, int32_t extra)
         return growPages(list, capacity);
     if (pageLevelFor(list.elemSize, capacity) == 1)
         return turnIntoPages(list, 1, capacity);
-    return VxResizeArr(&list, extra);
+    return growBlock(list, extra);
 }
 
 /** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
@@ -246,7 +280,7 @@ void turnIntoBlock(VxList &list)
     discard(list);
     list.data = first;
     list.capacity = elements;
-    list.pageLevel = list.perPage = list.perPage2 = 0;
+    list.pageLevel = 0;
 }
 
 uint32_t truncate(VxList &list, int32_t n)
@@ -293,17 +327,12 @@ uint32_t append(VxList &list, VxList &source)
     return 0;
 }
 
-int32_t step(VxListIter &iter, void **ptr)
-{
-    return stepPositions(iter, ptr, slotOrNull);
-}
-
 }
 
 const Layout arrayLayout = {
     .make = make,
     .discard = discard,
-    .reset = reset,
+    .reset = keepSlots,
     .set = set,
     .insert = insert,
     .at = slotOrNull,
@@ -314,8 +343,28 @@ const Layout arrayLayout = {
     .append = append,
     .reverse = reverseSlots,
     .range = positions,
-    .step = step,
+    .step = stepSlots,
 };
+
+VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept
+{
+    std::memset(block, 0, static_cast<size_t>(smallArrayBytes(elemSize, capacity)));
+    auto list = static_cast<VxList *>(block);
+    list->layout = array;
+    list->elemSize = elemSize;
+    list->capacity = capacity;
+    list->increment = increment;
+    list->dirSlots = VgPageSize / static_cast<int32_t>(sizeof(void *));
+    list->data = list + 1;
+    list->order = reinterpret_cast<VxLnkNode *>(list);
+    return list;
+}
+
+VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment)
+{
+    char *block = allocate<char>(smallArrayBytes(elemSize, capacity)).release();
+    return block ? makeSmallArray(block, elemSize, capacity, increment) : nullptr;
+}
 
 }
 
@@ -353,13 +402,5 @@ uint32_t VxResizeArr(VxList *list, int32_t extra)
     if (!list || list->layout != array || list->pageLevel != 0 || extra < 0 ||
         extra > INT32_MAX - list->capacity)
         return 1;
-    if (extra == 0)
-        return 0;
-    int64_t had = int64_t{list->capacity} * list->elemSize;
-    int64_t bytes = had + int64_t{extra} * list->elemSize;
-    if (!blockCanHave(bytes) || VxMemSmrtResize(static_cast<int32_t>(bytes), &list->data))
-        return 1;
-    std::memset(static_cast<char *>(list->data) + had, 0, static_cast<size_t>(bytes - had));
-    list->capacity += extra;
-    return 0;
+    return extra == 0 ? 0 : growBlock(*list, extra);
 }

@@ -3,7 +3,11 @@
 
 #include "vx/graph.h"
 
+#include <algorithm>
+
 #include "containers/graph_records.h"
+#include "containers/memory.h"
+#include "containers/small_array.h"
 
 namespace vx::containers {
 
@@ -25,8 +29,7 @@ VxGraphNode newNode(VxList *edges) noexcept
 {
     VxGraphNode node{};
     node.edges = edges;
-    node.number = node.parentNode = node.parentEdge = node.low = node.low2 = none;
-    node.val[0] = node.val[1] = -1;
+    prepare(node);
     return node;
 }
 
@@ -39,26 +42,76 @@ VxGraphEdge newEdge(int32_t from, int32_t to) noexcept
     return edge;
 }
 
-uint32_t addNode(VxList &nodes)
+// The lists of a graph's nodes are one block, so that a list can be fetched
+// while its node is still on its way. The block is the chain of the list of
+// nodes, which has no other. More nodes than a block can serve have lists of
+// their own.
+
+/** A node's list with its first slots: two lines of a cache. */
+struct alignas(64) NodeList {
+    VxList record;
+    int32_t numbers[slots];
+};
+
+constexpr int64_t mostInOneBlock = INT32_MAX / static_cast<int64_t>(sizeof(NodeList)) - 1;
+
+/** Where the lists are; null if they are no block. */
+void *listBlock(const VxList *nodes) noexcept
 {
-    VxList *edges = nullptr;
-    if (makeNumbers(edges))
-        return 1;
-    if (append(&nodes, newNode(edges)) == 0)
-        return 0;
-    VxListDel(&edges);
-    return 1;
+    return nodes && nodes->layout == array && markOf(*nodes) > 1 ? nodes->order : nullptr;
 }
 
-/** Room for all nodes in one step: the capacity that growing by increments would reach. */
+/** A list in the block, which has room for one more than there are nodes. */
+NodeList &listIn(void *block, int32_t node) noexcept
+{
+    constexpr uintptr_t alignment = alignof(NodeList);
+    auto first = (reinterpret_cast<uintptr_t>(block) + alignment - 1) & ~(alignment - 1);
+    return reinterpret_cast<NodeList *>(first)[node];
+}
+
+VxList *makeList(VxList &nodes, int32_t node)
+{
+    void *block = listBlock(&nodes);
+    if (!block)
+        return newSmallArray(sizeof(int32_t), slots, slots);
+    VxList *list = makeSmallArray(&listIn(block, node), sizeof(int32_t), slots, slots);
+    lendRecord(*list);
+    return list;
+}
+
+inline void prefetchList(const VxList &nodes, int32_t node) noexcept
+{
+    if (void *block = listBlock(&nodes)) {
+        const NodeList &list = listIn(block, node);
+        __builtin_prefetch(&list, 1);
+        __builtin_prefetch(reinterpret_cast<const char *>(&list) + sizeof list / 2, 1);
+    }
+}
+
+/** Slots for n nodes, as many as growing by increments would make. */
+uint32_t makeRoom(VxList &nodes, int32_t n)
+{
+    int32_t missing = std::max(n - nodes.capacity, 0);
+    return VxListResizeArr(&nodes, (missing + slots - 1) / slots * slots);
+}
+
 uint32_t makeNodes(VxList &nodes, int32_t n)
 {
-    int32_t missing = n - nodes.capacity;
-    if (missing > 0 && VxListResizeArr(&nodes, missing / slots * slots + (missing % slots ? slots : 0)))
-        return 1;
-    for (int32_t i = 0; i < n; ++i)
-        if (addNode(nodes))
+    constexpr int32_t atOnce = 1000; // new slots are zeros, and still in the cache when they are filled
+    if (n > 0 && n <= mostInOneBlock) {
+        Block<NodeList> block = allocate<NodeList>(int64_t{n} + 1);
+        if (!block)
             return 1;
+        nodes.order = reinterpret_cast<VxLnkNode *>(block.release());
+    }
+    for (int32_t i = 0; i < n; ++i) {
+        if (i % atOnce == 0 && makeRoom(nodes, std::min(n - i, atOnce) + i))
+            return 1;
+        VxList *edges = makeList(nodes, i);
+        if (!edges)
+            return 1;
+        append(&nodes, newNode(edges));
+    }
     return 0;
 }
 
@@ -70,9 +123,9 @@ uint32_t make(VxGraph &graph, int32_t n)
     return makeNodes(*graph.nodes, n);
 }
 
-bool isNode(VxGraph &graph, int32_t number)
+bool isNode(const VxList &nodes, int32_t number) noexcept
 {
-    return holds<VxGraphNode>(graph.nodes) && number >= 0 && number < graph.nodes->count;
+    return static_cast<uint32_t>(number) < static_cast<uint32_t>(nodes.count);
 }
 
 /** Append to both lists, or to neither; they may be one. */
@@ -101,16 +154,16 @@ void forget(VxList *edges, int32_t number)
 
 template <typename T> void deleteEdgeLists(VxList *records)
 {
-    for (int32_t i = 0; records && i < records->count; ++i)
-        if (auto record = recordAt<T>(records, i))
-            VxListDel(&record->edges);
+    if (holds<T>(records))
+        forEach<T>(*records, [](int32_t, T &record) { VxListDel(&record.edges); });
 }
 
 }
 
 uint32_t makeNumbers(VxList *&list)
 {
-    return makeList<int32_t>(list);
+    list = newSmallArray(sizeof(int32_t), slots, slots);
+    return list ? 0 : 1;
 }
 
 }
@@ -134,11 +187,11 @@ uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t direct
 {
     if (edge)
         *edge = nullptr;
-    if (!graph || !holds<VxGraphEdge>(graph->edges))
+    if (!graph || !holds<VxGraphEdge>(graph->edges) || !holds<VxGraphNode>(graph->nodes) ||
+        !isNode(*graph->nodes, from) || !isNode(*graph->nodes, to))
         return 1;
     int32_t number = graph->edges->count;
-    if (!isNode(*graph, from) || !isNode(*graph, to))
-        return 1;
+    prefetchList(*graph->nodes, from);
     // A removed node has no list. The far end of a directed edge is not looked at: a cache miss.
     VxList *first = nodeAt(*graph, from)->edges;
     VxList *second = directed ? nullptr : nodeAt(*graph, to)->edges;
@@ -189,31 +242,26 @@ uint32_t VxGraphFree(VxGraph *graph)
 {
     if (!graph)
         return 1;
+    void *lists = listBlock(graph->nodes);
     deleteEdgeLists<VxGraphNode>(graph->nodes);
     deleteEdgeLists<VxGraphRegion>(graph->regions);
     VxListDel(&graph->nodes);
     VxListDel(&graph->edges);
     VxListDel(&graph->regions);
-    return 0;
+    return VxMemFree(&lists);
 }
 
 uint32_t VxGraphWalkInit(VxGraph *graph)
 {
     if (!graph || !holds<VxGraphNode>(graph->nodes) || !holds<VxGraphEdge>(graph->edges))
         return 1;
-    for (int32_t i = 0; i < graph->nodes->count; ++i) {
-        VxGraphNode *node = liveNodeAt(*graph, i);
-        if (!node)
-            continue;
-        node->number = node->parentNode = node->parentEdge = node->low = node->low2 = none;
-        node->val[0] = node->val[1] = -1;
-    }
-    for (int32_t i = 0; i < graph->edges->count; ++i) {
-        VxGraphEdge *edge = liveEdgeAt(*graph, i);
-        if (!edge)
-            continue;
-        edge->weight = 0;
-        edge->cycle = 0;
-    }
+    forEach<VxGraphNode>(*graph->nodes, [](int32_t, VxGraphNode &node) {
+        if (!node.removed)
+            prepare(node);
+    });
+    forEach<VxGraphEdge>(*graph->edges, [](int32_t, VxGraphEdge &edge) {
+        if (!edge.removed)
+            prepare(edge);
+    });
     return 0;
 }

@@ -15,6 +15,7 @@
 
 #include "containers/graph_records.h"
 #include "containers/memory.h"
+#include "containers/small_array.h"
 #include "vx/graph.h"
 
 namespace vx::containers {
@@ -23,16 +24,23 @@ namespace {
 
 using Numbers = std::vector<int32_t>;
 
-constexpr int32_t onPath = -2;
+constexpr int32_t closesCycle = -2;  ///< the low number of a node that leads back to its path
+constexpr int32_t listIncrement = 4; ///< of a component's list
 
 size_t at(int32_t number) noexcept
 {
     return static_cast<size_t>(number);
 }
 
-/** The ways out of every node, one behind the other: those of node i at first[i] .. first[i + 1] - 1. */
-struct Ways {
-    Numbers first, to;
+/** Runs one behind the other: run i is items[first[i]] .. items[first[i + 1] - 1]. */
+template <typename T> struct Runs {
+    Numbers first;
+    std::vector<T> items;
+};
+
+struct Way {
+    int32_t to = none; ///< none: not to be gone
+    int32_t edge = none;
 };
 
 struct Ends {
@@ -46,110 +54,131 @@ struct Flat {
     int32_t edges = 0;
     std::vector<uint8_t> live;
     std::vector<Ends> ends; ///< of each edge; none for one that was removed or leads to a removed node
-    Ways ways;
-    Numbers edgeOf; ///< the edge of each way
+    Runs<Way> ways;         ///< out of each node
 };
+
+/** Where a walk stands in one node, next to each other since they are needed at once. */
+struct Place {
+    int32_t next, end; ///< the ways not yet gone
+    int32_t parent, parentEdge;
+};
+
+std::vector<Place> startOf(const Numbers &first)
+{
+    std::vector<Place> places(first.size() - 1);
+    for (size_t i = 0; i < places.size(); ++i)
+        places[i] = {first[i], first[i + 1], none, none};
+    return places;
+}
+
+enum class Mark : uint8_t { unseen, onPath, done };
 
 /** What the post-order walk finds. */
 struct Finished {
     explicit Finished(const Flat &flat)
-        : number(at(flat.nodes), none), parent(number), parentEdge(number), closes(at(flat.nodes), 0),
+        : marks(at(flat.nodes), Mark::unseen), places(startOf(flat.ways.first)), closes(at(flat.nodes), 0),
           cycle(at(flat.edges), 0)
     {
         order.reserve(at(flat.nodes));
     }
 
-    Numbers number, parent, parentEdge;
-    Numbers order; ///< the nodes as they were finished
+    std::vector<Mark> marks; // few bytes, since a walk looks here for each way
+    std::vector<Place> places;
+    Numbers order;  ///< the nodes as they were finished
+    Numbers number; ///< of each node in this order
     std::vector<uint8_t> closes, cycle;
 };
 
-void readNodes(VxGraph &graph, Flat &flat)
-{
-    flat.nodes = graph.nodes->count;
-    flat.live.resize(at(flat.nodes));
-    for (int32_t i = 0; i < flat.nodes; ++i)
-        flat.live[at(i)] = liveNodeAt(graph, i) != nullptr;
-}
-
 bool readEdges(VxGraph &graph, Flat &flat)
 {
-    flat.edges = graph.edges->count;
+    bool valid = true;
+    auto isNode = [&](int32_t number) { return number >= 0 && number < flat.nodes; };
     flat.ends.resize(at(flat.edges));
-    for (int32_t i = 0; i < flat.edges; ++i) {
-        const VxGraphEdge *edge = liveEdgeAt(graph, i);
-        if (!edge)
-            continue;
-        if (edge->from < 0 || edge->from >= flat.nodes || edge->to < 0 || edge->to >= flat.nodes)
-            return false;
-        if (flat.live[at(edge->from)] && flat.live[at(edge->to)])
-            flat.ends[at(i)] = {edge->from, edge->to};
-    }
-    return true;
+    forEach<VxGraphEdge>(*graph.edges, [&](int32_t i, const VxGraphEdge &edge) {
+        if (edge.removed)
+            return;
+        if (!isNode(edge.from) || !isNode(edge.to))
+            valid = false;
+        else if (flat.live[at(edge.from)] && flat.live[at(edge.to)])
+            flat.ends[at(i)] = {edge.from, edge.to};
+    });
+    return valid;
 }
 
-/** The ways in the order of the nodes' lists. */
-bool readWays(VxGraph &graph, Flat &flat)
+/** The nodes and their edges, in the order of their lists. */
+bool readNodes(VxGraph &graph, Flat &flat)
 {
-    Ways &ways = flat.ways;
+    Runs<Way> &ways = flat.ways;
+    flat.live.resize(at(flat.nodes));
     ways.first.reserve(at(flat.nodes) + 1);
-    ways.to.reserve(at(flat.edges));
-    flat.edgeOf.reserve(at(flat.edges));
+    ways.items.reserve(at(flat.edges));
     for (int32_t i = 0; i < flat.nodes; ++i) {
-        ways.first.push_back(static_cast<int32_t>(ways.to.size()));
-        if (!flat.live[at(i)])
+        ways.first.push_back(static_cast<int32_t>(ways.items.size()));
+        const VxGraphNode *node = liveNodeAt(graph, i);
+        if (!node)
             continue;
-        VxList *list = nodeAt(graph, i)->edges;
+        flat.live[at(i)] = 1;
+        VxList *list = node->edges;
         if (!holds<int32_t>(list))
             return false;
         for (int32_t j = 0; j < list->count; ++j) {
             int32_t edge = *recordAt<int32_t>(list, j);
-            if (edge == none)
-                continue;
-            if (edge < 0 || edge >= flat.edges)
+            if (edge < none || edge >= flat.edges)
                 return false;
-            Ends ends = flat.ends[at(edge)];
-            if (ends.from == none)
-                continue;
-            ways.to.push_back(ends.from == i ? ends.to : ends.from);
-            flat.edgeOf.push_back(edge);
+            if (edge != none)
+                ways.items.push_back({none, edge});
         }
     }
-    ways.first.push_back(static_cast<int32_t>(ways.to.size()));
+    ways.first.push_back(static_cast<int32_t>(ways.items.size()));
     return true;
+}
+
+/** Where the ways lead: a pass of its own, in which the processor looks up many edges at once. */
+void findTargets(Flat &flat)
+{
+    for (int32_t i = 0; i < flat.nodes; ++i)
+        for (int32_t j = flat.ways.first[at(i)]; j < flat.ways.first[at(i) + 1]; ++j) {
+            Way &way = flat.ways.items[at(j)];
+            Ends ends = flat.ends[at(way.edge)];
+            way.to = ends.from == i ? ends.to : ends.from;
+        }
 }
 
 bool read(VxGraph &graph, Flat &flat)
 {
     if (!holds<VxGraphNode>(graph.nodes) || !holds<VxGraphEdge>(graph.edges))
         return false;
-    readNodes(graph, flat);
-    return readEdges(graph, flat) && readWays(graph, flat);
+    flat.nodes = graph.nodes->count;
+    flat.edges = graph.edges->count;
+    if (!readNodes(graph, flat) || !readEdges(graph, flat))
+        return false;
+    findTargets(flat);
+    return true;
 }
 
 /** One walk from `root`; the parents of the nodes on the path are the stack. */
-void finishFrom(int32_t root, const Flat &flat, Numbers &next, Finished &done)
+void finishFrom(int32_t root, const Flat &flat, Finished &done)
 {
-    done.number[at(root)] = onPath;
+    done.marks[at(root)] = Mark::onPath;
     for (int32_t node = root; node != none;) {
-        int32_t way = next[at(node)]++;
-        if (way == flat.ways.first[at(node) + 1]) {
-            done.number[at(node)] = static_cast<int32_t>(done.order.size());
+        Place &place = done.places[at(node)];
+        if (place.next == place.end) {
+            done.marks[at(node)] = Mark::done;
             done.order.push_back(node);
-            node = done.parent[at(node)];
+            node = place.parent;
             continue;
         }
-        int32_t edge = flat.edgeOf[at(way)];
-        int32_t to = flat.ways.to[at(way)];
-        if (edge == done.parentEdge[at(node)])
+        Way way = flat.ways.items[at(place.next++)];
+        if (way.to == none || way.edge == place.parentEdge)
             continue;
-        if (done.number[at(to)] == none) {
-            done.number[at(to)] = onPath;
-            done.parent[at(to)] = node;
-            done.parentEdge[at(to)] = edge;
-            node = to;
-        } else if (done.number[at(to)] == onPath) {
-            done.cycle[at(edge)] = 1;
+        Mark &mark = done.marks[at(way.to)];
+        if (mark == Mark::unseen) {
+            mark = Mark::onPath;
+            done.places[at(way.to)].parent = node;
+            done.places[at(way.to)].parentEdge = way.edge;
+            node = way.to;
+        } else if (mark == Mark::onPath) {
+            done.cycle[at(way.edge)] = 1;
             done.closes[at(node)] = 1;
         }
     }
@@ -158,75 +187,77 @@ void finishFrom(int32_t root, const Flat &flat, Numbers &next, Finished &done)
 Finished finish(const Flat &flat)
 {
     Finished done(flat);
-    Numbers next(flat.ways.first);
     for (int32_t i = 0; i < flat.nodes; ++i)
-        if (flat.live[at(i)] && done.number[at(i)] == none)
-            finishFrom(i, flat, next, done);
+        if (flat.live[at(i)] && done.marks[at(i)] == Mark::unseen)
+            finishFrom(i, flat, done);
+    done.number.assign(at(flat.nodes), none);
+    for (size_t i = 0; i < done.order.size(); ++i)
+        done.number[at(done.order[i])] = static_cast<int32_t>(i);
     return done;
 }
 
-/** The edges reversed, in their order, between nodes renumbered so that the one finished last is 0. */
-Ways reversed(const Flat &flat, const Finished &done)
+/** The ends of the edges reversed, in their order, between nodes renumbered: the one finished last is 0. */
+Runs<int32_t> reversed(const Flat &flat, const Finished &done)
 {
-    size_t nodes = done.order.size();
-    auto renumbered = [&](int32_t node) { return nodes - 1 - at(done.number[at(node)]); };
-    Ways ways;
-    ways.first.assign(nodes + 2, 0);
-    for (Ends ends : flat.ends)
-        if (ends.to != none)
-            ++ways.first[renumbered(ends.to) + 2];
+    auto last = static_cast<int32_t>(done.order.size()) - 1;
+    Runs<int32_t> ways;
+    ways.first.assign(done.order.size() + 2, 0);
+    std::vector<Ends> turned;
+    turned.reserve(flat.ends.size());
+    for (Ends ends : flat.ends) {
+        if (ends.to == none)
+            continue;
+        turned.push_back({last - done.number[at(ends.to)], last - done.number[at(ends.from)]});
+        ++ways.first[at(turned.back().from) + 2];
+    }
     for (size_t i = 2; i < ways.first.size(); ++i)
         ways.first[i] += ways.first[i - 1];
-    ways.to.resize(at(ways.first.back()));
+    ways.items.resize(turned.size());
     // first[i + 1] runs from the start of node i's ways to their end.
-    for (Ends ends : flat.ends)
-        if (ends.to != none)
-            ways.to[at(ways.first[renumbered(ends.to) + 1]++)] = static_cast<int32_t>(renumbered(ends.from));
+    for (Ends ends : turned)
+        ways.items[at(ways.first[at(ends.from) + 1]++)] = ends.to;
     ways.first.pop_back();
     return ways;
 }
 
-/** Components one behind the other: component i is members[start[i]] .. members[start[i + 1] - 1]. */
-struct Components {
-    Numbers members, start;
-};
-
-void collectFrom(int32_t root, const Ways &ways, Numbers &next, Numbers &parent, Numbers &members)
+/** A walk over all that is reached from `root` and not yet seen. */
+void collectFrom(int32_t root, const Runs<int32_t> &ways, std::vector<Mark> &marks,
+                 std::vector<Place> &places, Numbers &members)
 {
-    parent[at(root)] = root;
+    marks[at(root)] = Mark::done;
     members.push_back(root);
-    for (int32_t node = root;;) {
-        int32_t way = next[at(node)]++;
-        if (way == ways.first[at(node) + 1]) {
-            if (node == root)
-                return;
-            node = parent[at(node)];
+    for (int32_t node = root; node != none;) {
+        Place &place = places[at(node)];
+        if (place.next == place.end) {
+            node = place.parent;
             continue;
         }
-        int32_t to = ways.to[at(way)];
-        if (parent[at(to)] == none) {
-            parent[at(to)] = node;
+        int32_t to = ways.items[at(place.next++)];
+        if (marks[at(to)] == Mark::unseen) {
+            marks[at(to)] = Mark::done;
             members.push_back(to);
+            places[at(to)].parent = node;
             node = to;
         }
     }
 }
 
-Components collect(const Ways &ways, const Numbers &order)
+/** The components, with the numbers that the nodes have in the graph. */
+Runs<int32_t> collect(const Runs<int32_t> &ways, const Numbers &order)
 {
-    Components found;
+    Runs<int32_t> found;
     size_t nodes = order.size();
-    found.members.reserve(nodes);
-    Numbers next(ways.first);
-    Numbers parent(nodes, none);
+    found.items.reserve(nodes);
+    std::vector<Mark> marks(nodes, Mark::unseen);
+    std::vector<Place> places = startOf(ways.first);
     for (size_t i = 0; i < nodes; ++i) {
-        if (parent[i] != none)
+        if (marks[i] != Mark::unseen)
             continue;
-        found.start.push_back(static_cast<int32_t>(found.members.size()));
-        collectFrom(static_cast<int32_t>(i), ways, next, parent, found.members);
+        found.first.push_back(static_cast<int32_t>(found.items.size()));
+        collectFrom(static_cast<int32_t>(i), ways, marks, places, found.items);
     }
-    found.start.push_back(static_cast<int32_t>(nodes));
-    for (int32_t &member : found.members)
+    found.first.push_back(static_cast<int32_t>(nodes));
+    for (int32_t &member : found.items)
         member = order[nodes - 1 - at(member)];
     return found;
 }
@@ -239,28 +270,26 @@ void discard(VxList **lists, int32_t count)
 
 uint32_t makeList(const int32_t *members, int32_t n, VxList *&list)
 {
-    Block<int32_t> block = allocate<int32_t>(n);
-    if (!block)
+    list = newSmallArray(sizeof *members, n, listIncrement);
+    if (!list)
         return 1;
-    std::memcpy(block.get(), members, at(n) * sizeof *members);
-    if (VxArrCnvrtList(sizeof *members, n, block.get(), &list))
-        return 1;
-    block.release();
+    std::memcpy(list->data, members, at(n) * sizeof *members);
+    list->count = n;
     return 0;
 }
 
 /** An array of lists, null for no components. */
-uint32_t makeLists(const Components &found, int32_t &count, VxList **&lists)
+uint32_t makeLists(const Runs<int32_t> &found, int32_t &count, VxList **&lists)
 {
-    auto n = static_cast<int32_t>(found.start.size()) - 1;
+    auto n = static_cast<int32_t>(found.first.size()) - 1;
     if (n == 0)
         return 0;
     Block<VxList *> block = allocate<VxList *>(n);
     if (!block)
         return 1;
     for (int32_t i = 0; i < n; ++i) {
-        int32_t start = found.start[at(i)];
-        if (makeList(&found.members[at(start)], found.start[at(i) + 1] - start, block.get()[i])) {
+        int32_t first = found.first[at(i)];
+        if (makeList(&found.items[at(first)], found.first[at(i) + 1] - first, block.get()[i])) {
             discard(block.get(), i);
             return 1;
         }
@@ -271,22 +300,24 @@ uint32_t makeLists(const Components &found, int32_t &count, VxList **&lists)
 }
 
 /** Leave the records as the post-order walk leaves them. */
-void write(VxGraph &graph, const Flat &flat, const Finished &done)
+void write(VxGraph &graph, const Finished &done)
 {
-    VxGraphWalkInit(&graph);
-    for (int32_t i = 0; i < flat.nodes; ++i) {
-        if (!flat.live[at(i)])
-            continue;
-        VxGraphNode &node = *nodeAt(graph, i);
+    forEach<VxGraphNode>(*graph.nodes, [&](int32_t i, VxGraphNode &node) {
+        if (node.removed)
+            return;
+        prepare(node);
         node.number = done.number[at(i)];
-        node.parentNode = done.parent[at(i)];
-        node.parentEdge = done.parentEdge[at(i)];
+        node.parentNode = done.places[at(i)].parent;
+        node.parentEdge = done.places[at(i)].parentEdge;
         if (done.closes[at(i)])
-            node.low = onPath;
-    }
-    for (int32_t i = 0; i < flat.edges; ++i)
-        if (done.cycle[at(i)])
-            edgeAt(graph, i)->cycle = 1;
+            node.low = closesCycle;
+    });
+    forEach<VxGraphEdge>(*graph.edges, [&](int32_t i, VxGraphEdge &edge) {
+        if (edge.removed)
+            return;
+        prepare(edge);
+        edge.cycle = done.cycle[at(i)];
+    });
 }
 
 uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
@@ -295,10 +326,10 @@ uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
     if (!read(graph, flat))
         return 1;
     Finished done = finish(flat);
-    Components found = collect(reversed(flat, done), done.order);
+    Runs<int32_t> found = collect(reversed(flat, done), done.order);
     if (makeLists(found, count, lists))
         return 1;
-    write(graph, flat, done);
+    write(graph, done);
     return 0;
 }
 

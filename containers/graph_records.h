@@ -34,6 +34,19 @@ inline VxGraphEdge *liveEdgeAt(VxGraph &graph, int32_t number)
     return edge && !edge->removed ? edge : nullptr;
 }
 
+/** Make a record ready for a walk. */
+inline void prepare(VxGraphNode &node) noexcept
+{
+    node.number = node.parentNode = node.parentEdge = node.low = node.low2 = none;
+    node.val[0] = node.val[1] = -1;
+}
+
+inline void prepare(VxGraphEdge &edge) noexcept
+{
+    edge.weight = 0;
+    edge.cycle = 0;
+}
+
 /** The node at the other end; that of a loop is the node itself. */
 inline int32_t otherEnd(const VxGraphEdge &edge, int32_t node) noexcept
 {

@@ -4,6 +4,8 @@
 
 #include <new>
 
+#include "vx/mem.h"
+
 namespace vx::containers {
 
 namespace {
@@ -22,10 +24,10 @@ KeyTrie::KeyTrie(size_t elementBytes) noexcept
 /** The bucket where a key belongs, and the position of the nibble that would part it. */
 inline KeyTrie::Cell *KeyTrie::cellFor(int32_t key, uint32_t &shift) noexcept
 {
-    Cell *cell = &root_;
-    shift = 0;
+    Cell *cell = &table_[static_cast<uint32_t>(key) & mask_];
+    shift = shift_;
     for (; isBranch(*cell); shift += 4)
-        cell = &branch(*cell)->child[static_cast<uint32_t>(key) >> shift & 15];
+        cell = &branch(*cell)->child[nibble(key, shift)];
     return cell;
 }
 
@@ -36,6 +38,11 @@ VxLnkNode *KeyTrie::at(int32_t key, bool &made)
     Cell *cell = cellFor(key, shift);
     if (VxLnkNode *known = nodeIn(*cell, key))
         return known;
+    if (count_ >= widenAt_ && shift_ < widest) {
+        if (!widen())
+            return nullptr;
+        cell = cellFor(key, shift);
+    }
     for (; countOf(*cell) == bucketSize; cell = cellFor(key, shift))
         if (!split(*cell, shift))
             return nullptr;
@@ -47,8 +54,76 @@ VxLnkNode *KeyTrie::at(int32_t key, bool &made)
         return nullptr;
     }
     linkIntoChain(node);
+    ++count_;
     made = true;
     return node;
+}
+
+/** Make the next level a part of the table. It stays as it is where there is no memory for a larger one. */
+bool KeyTrie::widen()
+{
+    uint32_t cells = mask_ + 1;
+    auto bytes = static_cast<int32_t>(cells * 16 * sizeof(Cell));
+    void *block = nullptr;
+    if (VxMemAllocNoEmer(bytes, &block)) {
+        widenAt_ *= 2;
+        return true;
+    }
+    auto wide = static_cast<Cell *>(VxMemZero(block, bytes));
+    uint32_t done = 0;
+    while (done < cells && spread(table_[done], wide + done))
+        ++done;
+    bool complete = done == cells;
+    for (uint32_t i = 0; !complete && i <= done; ++i)
+        for (uint32_t j = 0; j < 16 && !isBranch(table_[i]); ++j)
+            giveBackBlock(wide[i + j * cells]);
+    if (!complete) {
+        VxMemFree(&block);
+        return false;
+    }
+    for (uint32_t i = 0; i < cells; ++i)
+        giveBackBlock(table_[i]);
+    giveBackTable();
+    table_ = wide;
+    mask_ = cells * 16 - 1;
+    shift_ += 4;
+    widenAt_ = cells * 16 * 8;
+    return true;
+}
+
+/** Share out what a cell of the table holds to the 16 cells that take its place. */
+bool KeyTrie::spread(Cell cell, Cell *first)
+{
+    uint32_t apart = mask_ + 1;
+    if (isBranch(cell)) {
+        for (uint32_t i = 0; i < 16; ++i)
+            first[i * apart] = branch(cell)->child[i];
+        return true;
+    }
+    uint32_t count = countOf(cell);
+    if (count == 1)
+        first[nibble(single(cell)->key, shift_) * apart] = cell;
+    for (uint32_t i = 0; count > 1 && i < count; ++i) {
+        int32_t key = bucket(cell)->keyAt(i);
+        if (!add(first[nibble(key, shift_) * apart], key, bucket(cell)->nodes[i]))
+            return false;
+    }
+    return true;
+}
+
+/** Give back a cell's branch or bucket, whose nodes are elsewhere. */
+void KeyTrie::giveBackBlock(Cell cell) noexcept
+{
+    if (isBranch(cell))
+        branches_.giveBack(branch(cell));
+    else if (countOf(cell) > 1)
+        buckets_.giveBack(bucket(cell));
+}
+
+void KeyTrie::giveBackTable() noexcept
+{
+    void *table = table_ == &root_ ? nullptr : table_;
+    VxMemFree(&table);
 }
 
 /** Add a node to a bucket that is not full. */
@@ -84,7 +159,7 @@ bool KeyTrie::split(Cell &cell, uint32_t shift)
     bool complete = true;
     for (uint32_t i = 0; i < bucketSize && complete; ++i) {
         int32_t key = full->keyAt(i);
-        complete = add(made->child[static_cast<uint32_t>(key) >> shift & 15], key, full->nodes[i]);
+        complete = add(made->child[nibble(key, shift)], key, full->nodes[i]);
     }
     if (complete) {
         cell = reinterpret_cast<Cell>(made) + branchTag;
@@ -92,8 +167,7 @@ bool KeyTrie::split(Cell &cell, uint32_t shift)
         return true;
     }
     for (Cell child : made->child)
-        if (countOf(child) > 1)
-            buckets_.giveBack(bucket(child));
+        giveBackBlock(child);
     branches_.giveBack(made);
     return false;
 }
@@ -157,12 +231,17 @@ bool KeyTrie::remove(int32_t key) noexcept
     if (chain_ == node)
         chain_ = node->chainNext != node ? node->chainNext : nullptr;
     nodes_.giveBack(node);
+    --count_;
     return true;
 }
 
 void KeyTrie::clear() noexcept
 {
+    giveBackTable();
+    table_ = &root_;
     root_ = 0;
+    mask_ = shift_ = count_ = 0;
+    widenAt_ = fewestToWiden;
     chain_ = nullptr;
     nodes_.freeAll();
     buckets_.freeAll();

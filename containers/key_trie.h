@@ -6,12 +6,14 @@
 // A full bucket becomes a branch before its seventh node comes; branches are
 // not merged back. At most 8 levels of branches.
 //
+// The upper levels are one table, as far as they are full: the lowest nibbles
+// of a key, which would lead through its levels, are the index of a cell.
+//
 // Nodes, buckets and branches come from chunks of the trie's own. A bucket
 // holds copies of its nodes' keys, so that a search touches no node; a bucket
 // of one node is that node. A node's element lies right behind it, and all
 // nodes form a circle in the order they came.
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -24,13 +26,14 @@ namespace vx::containers {
 class KeyTrie {
 public:
     explicit KeyTrie(size_t elementBytes) noexcept;
+    ~KeyTrie() { clear(); }
 
     /** The node of a key, or null. */
     VxLnkNode *find(int32_t key) const noexcept
     {
         auto rest = static_cast<uint32_t>(key);
-        Cell cell = root_;
-        for (; isBranch(cell); rest >>= 4)
+        Cell cell = table_[rest & mask_];
+        for (rest >>= shift_; isBranch(cell); rest >>= 4)
             cell = branch(cell)->child[rest & 15];
         return nodeIn(cell, key);
     }
@@ -68,6 +71,7 @@ private:
     struct alignas(16) Bucket {
         /** Four keys, compared at once. */
         using Keys [[gnu::vector_size(16)]] = int32_t;
+        using Halves [[gnu::vector_size(16)]] = uint64_t;
 
         Keys keys[2]; ///< places behind the count hold anything
         VxLnkNode *nodes[bucketSize];
@@ -83,7 +87,7 @@ private:
         uint32_t placeOf(int32_t key) const noexcept
         {
             Keys same = ((keys[0] == key) & Keys{1, 2, 4, 8}) | ((keys[1] == key) & Keys{16, 32, 64, 128});
-            auto halves = std::bit_cast<std::array<uint64_t, 2>>(same);
+            auto halves = reinterpret_cast<Halves>(same);
             uint64_t places = halves[0] | halves[1];
             return static_cast<uint32_t>(std::countr_zero(places | places >> 32));
         }
@@ -112,6 +116,16 @@ private:
         return one && one->key == key ? one : nullptr;
     }
 
+    /** The nibble of a key that stands at a shift. */
+    static uint32_t nibble(int32_t key, uint32_t shift) noexcept
+    {
+        return static_cast<uint32_t>(key) >> shift & 15;
+    }
+
+    bool widen();
+    bool spread(Cell cell, Cell *first);
+    void giveBackBlock(Cell cell) noexcept;
+    void giveBackTable() noexcept;
     Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
     bool add(Cell &cell, int32_t key, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
@@ -119,7 +133,15 @@ private:
     VxLnkNode *newNode(int32_t key);
     void linkIntoChain(VxLnkNode *node) noexcept;
 
+    static constexpr uint32_t widest = 20;       ///< bits of an index
+    static constexpr uint32_t fewestToWiden = 8; ///< nodes: half as many as there will be cells
+
     Cell root_ = 0;
+    Cell *table_ = &root_;
+    uint32_t mask_ = 0;
+    uint32_t shift_ = 0; ///< bits of an index
+    uint32_t count_ = 0; ///< nodes
+    uint32_t widenAt_ = fewestToWiden;
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
     BlockPool buckets_;

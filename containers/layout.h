@@ -68,16 +68,22 @@ inline bool equal(const VxList &list, const void *a, const void *b) noexcept
     return std::memcmp(a, b, elementBytes(list)) == 0;
 }
 
-/** Copy `bytes` from one place to another; common sizes without a call. */
-inline void copyBytes(void *to, const void *from, int32_t bytes) noexcept
+/** Copy elements of the common sizes without a call; false for others. */
+inline bool copyCommonSize(void *to, const void *from, int32_t bytes) noexcept
 {
     switch (bytes) {
-    case 4: std::memcpy(to, from, 4); break;
-    case 8: std::memcpy(to, from, 8); break;
-    case 16: std::memcpy(to, from, 16); break;
-    case 32: std::memcpy(to, from, 32); break;
-    default: std::memmove(to, from, static_cast<size_t>(bytes)); break;
+    case 4: std::memcpy(to, from, 4); return true;
+    case 8: std::memcpy(to, from, 8); return true;
+    case 16: std::memcpy(to, from, 16); return true;
+    case 32: std::memcpy(to, from, 32); return true;
+    default: return false;
     }
+}
+
+inline void copyBytes(void *to, const void *from, int32_t bytes) noexcept
+{
+    if (!copyCommonSize(to, from, bytes))
+        std::memmove(to, from, static_cast<size_t>(bytes));
 }
 
 inline void copyElement(const VxList &list, void *to, const void *from) noexcept

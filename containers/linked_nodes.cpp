@@ -10,7 +10,9 @@
 
 namespace vx::containers {
 
-VxLnkNode *newNode(int32_t key, int32_t elemSize, const void *element)
+namespace {
+
+inline VxLnkNode *makeNode(int32_t key, int32_t elemSize, const void *element)
 {
     constexpr int64_t alignment = alignof(VxLnkNode);
     int64_t offset = (elemSize + alignment - 1) / alignment * alignment;
@@ -22,6 +24,13 @@ VxLnkNode *newNode(int32_t key, int32_t elemSize, const void *element)
     node->key = key;
     node->element = block;
     return node;
+}
+
+}
+
+VxLnkNode *newNode(int32_t key, int32_t elemSize, const void *element)
+{
+    return makeNode(key, elemSize, element);
 }
 
 void freeNode(VxLnkNode *node) noexcept
@@ -41,7 +50,7 @@ uint32_t VxLnkLstInsNode(VxList *list, int32_t position, const void *element)
     if (list->count == INT32_MAX)
         return 1;
     auto head = static_cast<VxLnkNode *>(list->data);
-    VxLnkNode *node = newNode(position, list->elemSize, element);
+    VxLnkNode *node = makeNode(position, list->elemSize, element);
     if (!node)
         return 1;
     VxLnkNode *next = position < list->count ? seek<links>(head, list->count, position) : head;

@@ -9,6 +9,7 @@
 #include "containers/layout.h"
 #include "containers/memory.h"
 #include "containers/slots.h"
+#include "containers/small_array.h"
 #include "vx/err.h"
 #include "vx/mem.h"
 #include "vx/tools.h"
@@ -22,29 +23,38 @@ constexpr const Layout *layouts[layoutCount] = {&keyedLayout,   &linkedLayout, &
 
 constexpr int32_t errorElementSize = 3;
 
-/** The element at an index, or null. The layouts whose look-up costs no more than a call are looked up here.
- */
-inline void *elementAt(VxList *list, int32_t index)
+/** The element at an index, or null. */
+void *elementAt(VxList *list, int32_t index)
 {
-    if (!list)
-        return nullptr;
-    if (list->layout == array)
-        return slotInside(*list, index);
-    if (list->layout == keyed)
-        return keyedElement(*list, index);
     const Layout *layout = layoutOf(list);
     return layout ? layout->at(*list, index) : nullptr;
 }
 
-/** Store in a slot that an array list has; false when there is more to it. */
-inline bool setInPlace(VxList &list, int32_t index, const void *element)
+/** The same where the look-up costs less than a call; null also where elementAt() is to be asked. */
+inline void *elementNear(const VxList &list, int32_t index) noexcept
+{
+    if (list.layout == array)
+        return slotInside(list, index);
+    return list.layout == keyed ? keyedElement(list, index) : nullptr;
+}
+
+/** VxListGetPtr where there is more to it: kept apart, since what it saves would be saved for every element. */
+[[gnu::noinline]] uint32_t getPtr(VxList *list, int32_t index, void **ptr)
+{
+    if (!ptr)
+        return 1;
+    *ptr = elementAt(list, index);
+    return *ptr ? 0 : 1;
+}
+
+/** Store in a slot that an array list has; false when there is more to it, a call among it. */
+inline bool setInPlace(VxList &list, int32_t index, const void *element) noexcept
 {
     if (list.layout != array || static_cast<uint32_t>(index) > static_cast<uint32_t>(list.count))
         return false;
     void *slot = slotInside(list, index);
-    if (!slot)
+    if (!slot || !copyCommonSize(slot, element, list.elemSize))
         return false;
-    copyElement(list, slot, element);
     list.count += index == list.count;
     return true;
 }
@@ -141,7 +151,7 @@ uint32_t VxListDel(VxList **list)
     if (!list)
         return 1;
     VxListDelList(*list);
-    void *record = *list;
+    void *record = *list && recordIsLent(**list) ? nullptr : *list;
     *list = nullptr;
     return VxMemFree(&record);
 }
@@ -181,11 +191,9 @@ uint32_t VxListSizeError(void)
 
 uint32_t VxListSet(VxList *list, int32_t index, const void *element)
 {
-    if (!list || !element)
-        return 1;
-    if (setInPlace(*list, index, element))
+    if (list && element && setInPlace(*list, index, element))
         return 0;
-    const Layout *layout = layoutOf(list);
+    const Layout *layout = element ? layoutOf(list) : nullptr;
     return layout ? layout->set(*list, index, element) : 1;
 }
 
@@ -197,10 +205,11 @@ uint32_t VxListIns(VxList *list, int32_t index, const void *element)
 
 uint32_t VxListGetPtr(VxList *list, int32_t index, void **ptr)
 {
-    if (!ptr)
-        return 1;
-    *ptr = elementAt(list, index);
-    return *ptr ? 0 : 1;
+    void *element = list && ptr ? elementNear(*list, index) : nullptr;
+    if (!element)
+        return getPtr(list, index, ptr);
+    *ptr = element;
+    return 0;
 }
 
 uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr)
@@ -215,8 +224,8 @@ uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr)
 
 uint32_t VxListGet(VxList *list, int32_t index, void *element)
 {
-    const void *stored = element ? elementAt(list, index) : nullptr;
-    if (!stored)
+    void *stored = nullptr;
+    if (!element || VxListGetPtr(list, index, &stored))
         return 1;
     copyElement(*list, element, stored);
     return 0;

@@ -8,6 +8,7 @@
 
 #include "containers/memory.h"
 #include "containers/slots.h"
+#include "containers/small_array.h"
 
 namespace vx::containers {
 
@@ -50,10 +51,12 @@ OwnedList converted(int32_t layout, VxList &source, VxCmpFn compare)
     return list;
 }
 
-/** Put what another list holds in the place of what this one does. */
+/** Put what another list holds in the place of what this one does, which is freed. */
 void replace(VxList &list, OwnedList with)
 {
-    std::swap(list, *with);
+    VxListDelList(&list);
+    list = *with;
+    Block<VxList> record(with.release());
 }
 
 OwnedList contiguousCopy(const VxList &source)
@@ -207,6 +210,8 @@ uint32_t VxListConcat(VxList *destination, VxList *source)
         return 0;
     if (source->layout == destination->layout || destination->layout == wrapped)
         return layout->append(*destination, *source);
+    if (recordIsLent(*source))
+        return 1;
     OwnedList same = converted(destination->layout, *source, destination->compare);
     if (!same || layout->append(*destination, *same))
         return 1;
@@ -231,6 +236,8 @@ uint32_t VxListConvert(int32_t layout, VxList *list)
         return 1;
     if (layout == list->layout)
         return 0;
+    if (recordIsLent(*list))
+        return 1;
     OwnedList other = converted(layout, *list, list->compare);
     if (!other)
         return 1;

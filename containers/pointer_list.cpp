@@ -65,12 +65,6 @@ uint32_t make(VxList &list)
     return grow(list, capacity);
 }
 
-uint32_t reset(VxList &list)
-{
-    list.count = 0;
-    return 0;
-}
-
 void *at(VxList &list, int32_t index)
 {
     return index >= 0 && index < list.capacity && list.data ? pointersOf(list)[index] : nullptr;
@@ -159,7 +153,7 @@ int32_t step(VxListIter &iter, void **ptr)
 const Layout pointerLayout = {
     .make = make,
     .discard = discard,
-    .reset = reset,
+    .reset = keepSlots,
     .set = set,
     .insert = insert,
     .at = at,

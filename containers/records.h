@@ -4,6 +4,7 @@
 // another in its place, so each access checks the size of its elements. Arrays
 // are reached without a call, which would show where lists are short.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "containers/slots.h"
@@ -33,6 +34,19 @@ template <typename T> T *recordAt(VxList *list, int32_t index)
     else
         VxListGetPtr(list, index, &record);
     return static_cast<T *>(record);
+}
+
+/** Call use(index, record) for each record of a list that holds them; those side by side are looked up once.
+ */
+template <typename T, typename Use> void forEach(VxList &list, Use use)
+{
+    int32_t run = 1;
+    for (int32_t i = 0; i < list.count; i += run) {
+        T *record = recordAt<T>(&list, i);
+        run = list.layout == array ? std::min(runFrom(list, i), list.count - i) : 1;
+        for (int32_t j = 0; record && j < run; ++j)
+            use(i + j, record[j]);
+    }
 }
 
 /** Append a record: 0, or 1 with the list as it was. */

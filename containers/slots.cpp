@@ -8,12 +8,6 @@ namespace vx::containers {
 
 namespace {
 
-/** Elements that lie side by side from an index on. */
-int32_t runFrom(const VxList &list, int32_t index) noexcept
-{
-    return list.pageLevel == 0 ? INT32_MAX : elementsPerPage(list) - index % elementsPerPage(list);
-}
-
 /** Elements that lie side by side in front of an index, 1 or more. */
 int32_t runBefore(const VxList &list, int32_t index) noexcept
 {
@@ -52,6 +46,12 @@ void copyElements(const VxList &source, VxList &list, int32_t to, int32_t n) noe
     }
 }
 
+uint32_t keepSlots(VxList &list)
+{
+    list.count = 0;
+    return 0;
+}
+
 void *slotOrNull(VxList &list, int32_t index)
 {
     return slotInside(list, index);
@@ -87,6 +87,11 @@ void reverseSlots(VxList &list)
         char *slot = slotAt(list, low);
         std::swap_ranges(slot, slot + list.elemSize, slotAt(list, high));
     }
+}
+
+int32_t stepSlots(VxListIter &iter, void **ptr)
+{
+    return stepPositions(iter, ptr, slotOrNull);
 }
 
 Range positions(VxList &list)

@@ -19,6 +19,12 @@ inline int32_t elementsPerPage(const VxList &list) noexcept
     return list.pageLevel == 1 ? list.perPage : list.perPage2;
 }
 
+/** Slots that lie side by side from an index on. */
+inline int32_t runFrom(const VxList &list, int32_t index) noexcept
+{
+    return list.pageLevel == 0 ? INT32_MAX : elementsPerPage(list) - index % elementsPerPage(list);
+}
+
 /**
  * Division of numbers below 2^31 by multiplication, several times as fast
  * (Granlund and Montgomery, Division by Invariant Integers using
@@ -89,11 +95,14 @@ void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept;
 /** Copy the first n elements of one list to `to` of another with elements of the same size. */
 void copyElements(const VxList &source, VxList &list, int32_t to, int32_t n) noexcept;
 
-// What array and wrapped lists have in common, as Layout has it.
+// What array and wrapped lists have in common, as Layout has it; keepSlots() is also the reset of a pointer
+// array.
+uint32_t keepSlots(VxList &list);
 void *slotOrNull(VxList &list, int32_t index);
 uint32_t removeSlots(VxList &list, int32_t first, int32_t last);
 uint32_t removeEqualSlots(VxList &list, const void *element);
 void reverseSlots(VxList &list);
+int32_t stepSlots(VxListIter &iter, void **ptr);
 
 /** Range of positions of every layout but the keyed one. */
 Range positions(VxList &list);

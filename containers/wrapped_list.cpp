@@ -25,12 +25,6 @@ void discard(VxList &list)
     list.data = nullptr;
 }
 
-uint32_t reset(VxList &list)
-{
-    list.count = 0;
-    return 0;
-}
-
 uint32_t set(VxList &list, int32_t index, const void *element)
 {
     void *slot = slotOrNull(list, index);
@@ -77,17 +71,12 @@ uint32_t append(VxList &list, VxList &source)
     return VxListReset(&source);
 }
 
-int32_t step(VxListIter &iter, void **ptr)
-{
-    return stepPositions(iter, ptr, slotOrNull);
-}
-
 }
 
 const Layout wrappedLayout = {
     .make = make,
     .discard = discard,
-    .reset = reset,
+    .reset = keepSlots,
     .set = set,
     .insert = insert,
     .at = slotOrNull,
@@ -98,7 +87,7 @@ const Layout wrappedLayout = {
     .append = append,
     .reverse = reverseSlots,
     .range = positions,
-    .step = step,
+    .step = stepSlots,
 };
 
 }

@@ -11,6 +11,8 @@
  *
  * Addresses    Of an edge record it dies with the next VxGraphAddEdge; node
  *              records stay where they are.
+ * Lists        A node's list of edges has its record in the graph: another list
+ *              may take its place after VxListDel, but it keeps its layout.
  * Failure      1, for numbers out of range, removed nodes or edges, and want
  *              of memory. A list whose elements have another size than its
  *              record is refused with the toolkit's "List size mismatch".

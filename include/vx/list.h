@@ -61,7 +61,7 @@ struct VxList {
     int32_t pageLevel; /**< layout 2: 0 one block, 1 a directory of pages, 2 two steps of directories */
     int32_t dirSlots;  /**< layout 2: pages or directories of a directory */
     int32_t perPage;   /**< level 1: elements of a page; level 2: slots of a second directory */
-    int32_t perPage2;  /**< level 2: elements of a page */
+    int32_t perPage2;  /**< level 2: elements of a page; level 0: slots that a block that grew has room for */
     void *data;        /**< block, directory, pointers, first node, root or the caller's array */
     VxLnkNode *order;  /**< keyed and tree: the oldest node of the chain; null when empty */
     VxCmpFn compare;   /**< places elements in a tree, see VxBintreeIns */

@@ -4,9 +4,14 @@
 
 #include "vx/eval.h"
 #include "vx/file.h"
+#include "vx/graph.h"
+#include "vx/id.h"
+#include "vx/intset.h"
 #include "vx/parse.h"
 #include "vx/path.h"
 #include "vx/pool.h"
+#include "vx/queue.h"
+#include "vx/sort.h"
 #include "vx/tools.h"
 
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type " has " #bytes " bytes")
@@ -36,6 +41,48 @@ AT(VxHsmArea, index, 300);
 AT(VxHsmArea, chunkSize, 304);
 AT(VxHsmArea, inUse, 312);
 AT(VxHsmArea, tracked, 313);
+
+SIZE(VxList, 64);
+AT(VxList, layout, 0);
+AT(VxList, count, 8);
+AT(VxList, perPage2, 32);
+AT(VxList, data, 40);
+AT(VxList, compare, 56);
+SIZE(VxListIter, 40);
+AT(VxListIter, cursor, 8);
+AT(VxListIter, direction, 16);
+AT(VxListIter, list, 24);
+AT(VxListIter, bound, 32);
+AT(VxListIterOld, cursor, 8);
+AT(VxLnkNode, next, 8);
+AT(VxLnkNode, chainNext, 24);
+AT(VxLnkNode, element, 40);
+AT(VxBintree, node, 16);
+AT(VxQueue, items, 8);
+AT(VxPairTable, pairs, 16);
+AT(VxPairTable, changed, 24);
+SIZE(VxPair, 8);
+AT(VxIntSet, index, 8);
+
+SIZE(VxGraphNode, 72);
+AT(VxGraphNode, number, 16);
+AT(VxGraphNode, low2, 32);
+AT(VxGraphNode, val, 40);
+AT(VxGraphNode, removed, 56);
+AT(VxGraphNode, user, 64);
+SIZE(VxGraphEdge, 40);
+AT(VxGraphEdge, region, 12);
+AT(VxGraphEdge, weight, 24);
+AT(VxGraphEdge, removed, 36);
+AT(VxGraphRegion, spare, 8);
+
+SIZE(VxId, 12);
+SIZE(VxIdEntry, 24);
+AT(VxIdEntry, value, 12);
+AT(VxIdEntry, flag, 20);
+AT(VxIdList, entries, 16);
+AT(VxIdList, sorted, 24);
+SIZE(VxLbl, 20);
 
 AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);

@@ -239,43 +239,21 @@ TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
     }
 }
 
-TEST(Graph, numbersFromTheCallersCounterOn)
-{
-    Graph graph(3, {{0, 1}});
-    VxGraphWalkInit(&graph.graph);
-    EXPECT_EQ(walk(graph, preOrder, 0, -1, 40).counter, 42);
-    EXPECT_EQ(walk(graph, preOrder, 2, -1, 42).counter, 43);
-    EXPECT_EQ(graph.node(1).number, 41);
-    EXPECT_EQ(graph.node(2).number, 42);
-}
-
 TEST(Graph, aWalkEndsWithTheResultOfItsCallBack)
 {
     Graph graph(4, {{0, 1}, {1, 2}, {2, 3}});
     for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
         VxGraphWalkInit(&graph.graph);
-        int32_t counter = 0, found = -1;
+        int32_t counter = 40, found = -1;
         auto stopAtTwo = [](VxGraph *, int32_t, int32_t to, int32_t, int32_t) { return to == 2 ? 77u : 0u; };
         EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, -1, stopAtTwo, &counter, &found), 77u);
         EXPECT_EQ(found, 0);
         EXPECT_EQ(graph.node(3).number, -1);
+        EXPECT_EQ(counter, mode == postOrder ? 40 : 42) << "numbers go on from the caller's counter";
         VxGraphWalkInit(&graph.graph);
         EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, 2, stopAtTwo, &counter, &found), 77u);
         EXPECT_EQ(found, 1);
     }
-}
-
-TEST(Graph, aRemovedStartHasACodeOfItsOwn)
-{
-    Graph graph(2);
-    VxGraphNodeDel(&graph.graph, 1);
-    int32_t counter = 0, found = -1;
-    for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
-        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 1, -1, nullptr, &counter, &found), 4u);
-        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 2, -1, nullptr, &counter, &found), 1u);
-        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, -1, nullptr, &counter, nullptr), 0u);
-    }
-    EXPECT_EQ(VxGraphWalk(&graph.graph, 3, 0, -1, nullptr, &counter, &found), 1u);
 }
 
 TEST(Graph, anEdgeStandsInTheListsOfTheEndsThatMayFollowIt)
@@ -317,8 +295,29 @@ TEST(Graph, deletionKeepsNumbersAndLeavesGapsInTheLists)
     EXPECT_EQ(graph.node(0).edges, nullptr);
     EXPECT_THAT(graph.incident(1), ElementsAre(-1, -1));
     EXPECT_TRUE(graph.edge(0).removed && graph.edge(3).removed);
+    int32_t counter = 0;
+    for (int32_t mode : {preOrder, postOrder, breadthFirst}) {
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, -1, nullptr, &counter, nullptr), 4u) << "removed";
+        EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 3, -1, nullptr, &counter, nullptr), 1u) << "none";
+    }
     EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 1, 1, nullptr), 1u) << "from a removed node";
     EXPECT_EQ(VxGraphAddEdge(&graph.graph, 1, 0, 0, nullptr), 1u) << "to one that would list it";
+}
+
+TEST(Graph, aListOfEdgesOutgrowsItsFirstSlotsAndMayBeReplaced)
+{
+    Graph graph(3);
+    std::vector<int32_t> all;
+    for (int32_t i = 0; i < 3000; ++i)
+        all.push_back(graph.add(1, i % 3, true));
+    EXPECT_EQ(graph.incident(1), all);
+    VxList *list = graph.node(1).edges;
+    EXPECT_EQ(list->capacity, 3000);
+    EXPECT_EQ(VxListConvert(0, list), 1u) << "its record is part of a larger block";
+    EXPECT_EQ(VxListDel(&graph.node(1).edges), 0u);
+    EXPECT_EQ(VxListMk(2, sizeof(int32_t), 1, 1, nullptr, &graph.node(1).edges), 0u);
+    int32_t edge = graph.add(1, 2);
+    EXPECT_THAT(graph.incident(1), ElementsAre(edge));
 }
 
 using GraphFailures = vx::test::StartedToolkit;

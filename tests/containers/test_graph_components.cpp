@@ -15,9 +15,7 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 using vx::test::Graph;
 using vx::test::Pairs;
 using vx::test::randomPairs;
@@ -56,24 +54,47 @@ Numbers membership(const std::vector<Numbers> &components, int32_t nodes)
     return of;
 }
 
-void expectAgreementWithBoost(int32_t nodes, const Pairs &pairs)
+/** What is left of a graph after removals, as Boost's. Removed nodes stay as nodes without edges. */
+boost::adjacency_list<> theirs(Graph &graph)
 {
-    Graph graph(nodes, pairs);
-    std::vector<Numbers> components = componentsOf(graph.graph);
-    boost::adjacency_list<> theirs(pairs.begin(), pairs.end(), static_cast<size_t>(nodes));
-    Numbers expected(static_cast<size_t>(nodes));
-    auto count = boost::strong_components(theirs, expected.data());
+    boost::adjacency_list<> all(static_cast<size_t>(graph.nodes()));
+    for (int32_t i = 0; i < graph.edges(); ++i) {
+        const VxGraphEdge &edge = graph.edge(i);
+        if (!edge.removed && !graph.node(edge.from).removed && !graph.node(edge.to).removed)
+            add_edge(static_cast<size_t>(edge.from), static_cast<size_t>(edge.to), all);
+    }
+    return all;
+}
 
+void expectAgreementWithBoost(Graph &graph)
+{
+    std::vector<Numbers> components = componentsOf(graph.graph);
+    Numbers expected(static_cast<size_t>(graph.nodes()));
+    int32_t count = boost::strong_components(theirs(graph), expected.data());
+    Numbers of = membership(components, graph.nodes());
+    for (int32_t i = 0; i < graph.nodes(); ++i) {
+        bool removed = graph.node(i).removed;
+        count -= removed;
+        if (removed != (of[static_cast<size_t>(i)] == -1))
+            FAIL() << "node " << i;
+    }
     EXPECT_EQ(static_cast<int32_t>(components.size()), count);
-    Numbers of = membership(components, nodes);
     for (const Numbers &members : components)
         for (int32_t member : members)
             if (expected[static_cast<size_t>(member)] != expected[static_cast<size_t>(members[0])])
                 FAIL() << member << " and " << members[0] << " are not in one component";
-    EXPECT_EQ(std::count(of.begin(), of.end(), -1), 0);
-    for (auto [from, to] : pairs)
-        if (of[static_cast<size_t>(from)] > of[static_cast<size_t>(to)])
-            FAIL() << "an edge leads back: " << from << " to " << to;
+    for (int32_t i = 0; i < graph.edges(); ++i) {
+        int32_t from = of[static_cast<size_t>(graph.edge(i).from)],
+                to = of[static_cast<size_t>(graph.edge(i).to)];
+        if (!graph.edge(i).removed && from != -1 && to != -1 && from > to)
+            FAIL() << "edge " << i << " leads back";
+    }
+}
+
+void expectAgreementWithBoost(int32_t nodes, const Pairs &pairs)
+{
+    Graph graph(nodes, pairs);
+    expectAgreementWithBoost(graph);
 }
 
 /** With the pages that the start of the toolkit sets, without which long lists grow as one block. */
@@ -118,7 +139,7 @@ TEST_F(GraphComponents, ofARingOfAMillionAgreeWithBoost)
     expectAgreementWithBoost(n, ring);
 }
 
-TEST_F(GraphComponents, agreeWithReachabilityWhereNodesAndEdgesWereRemoved)
+TEST_F(GraphComponents, ofWhatRemovalsLeaveAgreeWithBoost)
 {
     unsigned seed = std::random_device()();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -130,29 +151,8 @@ TEST_F(GraphComponents, agreeWithReachabilityWhereNodesAndEdgesWereRemoved)
             if (random() % 6 == 0)
                 VxGraphEdgeDel(&graph.graph, i);
         if (random() % 2)
-            VxGraphNodeDel(&graph.graph, static_cast<int32_t>(random()) % n);
-
-        std::vector<std::vector<bool>> reaches(static_cast<size_t>(n),
-                                               std::vector<bool>(static_cast<size_t>(n)));
-        for (int32_t i = 0; i < graph.edges(); ++i) {
-            const VxGraphEdge &edge = graph.edge(i);
-            if (!edge.removed && !graph.node(edge.from).removed && !graph.node(edge.to).removed)
-                reaches[static_cast<size_t>(edge.from)][static_cast<size_t>(edge.to)] = true;
-        }
-        for (size_t via = 0; via < reaches.size(); ++via)
-            for (auto &row : reaches)
-                if (row[via])
-                    for (size_t to = 0; to < reaches.size(); ++to)
-                        row[to] = row[to] || reaches[via][to];
-
-        Numbers of = membership(componentsOf(graph.graph), n);
-        for (size_t a = 0; a < reaches.size(); ++a) {
-            EXPECT_EQ(of[a] == -1, graph.node(static_cast<int32_t>(a)).removed);
-            for (size_t b = 0; b < reaches.size(); ++b)
-                if (a != b && of[a] != -1 && of[b] != -1) {
-                    EXPECT_EQ(of[a] == of[b], reaches[a][b] && reaches[b][a]) << a << ' ' << b;
-                }
-        }
+            VxGraphNodeDel(&graph.graph, static_cast<int32_t>(random() % 10) % n);
+        expectAgreementWithBoost(graph);
     }
 }
 
@@ -189,11 +189,8 @@ TEST_F(GraphComponents, leaveTheRecordsAsPostOrderWalksDo)
     }
 }
 
-TEST_F(GraphComponents, comeInTheOrderInWhichEdgesLead)
+TEST_F(GraphComponents, ofNoNodesAreNone)
 {
-    Graph graph(6, {{4, 1}, {1, 4}, {1, 2}, {2, 0}, {0, 3}, {3, 2}});
-    EXPECT_THAT(componentsOf(graph.graph),
-                ElementsAre(ElementsAre(5), UnorderedElementsAre(1, 4), UnorderedElementsAre(0, 2, 3)));
     Graph none(0);
     EXPECT_THAT(componentsOf(none.graph), IsEmpty());
 }

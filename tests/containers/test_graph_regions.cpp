@@ -49,27 +49,6 @@ Numbers regionsOf(const VxGraphEdge &edge)
     return {edge.region, edge.region + edge.regionCount};
 }
 
-/**
- * Two squares side by side, and an edge 7 across the left one:
- *
- *     0 -0- 1 -4- 2
- *     |  /  |     |
- *     3  7  1     5
- *     | /   |     |
- *     3 -2- 4 -6- 5
- */
-struct Squares : Graph {
-    int32_t left, right;
-
-    Squares() : Graph(6)
-    {
-        for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 4}, {4, 3}, {3, 0}, {1, 2}, {2, 5}, {5, 4}})
-            add(from, to, false);
-        left = addRegion(*this, {0, 1, 2, 3});
-        right = addRegion(*this, {1, 4, 5, 6});
-    }
-};
-
 }
 
 TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
@@ -111,11 +90,14 @@ TEST(GraphRegions, foundAtTheBorderStayUnlessTheNewLoopIsShorter)
 
 TEST(GraphRegions, withoutACycleOrWithFullEdgesStayAsTheyWere)
 {
-    Squares squares;
-    // All but edge 1 is border, so that the walk closes no cycle.
+    // Two squares side by side, of which all but edge 1 is border: the walk closes no cycle.
+    Graph squares(6);
+    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 4}, {4, 3}, {3, 0}, {1, 2}, {2, 5}, {5, 4}})
+        squares.add(from, to, false);
+    int32_t left = addRegion(squares, {0, 1, 2, 3}), right = addRegion(squares, {1, 4, 5, 6});
     EXPECT_EQ(VxRgnFromNode(&squares.graph, 0), 1u);
-    EXPECT_THAT(regionEdges(squares, squares.left), ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(regionsOf(squares.edge(1)), ElementsAre(squares.left, squares.right));
+    EXPECT_THAT(regionEdges(squares, left), ElementsAre(0, 1, 2, 3));
+    EXPECT_THAT(regionsOf(squares.edge(1)), ElementsAre(left, right));
 
     Graph triangle(6);
     for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {0, 4}})

@@ -55,6 +55,10 @@ void expectSame(const Pair &pair)
     ASSERT_EQ(list->count, model.count());
     ASSERT_EQ(list->capacity, model.capacity);
     ASSERT_EQ(list->pageLevel, model.level);
+    if (model.level > 0) {
+        ASSERT_EQ(std::pair(list->dirSlots, model.level == 1 ? list->perPage : list->perPage2),
+                  std::pair(slots, perPage));
+    }
     ASSERT_EQ(list->increment, model.increment);
     for (int32_t direction = 0; direction < 3; ++direction) {
         VxListIter iter;
