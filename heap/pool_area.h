@@ -3,41 +3,84 @@
 // Areas: free lists over the blocks of their chunks.
 
 #include <cstdint>
+#include <new>
 #include <vector>
 
 #include "heap/pool_block.h"
 #include "vx/pool.h"
+#include "vx/pool.hpp"
 
 namespace vx::heap {
 
+/**
+ * The block of the large list that an area carves small ones from, one after
+ * the other, and how far ahead its bytes are known to be zero. It is only
+ * believed while the block is first of its list and has this payload: whatever
+ * else happened to it has changed the one or the other.
+ */
+struct Carving {
+    Link block = nullLink;
+    int32_t payload = 0;
+    std::byte *zeroTo = nullptr; ///< from behind the block's links
+};
+
 /** What VxHsmArea has no room for. One stands beside each entry of the area table. */
 struct AreaState {
-    uint64_t nonEmpty = 0; ///< bit k: list k has a block
-    uint32_t chunks = 0;   ///< the first of its chunks
-    char name[64] = "";    ///< cut to fit
+    uint64_t mayHave = 0; ///< bit k: list k may have a block; clear: it has none
+    Carving carving;
+    uint32_t chunks = 0;       ///< the first of its chunks
+    int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
+    char name[64] = "";        ///< cut to fit
 
     // While statistics are on.
     int64_t requests = 0, frees = 0;
     int64_t bytes = 0, peakBytes = 0, grossBytes = 0;
 };
 
+#ifdef NDEBUG
+constexpr bool checkedByDefault = false;
+#else
+constexpr bool checkedByDefault = true;
+#endif
+
 /** The manager: the area table is the exported VgAreas and VgNAreas. */
 struct StorageManager {
     bool started = false;
     bool failed = false;
-    bool statistics = false; ///< count what areas hand out
-    bool checking = false;   ///< report misuse to the debugger's output, with the area's name
+    bool statistics = false;            ///< count what areas hand out
+    bool checking = checkedByDefault;   ///< report misuse to the debugger's output, with the area's name
     int32_t maxAlignment = unitBytes;
     int32_t sizeLimit = 16'777'216; ///< kept, without effect
     int32_t pageBytes = 4096;
-    int64_t counters[3] = {}; ///< allocations, frees, refusals
     Link liveBlocks = nullLink; ///< of the tracked area
+    // The pool that was allocated from last: its record is known to be readable.
+    const void *lastPool = nullptr;
+    int32_t lastPoolArea = -1;
     std::vector<AreaState> areas;
 };
-StorageManager &manager();
+
+namespace detail {
+
+/** Built before anything runs, and never destroyed: hosts may free blocks until the very end. */
+template <typename T> union Lasting {
+    T value;
+    constexpr Lasting() : value{} {}
+    ~Lasting() {}
+};
+extern constinit Lasting<StorageManager> storage;
+
+}
+
+inline StorageManager &manager()
+{
+    return detail::storage.value;
+}
 
 /** In use, by its index. */
 bool isArea(int64_t index);
+
+/** Make the table's states as many as its entries, and let links name the lists of all. */
+void placeAreas();
 
 /** Empty lists, a name, no chunk. */
 void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked);
@@ -45,9 +88,19 @@ void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked);
 /** Release every chunk and mark the entry unused. */
 void closeArea(int32_t index);
 
+/** Give back a chunk without a block in use. */
+void dropChunk(int32_t area, uint32_t chunk);
+
 /**
- * A block of `size` bytes, or null for a size below 1 or beyond 31 bits. Its
- * bytes are not cleared.
+ * Let the area have a chunk with a free block, on no list, that a request of
+ * `gross` bytes fits in.
+ * @return the block's link
+ * @throw VX::VxException when there is none to be had
+ */
+Link addChunk(int32_t area, int64_t gross);
+
+/**
+ * A zero-filled block of `size` bytes, or null for a size below 1 or beyond 31 bits.
  * @throw VX::VxException when the area needs a chunk and gets none
  */
 Payload allocate(int32_t area, int64_t size);
@@ -58,7 +111,6 @@ enum class Found { block, notOurs, freeBlock, damaged };
 struct BlockInUse {
     Found found;
     int32_t area = -1;
-    uint32_t chunk = 0;
     int32_t size = 0;    ///< bytes asked for
     int32_t payload = 0; ///< gross bytes less the tags
 };
@@ -66,11 +118,33 @@ struct BlockInUse {
 /** Looks at a pointer without trusting what it points at. */
 BlockInUse inspect(const std::byte *p);
 
-/** Take a block back. What is not a block in use is left alone: false. */
-bool release(Payload p);
+/** The area of a pool's record, or -1 for what is no record of a pool in use. */
+int32_t areaOfPool(const void *pool);
+
+// Only a tracked area and the time that statistics are kept need these.
+void enter(int32_t area, Payload p, Link self, int32_t size, int32_t payload);
+void leave(int32_t area, Payload p, int32_t size, int32_t payload);
 
 /** Tell the debugger's output what is wrong, in checking mode. */
 void complain(int32_t area, const char *what, const void *p);
+
+/** File error 84. @return 1 */
+uint32_t refuse(const char *where);
+
+/** Start the manager unless it runs. */
+bool startManager();
+
+/** Run `body`; what it throws for want of memory becomes `failure`. */
+template <typename Body, typename Result> Result guarded(Result failure, Body body)
+{
+    try {
+        return body();
+    } catch (const VX::VxException &e) {
+        complain(-1, e.what(), nullptr);
+    } catch (const std::bad_alloc &) {
+    }
+    return failure;
+}
 
 /** Walk an area: headers, trailers, merging, links, lists and guards. Null when all is well, else what is not. */
 const char *verifyArea(int32_t area);

@@ -1,6 +1,7 @@
 // A walk over everything an area consists of, for tests and for finding who
 // wrote past the end of a block.
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "heap/pool_area.h"
@@ -44,13 +45,24 @@ const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
     return nullptr;
 }
 
+bool isZeroAhead(const Carving &carving)
+{
+    const std::byte *p = payloadOf(carving.block);
+    if (headerOf(p) != carving.payload)
+        return true; // it is not carved from any more
+    return std::all_of(p + sizeof(FreeLinks), static_cast<const std::byte *>(carving.zeroTo),
+                       [](std::byte b) { return b == std::byte{0}; });
+}
+
 const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
 {
-    Link back = firstHeadLink + static_cast<Link>(area) * headsPerArea + static_cast<Link>(list);
+    Link back = headLink(area, list);
     Link link = VgAreas[area].heads[list].first;
-    bool marked = manager().areas[static_cast<size_t>(area)].nonEmpty >> list & 1;
-    if (marked != (link != nullLink))
-        return "the map of lists is wrong";
+    const AreaState &state = manager().areas[static_cast<size_t>(area)];
+    if (link && !(state.mayHave >> list & 1))
+        return "the map of lists misses one";
+    if (link && link == state.carving.block && !isZeroAhead(state.carving))
+        return "a block that is carved from is not zero where it should be";
     while (link) {
         const std::byte *p = payloadOf(link);
         if (free.erase(p) == 0)
