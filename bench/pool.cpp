@@ -145,7 +145,7 @@ void overhead(benchmark::State &state, size_t n)
 }
 
 const bool registered = [] {
-    for (size_t n : {size_t{10'000}, size_t{300'000}}) {
+    for (size_t n : {size_t{300}, size_t{10'000}, size_t{300'000}}) {
         auto add = [n](const char *work, const char *who, void (*run)(benchmark::State &, size_t)) {
             char name[64];
             std::snprintf(name, sizeof name, "pool %s %zu/%s", work, n, who);

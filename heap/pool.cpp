@@ -54,7 +54,7 @@ void growAreaTable()
     int64_t page = manager().pageBytes;
     int64_t bytes = (2 * int64_t{VgNAreas} * static_cast<int64_t>(sizeof(VxHsmArea)) - 1 + page) / page * page;
     auto count = static_cast<int32_t>(bytes / static_cast<int64_t>(sizeof(VxHsmArea)));
-    manager().areas.reserve(static_cast<size_t>(count));
+    needStates(count);
     void *table = nullptr;
     if (!reserveHeadPages(count) || VxMemAllocNoEmer(static_cast<int32_t>(bytes), &table))
         throw VX::VxException(__LINE__, "src\\heap\\CreateHSMArea");
@@ -125,8 +125,8 @@ bool startManager()
 void resetStorageManager()
 {
     StorageManager &all = manager();
-    for (int32_t i = 0; i < static_cast<int32_t>(all.areas.size()); ++i)
-        if (VgAreas[i].inUse)
+    for (int32_t i = 0; i < VgNAreas; ++i)
+        if (isArea(i))
             closeArea(i);
     endChunks();
     void *table = VgAreas;
@@ -156,6 +156,7 @@ bool VxInitHeapStMgr(void)
     all.pageBytes = static_cast<int32_t>(vx::os::pageSize());
     bool opened = guarded(false, [&] {
         startChunks();
+        needStates(VgNAreas);
         placeAreas();
         return reserveHeadPages(VgNAreas);
     });
@@ -229,16 +230,16 @@ uint32_t VxFreeHpMemPool(void *pool)
 {
     if (pool && pool == VgCurrentPool)
         VgCurrentPool = nullptr;
-    int32_t area = areaOfPool(pool);
-    if (area == notFound)
+    const AreaState *area = areaOfPool(pool);
+    if (!area)
         return 1;
-    closeArea(area);
+    closeArea(area->index);
     return 0;
 }
 
 uint32_t VxSetHpMemPool(void *pool)
 {
-    if (pool && pool != VgCurrentPool && areaOfPool(pool) == notFound)
+    if (pool && pool != VgCurrentPool && !areaOfPool(pool))
         return 1;
     VgCurrentPool = pool;
     return 0;
@@ -253,7 +254,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 {
     if (!usage || !isArea(index))
         return 1;
-    const AreaState &area = manager().areas[static_cast<size_t>(index)];
+    const AreaState &area = stateOf(index);
     *usage = {"", area.requests, area.frees, area.bytes, area.peakBytes, area.grossBytes, 0, 0};
     VxStrCpy(usage->name, area.name, sizeof usage->name);
     for (uint32_t number = area.chunks; number; number = chunkAt(number).next) {

@@ -7,9 +7,7 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "heap/pool_chunks.h"
 #include "platform/os/os.h"
-#include "vx/pool.hpp"
 
 namespace vx::heap {
 
@@ -24,11 +22,6 @@ namespace {
 VxHsmArea &entryOf(int32_t area)
 {
     return VgAreas[area];
-}
-
-AreaState &stateOf(int32_t area)
-{
-    return manager().areas[static_cast<size_t>(area)];
 }
 
 // ---------------------------------------------------------------- live blocks of a tracked area
@@ -57,7 +50,9 @@ void track(Payload p, int32_t payload, Link self)
 
 void untrack(Payload p, int32_t payload)
 {
-    auto [next, previous] = linksOf(trackingOf(p, payload));
+    Payload links = trackingOf(p, payload);
+    Link next = nextOf(links);
+    Link previous = backOf(links);
     if (next)
         setBack(trackingOf(next), previous);
     if (previous)
@@ -73,19 +68,27 @@ int32_t clamped(int64_t value)
     return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
 }
 
-void count(int32_t area, int64_t size, int64_t gross, bool isRequest)
+void count(AreaState &state, int64_t size, int64_t gross, bool isRequest)
 {
-    AreaState &state = stateOf(area);
     (isRequest ? state.requests : state.frees) += 1;
     state.bytes += isRequest ? size : -size;
     state.grossBytes += isRequest ? gross : -gross;
     state.peakBytes = std::max(state.peakBytes, state.bytes);
-    int32_t(&words)[6] = entryOf(area).statistics;
+    int32_t(&words)[6] = entryOf(state.index).statistics;
     words[1] = clamped(state.peakBytes);
     words[2] = clamped(state.bytes);
     words[3] = clamped(state.grossBytes);
     words[4] = clamped(state.requests);
     words[5] = clamped(state.frees);
+}
+
+/** As before anything was in the area. */
+void clearArea(int32_t index)
+{
+    entryOf(index) = VxHsmArea{};
+    stateOf(index) = AreaState{};
+    stateOf(index).heads = payloadOf(headLink(index, 0));
+    stateOf(index).index = index;
 }
 
 }
@@ -96,24 +99,31 @@ bool isArea(int64_t index)
            && VgAreas[index].inUse;
 }
 
+void needStates(int32_t count)
+{
+    auto &areas = manager().areas;
+    while (areas.size() < static_cast<size_t>(count))
+        areas.push_back(std::make_unique<AreaState>());
+}
+
 void placeAreas()
 {
-    manager().areas.resize(static_cast<size_t>(VgNAreas));
-    for (int32_t i = 0; i < VgNAreas; ++i)
+    for (int32_t i = 0; i < VgNAreas; ++i) {
         placeHeads(i, VgAreas[i].heads);
+        stateOf(i).heads = payloadOf(headLink(i, 0));
+    }
 }
 
 void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked)
 {
+    clearArea(index);
     VxHsmArea &entry = entryOf(index);
-    entry = VxHsmArea{};
     entry.index = index;
     entry.storage = static_cast<uint32_t>(index) + 1;
     entry.chunkSize[0] = entry.chunkSize[1] = chunkSize;
     entry.tracked = tracked;
     entry.inUse = 1;
     AreaState &state = stateOf(index);
-    state = AreaState{};
     state.trackingBytes = tracked ? VgTransientTrailerSize : 0;
     std::snprintf(state.name, sizeof state.name, "%s", name);
 }
@@ -125,62 +135,59 @@ void closeArea(int32_t index)
         giveChunk(number);
         number = next;
     }
-    stateOf(index) = AreaState{};
-    entryOf(index) = VxHsmArea{};
+    clearArea(index);
     manager().lastPool = nullptr;
 }
 
-void dropChunk(int32_t area, uint32_t number)
+void dropChunk(const Chunk &chunk)
 {
-    const Chunk &chunk = chunkAt(number);
     if (chunk.next)
         chunkAt(chunk.next).previous = chunk.previous;
     if (chunk.previous)
         chunkAt(chunk.previous).next = chunk.next;
     else
-        stateOf(area).chunks = chunk.next;
-    giveChunk(number);
+        chunk.area->chunks = chunk.next;
+    giveChunk(chunk.number);
     manager().lastPool = nullptr;
 }
 
-Link addChunk(int32_t area, int64_t gross)
+Link addChunk(AreaState &area, int64_t gross)
 {
     uint32_t number = 0;
-    int64_t wanted = std::max<int64_t>(gross, entryOf(area).chunkSize[1] - 2 * wordBytes);
+    int64_t wanted = std::max<int64_t>(gross, entryOf(area.index).chunkSize[1] - 2 * wordBytes);
     if (takeChunk(wanted, area, number) != ChunkCode::done)
         throw VX::VxException(__LINE__, "src\\heap\\VxOsAlloc");
     Chunk &chunk = chunkAt(number);
-    uint32_t &first = stateOf(area).chunks;
-    chunk.next = first;
-    if (first)
-        chunkAt(first).previous = number;
-    first = number;
-    return linkOf(chunk, chunk.firstBlock());
+    chunk.next = area.chunks;
+    if (area.chunks)
+        chunkAt(area.chunks).previous = number;
+    area.chunks = number;
+    return linkOf(chunk, chunk.first);
 }
 
-void enter(int32_t area, Payload p, Link self, int32_t size, int32_t payload)
+void enter(AreaState &area, Payload p, Link self, int32_t size, int32_t payload)
 {
-    if (entryOf(area).tracked)
+    if (area.trackingBytes)
         track(p, payload, self);
     if (manager().statistics)
         count(area, size, int64_t{payload} + tagBytes, true);
 }
 
-void leave(int32_t area, Payload p, int32_t size, int32_t payload)
+void leave(AreaState &area, Payload p, int32_t size, int32_t payload)
 {
-    if (entryOf(area).tracked)
+    if (area.trackingBytes)
         untrack(p, payload);
     if (manager().statistics)
         count(area, size, int64_t{payload} + tagBytes, false);
 }
 
-void complain(int32_t area, const char *what, const void *p)
+void complain(const AreaState *area, const char *what, const void *p)
 {
     if (!manager().checking)
         return;
     char line[192];
     std::snprintf(line, sizeof line, "memory pools: %s: %s (%" PRIxPTR ")\n",
-                  isArea(area) ? stateOf(area).name : "no area", what, reinterpret_cast<uintptr_t>(p));
+                  area ? area->name : "no area", what, reinterpret_cast<uintptr_t>(p));
     os::debuggerOutput(line);
 }
 

@@ -3,10 +3,11 @@
 // Areas: free lists over the blocks of their chunks.
 
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <vector>
 
-#include "heap/pool_block.h"
+#include "heap/pool_chunks.h"
 #include "vx/pool.h"
 #include "vx/pool.hpp"
 
@@ -24,12 +25,14 @@ struct Carving {
     std::byte *zeroTo = nullptr; ///< from behind the block's links
 };
 
-/** What VxHsmArea has no room for. One stands beside each entry of the area table. */
+/** What VxHsmArea has no room for. One goes with each entry of the area table, and keeps its place. */
 struct AreaState {
-    uint64_t mayHave = 0; ///< bit k: list k may have a block; clear: it has none
+    Payload heads = nullptr; ///< those of the entry
+    uint64_t mayHave = 0;    ///< bit k: list k may have a block; clear: it has none
     Carving carving;
-    uint32_t chunks = 0;       ///< the first of its chunks
+    int32_t index = 0;
     int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
+    uint32_t chunks = 0;       ///< the first of its chunks
     char name[64] = "";        ///< cut to fit
 
     // While statistics are on.
@@ -55,8 +58,8 @@ struct StorageManager {
     Link liveBlocks = nullLink; ///< of the tracked area
     // The pool that was allocated from last: its record is known to be readable.
     const void *lastPool = nullptr;
-    int32_t lastPoolArea = -1;
-    std::vector<AreaState> areas;
+    AreaState *lastPoolArea = nullptr;
+    std::vector<std::unique_ptr<AreaState>> areas;
 };
 
 namespace detail {
@@ -76,10 +79,18 @@ inline StorageManager &manager()
     return detail::storage.value;
 }
 
+inline AreaState &stateOf(int32_t area)
+{
+    return *manager().areas[static_cast<size_t>(area)];
+}
+
 /** In use, by its index. */
 bool isArea(int64_t index);
 
-/** Make the table's states as many as its entries, and let links name the lists of all. */
+/** Have states for so many areas. @throw std::bad_alloc */
+void needStates(int32_t count);
+
+/** Let links name the lists of all areas of the table, wherever it is now. */
 void placeAreas();
 
 /** Empty lists, a name, no chunk. */
@@ -89,7 +100,7 @@ void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked);
 void closeArea(int32_t index);
 
 /** Give back a chunk without a block in use. */
-void dropChunk(int32_t area, uint32_t chunk);
+void dropChunk(const Chunk &chunk);
 
 /**
  * Let the area have a chunk with a free block, on no list, that a request of
@@ -97,7 +108,7 @@ void dropChunk(int32_t area, uint32_t chunk);
  * @return the block's link
  * @throw VX::VxException when there is none to be had
  */
-Link addChunk(int32_t area, int64_t gross);
+Link addChunk(AreaState &area, int64_t gross);
 
 /**
  * A zero-filled block of `size` bytes, or null for a size below 1 or beyond 31 bits.
@@ -110,7 +121,7 @@ enum class Found { block, notOurs, freeBlock, damaged };
 
 struct BlockInUse {
     Found found;
-    int32_t area = -1;
+    AreaState *area = nullptr;
     int32_t size = 0;    ///< bytes asked for
     int32_t payload = 0; ///< gross bytes less the tags
 };
@@ -118,15 +129,15 @@ struct BlockInUse {
 /** Looks at a pointer without trusting what it points at. */
 BlockInUse inspect(const std::byte *p);
 
-/** The area of a pool's record, or -1 for what is no record of a pool in use. */
-int32_t areaOfPool(const void *pool);
+/** The area of a pool's record, or null for what is no record of a pool in use. */
+AreaState *areaOfPool(const void *pool);
 
 // Only a tracked area and the time that statistics are kept need these.
-void enter(int32_t area, Payload p, Link self, int32_t size, int32_t payload);
-void leave(int32_t area, Payload p, int32_t size, int32_t payload);
+void enter(AreaState &area, Payload p, Link self, int32_t size, int32_t payload);
+void leave(AreaState &area, Payload p, int32_t size, int32_t payload);
 
 /** Tell the debugger's output what is wrong, in checking mode. */
-void complain(int32_t area, const char *what, const void *p);
+void complain(const AreaState *area, const char *what, const void *p);
 
 /** File error 84. @return 1 */
 uint32_t refuse(const char *where);
@@ -135,12 +146,12 @@ uint32_t refuse(const char *where);
 bool startManager();
 
 /** Run `body`; what it throws for want of memory becomes `failure`. */
-template <typename Body, typename Result> Result guarded(Result failure, Body body)
+template <typename Body, typename Result> [[gnu::always_inline]] inline Result guarded(Result failure, Body body)
 {
     try {
         return body();
     } catch (const VX::VxException &e) {
-        complain(-1, e.what(), nullptr);
+        complain(nullptr, e.what(), nullptr);
     } catch (const std::bad_alloc &) {
     }
     return failure;

@@ -72,8 +72,8 @@ static_assert(grossOf(1) == 16 && grossOf(8) == 16 && grossOf(9) == 24);
 
 constexpr int32_t listOf(int32_t payload)
 {
-    int32_t list = payload / unitBytes;
-    return list < exactLists ? list : largeList;
+    int32_t beyond = static_cast<int32_t>(static_cast<uint32_t>(payload) / unitBytes) - largeList;
+    return largeList + (beyond & beyond >> 31); // the lesser, without a branch
 }
 
 inline int32_t wordAt(const std::byte *at)
@@ -112,11 +112,21 @@ struct FreeLinks {
 };
 static_assert(sizeof(FreeLinks) == minGross - tagBytes);
 
-inline FreeLinks linksOf(const std::byte *p)
+// The links are read one by one, as they are mostly written: a processor waits
+// when it is to read two words at once of which it has just written one.
+
+inline Link nextOf(const std::byte *p)
 {
-    FreeLinks links;
-    std::memcpy(&links, p, sizeof links);
-    return links;
+    Link next;
+    std::memcpy(&next, p + offsetof(FreeLinks, next), sizeof next);
+    return next;
+}
+
+inline Link backOf(const std::byte *p)
+{
+    Link back;
+    std::memcpy(&back, p + offsetof(FreeLinks, back), sizeof back);
+    return back;
 }
 
 inline void setLinks(Payload p, FreeLinks links)

@@ -12,17 +12,14 @@ namespace vx::heap {
 namespace detail {
 
 constinit ChunkTables tables = {};
+constinit Chunk noChunk = {nullptr, minGross}; // nothing may be in it
+constinit std::byte nowhere[4 * unitBytes] = {};
 
 }
 
 namespace {
 
 using namespace detail;
-
-// What null links and absent neighbours stand for: a header before anything,
-// the block at page 0's start, whose link back is written and never read, and
-// noBlock(), which is only read.
-alignas(unitBytes) constinit std::byte nowhere[4 * unitBytes] = {};
 
 uint64_t mebibyteOf(const std::byte *p)
 {
@@ -53,21 +50,22 @@ bool needPlaces(const std::byte *base, int64_t size)
     return true;
 }
 
-/** Enter the chunk's number at the addresses it covers, or with 0 take it out. */
-void setPlaces(const Chunk &chunk, uint32_t number)
+/** Enter the chunk at the addresses it covers, or take it out. */
+void setPlaces(Chunk &chunk, bool entered)
 {
-    uint64_t first = mebibyteOf(chunk.base);
-    uint64_t last = mebibyteOf(chunk.base + chunk.size - 1);
-    placeOf(first).above = number;
-    placeOf(first).split = number ? reinterpret_cast<uintptr_t>(chunk.base) : UINTPTR_MAX;
+    uint64_t first = mebibyteOf(chunk.base());
+    uint64_t last = mebibyteOf(chunk.lastWord());
+    Chunk *found = entered ? &chunk : &noChunk;
+    placeOf(first).above = found;
+    placeOf(first).split = entered ? reinterpret_cast<uintptr_t>(chunk.base()) : UINTPTR_MAX;
     for (uint64_t m = first + 1; m <= last; ++m)
-        placeOf(m).below = number;
+        placeOf(m).below = found;
 }
 
-void setPages(uint32_t number, const Chunk &chunk, std::byte *base)
+void setPages(const Chunk &chunk, std::byte *base)
 {
     for (int64_t at = 0; at < chunk.size; at += mebibyte)
-        tables.pages[number + static_cast<uint32_t>(at / mebibyte)] = base ? base + at : nullptr;
+        tables.pages[chunk.number + static_cast<uint32_t>(at / mebibyte)] = base ? base + at : nullptr;
 }
 
 /** The first of `count` free neighbouring pages, or 0. */
@@ -87,18 +85,18 @@ uint32_t freePages(uint32_t count)
 /** One free block from guard to guard. */
 void format(Chunk &chunk)
 {
-    setWord(chunk.base, guard);
-    setFree(chunk.firstBlock(), chunk.wholePayload());
-    setWord(chunk.base + chunk.size - wordBytes, guard);
+    setWord(chunk.base(), guard);
+    setFree(chunk.first, chunk.wholePayload());
+    setWord(chunk.lastWord(), guard);
 }
 
 void release(uint32_t number)
 {
     Chunk &chunk = chunkAt(number);
-    setPages(number, chunk, nullptr);
+    setPages(chunk, nullptr);
     tables.firstFree = std::min(tables.firstFree, number);
     tables.held -= chunk.size;
-    void *block = chunk.base;
+    void *block = chunk.base();
     VxMemFree(&block);
     chunk = Chunk{};
 }
@@ -138,9 +136,10 @@ ChunkCode take(int64_t size, uint32_t &number)
         return ChunkCode::refused;
     }
     Chunk &chunk = chunkAt(number);
-    chunk.base = base;
+    chunk.first = base + 2 * wordBytes;
     chunk.size = size;
-    setPages(number, chunk, base);
+    chunk.number = number;
+    setPages(chunk, base);
     tables.held += size;
     return ChunkCode::done;
 }
@@ -150,7 +149,7 @@ ChunkCode take(int64_t size, uint32_t &number)
 void startChunks()
 {
     if (!tables.chunks)
-        tables.chunks = new std::vector<Chunk>(1);
+        tables.chunks = new std::deque<Chunk>(1);
     tables.pages[0] = nowhere + unitBytes;
     tables.firstFree = 1;
     tables.headPages = pageCount;
@@ -177,7 +176,7 @@ int64_t chunkBytesHeld()
     return tables.held;
 }
 
-ChunkCode takeChunk(int64_t gross, int32_t area, uint32_t &number)
+ChunkCode takeChunk(int64_t gross, AreaState &area, uint32_t &number)
 {
     int64_t size = (std::max<int64_t>(chunkBytesFor(gross), 1) + mebibyte - 1) / mebibyte * mebibyte;
     if (tables.spare && chunkAt(tables.spare).size == size) {
@@ -186,8 +185,8 @@ ChunkCode takeChunk(int64_t gross, int32_t area, uint32_t &number)
         return code;
     }
     Chunk &chunk = chunkAt(number);
-    chunk.area = area;
-    setPlaces(chunk, number);
+    chunk.area = &area;
+    setPlaces(chunk, true);
     format(chunk);
     return ChunkCode::done;
 }
@@ -197,8 +196,8 @@ void giveChunk(uint32_t number)
     // One ordinary chunk is kept, so that work at the border of a chunk does
     // not take and give it again and again.
     Chunk &chunk = chunkAt(number);
-    setPlaces(chunk, 0);
-    chunk.area = -1;
+    setPlaces(chunk, false);
+    chunk.area = nullptr;
     chunk.next = chunk.previous = 0;
     if (tables.spare || chunk.size != mebibyte)
         release(number);

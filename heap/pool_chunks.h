@@ -3,7 +3,7 @@
 // The layer below the areas: chunks of whole mebibytes from the general
 // allocator, and the translation between addresses and links.
 
-#include <vector>
+#include <deque>
 
 #include "heap/pool_block.h"
 
@@ -12,19 +12,30 @@ namespace vx::heap {
 /** What the layer answers. */
 enum class ChunkCode : int32_t { done = 0, refused = 101, notReleased = 102 };
 
+struct AreaState;
+
 /**
  * One chunk's descriptor. A chunk is as large as it was taken: a whole number
  * of mebibytes. Its number is that of the first page it occupies.
  */
 struct alignas(64) Chunk {
-    std::byte *base = nullptr; ///< null for a descriptor not in use
+    Payload first = nullptr; ///< where the first block's payload is; null for a descriptor not in use
     int64_t size = 0;
-    int32_t area = -1;
+    AreaState *area = nullptr; ///< null while nobody has it
+    uint32_t number = 0;
     uint32_t next = 0, previous = 0; ///< of the same area; 0 ends
 
-    Payload firstBlock() const { return base + 2 * wordBytes; }
-    const std::byte *lastWord() const { return base + size - wordBytes; }
+    std::byte *base() const { return first - 2 * wordBytes; }
+    std::byte *lastWord() const { return base() + size - wordBytes; }
     int32_t wholePayload() const { return static_cast<int32_t>(size - 2 * wordBytes - tagBytes); }
+    /** The most bytes that a block at `p` can have as its payload. */
+    ptrdiff_t roomAt(const std::byte *p) const { return lastWord() - wordBytes - p; }
+    /** Whether `p` is where a block's payload may be. */
+    bool mayHave(const std::byte *p) const
+    {
+        uintptr_t place = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(first);
+        return place < static_cast<uintptr_t>(size) - minGross && place % unitBytes == 0;
+    }
 };
 
 /** Read the cap on the bytes held ("BHSM_PSEUDO_VM_LIMIT") and begin with nothing held. */
@@ -41,7 +52,7 @@ int64_t chunkBytesHeld();
  * between guards, on no list.
  * @param chunk receives its number, above 0
  */
-ChunkCode takeChunk(int64_t gross, int32_t area, uint32_t &chunk);
+ChunkCode takeChunk(int64_t gross, AreaState &area, uint32_t &chunk);
 
 /** Give a chunk back; the layer may keep one for the next request. */
 void giveChunk(uint32_t chunk);
@@ -63,18 +74,20 @@ constexpr int leafBits = 11;
 constexpr size_t leafSize = size_t{1} << leafBits;
 constexpr size_t rootSize = size_t{1} << (addressBits - mebibyteBits - leafBits);
 
-/** The chunks that reach into one mebibyte of addresses; 0 for none. */
+extern constinit Chunk noChunk;
+
+/** The chunks that reach into one mebibyte of addresses. */
 struct Place {
     uintptr_t split = UINTPTR_MAX; ///< where the second begins
-    uint32_t below = 0;            ///< reaches in from below, or covers it
-    uint32_t above = 0;            ///< begins in it
+    Chunk *below = &noChunk;       ///< reaches in from below, or covers it
+    Chunk *above = &noChunk;       ///< begins in it
 };
 
 /** Two large tables of which only what is used takes memory, and little else. */
 struct ChunkTables {
     std::byte *pages[pageCount];
     Place *places[rootSize];
-    std::vector<Chunk> *chunks; ///< by number; number 0 is none
+    std::deque<Chunk> *chunks; ///< by number; number 0 is none
     int64_t held;
     int64_t cap; ///< 0 for none
     uint32_t spare;
@@ -83,6 +96,11 @@ struct ChunkTables {
 };
 extern constinit ChunkTables tables;
 
+// What null links and absent neighbours stand for: a header before anything,
+// the block at page 0's start, whose links are written and never read, and
+// noBlock(), which is only read.
+alignas(unitBytes) extern constinit std::byte nowhere[4 * unitBytes];
+
 }
 
 inline Chunk &chunkAt(uint32_t number)
@@ -90,7 +108,7 @@ inline Chunk &chunkAt(uint32_t number)
     return (*detail::tables.chunks)[number];
 }
 
-/** The chunk that `p` points into, or null. Any pointer may be asked about. */
+/** The chunk that has `p` where a block may be, or null. Any pointer may be asked about. */
 inline Chunk *chunkOf(const std::byte *p)
 {
     using namespace detail;
@@ -99,14 +117,8 @@ inline Chunk *chunkOf(const std::byte *p)
     if (number >> leafBits >= rootSize || !tables.places[number >> leafBits])
         return nullptr;
     const Place &place = tables.places[number >> leafBits][number & (leafSize - 1)];
-    Chunk &chunk = chunkAt(address < place.split ? place.below : place.above);
-    bool inside = address - reinterpret_cast<uintptr_t>(chunk.base) < static_cast<uintptr_t>(chunk.size);
-    return inside ? &chunk : nullptr;
-}
-
-inline uint32_t numberOf(const Chunk &chunk)
-{
-    return static_cast<uint32_t>(&chunk - detail::tables.chunks->data());
+    Chunk *chunk = address < place.split ? place.below : place.above;
+    return chunk->mayHave(p) ? chunk : nullptr;
 }
 
 /** The address that a link names. */
@@ -118,13 +130,13 @@ inline Payload payloadOf(Link link)
 /** The link that names a payload of this chunk. */
 inline Link linkOf(const Chunk &chunk, const std::byte *p)
 {
-    return numberOf(chunk) * unitsPerPage + static_cast<Link>((p - chunk.base) / unitBytes);
+    return chunk.number * unitsPerPage + static_cast<Link>(static_cast<size_t>(p - chunk.base()) / unitBytes);
 }
 
 /** Stands for the neighbour that a block does not have: a free block of no bytes, on no list. */
 inline Payload noBlock()
 {
-    return detail::tables.pages[0] + 2 * unitBytes;
+    return detail::nowhere + 3 * unitBytes;
 }
 
 }
