@@ -259,7 +259,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
     VxStrCpy(usage->name, area.name, sizeof usage->name);
     for (uint32_t number = area.chunks; number; number = chunkAt(number).next) {
         ++usage->chunks;
-        usage->chunkBytes += chunkAt(number).size;
+        usage->chunkBytes += chunkAt(number).size();
     }
     return 0;
 }

@@ -89,6 +89,7 @@ void clearArea(int32_t index)
     stateOf(index) = AreaState{};
     stateOf(index).heads = payloadOf(headLink(index, 0));
     stateOf(index).index = index;
+    stateOf(index).tag = areaTag - index;
 }
 
 }

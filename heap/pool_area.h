@@ -22,6 +22,7 @@ namespace vx::heap {
 struct Carving {
     Link block = nullLink;
     int32_t payload = 0;
+    Payload p = noBlock();         ///< the block's
     std::byte *zeroTo = nullptr; ///< from behind the block's links
 };
 
@@ -31,6 +32,7 @@ struct AreaState {
     uint64_t mayHave = 0;    ///< bit k: list k may have a block; clear: it has none
     Carving carving;
     int32_t index = 0;
+    int32_t tag = areaTag; ///< the trailer of its blocks
     int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
     uint32_t chunks = 0;       ///< the first of its chunks
     char name[64] = "";        ///< cut to fit

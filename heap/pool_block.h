@@ -62,13 +62,12 @@ constexpr int64_t maxRequest = INT32_MAX - 64;
 
 using Payload = std::byte *;
 
-/** Header, payload, padding and trailer for `size` bytes. */
+/** Header, payload, padding and trailer for `size` bytes, which are 1 at least. */
 constexpr int64_t grossOf(int64_t size)
 {
-    int64_t gross = (size + tagBytes + unitBytes - 1) & ~int64_t{unitBytes - 1};
-    return gross < minGross ? minGross : gross;
+    return (size + tagBytes + unitBytes - 1) & ~int64_t{unitBytes - 1};
 }
-static_assert(grossOf(1) == 16 && grossOf(8) == 16 && grossOf(9) == 24);
+static_assert(grossOf(1) == minGross && grossOf(8) == 16 && grossOf(9) == 24);
 
 constexpr int32_t listOf(int32_t payload)
 {
@@ -112,8 +111,15 @@ struct FreeLinks {
 };
 static_assert(sizeof(FreeLinks) == minGross - tagBytes);
 
-// The links are read one by one, as they are mostly written: a processor waits
-// when it is to read two words at once of which it has just written one.
+// The links are mostly read one by one, as they are mostly written: a processor
+// waits when it is to read two words at once of which it has just written one.
+
+inline FreeLinks linksOf(const std::byte *p)
+{
+    FreeLinks links;
+    std::memcpy(&links, p, sizeof links);
+    return links;
+}
 
 inline Link nextOf(const std::byte *p)
 {

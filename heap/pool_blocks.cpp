@@ -20,26 +20,31 @@ constexpr int32_t persistentArea = 1;
 constexpr int32_t noArea = -2;
 constexpr int32_t notFound = -1;
 
+constexpr int32_t recordBytes = sizeof(VxHpPool);
+
 // How many blocks of the large list are looked at for one that fits exactly.
 constexpr int exactTries = 25;
 
-// Bytes zeroed at a time ahead of where an area carves: one call for a dozen blocks.
-constexpr ptrdiff_t zeroAhead = 1024;
+// Bytes zeroed at a time ahead of where an area carves: one call for many blocks.
+constexpr ptrdiff_t zeroAhead = 2048;
 
-/** Zero a whole payload. Their sizes vary, so usual ones do without a branch on the size. */
-inline void zero(Payload p, int32_t payload)
+/** Zero a small payload. Sizes vary, so as many words are written for each as for the usual ones' largest. */
+inline void zeroSmall(Payload p, int32_t payload)
 {
     constexpr int32_t step = 16;
     constexpr int32_t usual = 8 * step;
-    if (payload > usual) {
-        std::memset(p, 0, static_cast<size_t>(payload));
-    } else if (payload < step) {
+    if (payload < step) {
         setLinks(p, {});
-    } else {
-        for (int32_t at = 0; at < usual; at += step)
+        return;
+    }
+    for (int32_t at = 0; at < usual; at += step)
+        std::memset(p + std::min(at, payload - step), 0, step);
+    if (payload > usual) {
+        for (int32_t at = usual; at < 2 * usual + step; at += step)
             std::memset(p + std::min(at, payload - step), 0, step);
     }
 }
+static_assert(leastLarge <= 2 * 128 + 16);
 
 // ---------------------------------------------------------------- lists
 
@@ -130,39 +135,40 @@ inline Chosen fromExactLists(AreaState &area, int32_t payload)
     return {};
 }
 
-/** Zero on from where the area carves: until `needed` at least, never beyond `end`. */
-[[gnu::noinline]] void zeroOn(Carving &carving, std::byte *needed, std::byte *end)
-{
-    std::byte *from = carving.zeroTo;
-    carving.zeroTo = end - from > zeroAhead ? std::max(needed, from + zeroAhead) : end;
-    std::memset(from, 0, static_cast<size_t>(carving.zeroTo - from));
-}
-
-/** The front of the block that was carved from last, zeroed, when it still is the first of the large list. */
+/** The front of the block that was carved from last, which is zero, when it still is the first of the large list. */
 inline Chosen carve(AreaState &area, int32_t payload)
 {
     Carving &carving = area.carving;
     Payload head = headOf(area, largeList);
     Link self = nextOf(head);
-    Payload p = payloadOf(self);
+    Payload p = carving.p;
     int32_t gross = payload + tagBytes;
     int32_t rest = carving.payload - gross;
-    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge)
-        return {};
     Payload behind = p + gross;
-    Link next = nextOf(p);
+    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge
+        || behind + sizeof(FreeLinks) > carving.zeroTo)
+        return {};
+    FreeLinks links = linksOf(p);
     Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
-    if (behind + sizeof(FreeLinks) > carving.zeroTo) [[unlikely]]
-        zeroOn(carving, behind + sizeof(FreeLinks), behind + rest);
     setLinks(p, {});
     setFree(behind, rest);
-    setNext(behind, next);
-    setBack(behind, headLink(area.index, largeList));
-    setBack(payloadOf(next), behindLink);
+    setLinks(behind, links);
+    setBack(payloadOf(links.next), behindLink);
     setNext(head, behindLink);
-    carving.block = behindLink;
-    carving.payload = rest;
+    carving = {behindLink, rest, behind, carving.zeroTo};
     return {p, self};
+}
+
+/** Zero some more of the block that was carved from last. */
+void zeroOn(Carving &carving, int32_t payload)
+{
+    if (!carving.block || headerOf(carving.p) != carving.payload)
+        return;
+    std::byte *from = carving.zeroTo;
+    std::byte *end = carving.p + carving.payload;
+    std::byte *needed = std::min(end, carving.p + payload + tagBytes + sizeof(FreeLinks));
+    carving.zeroTo = end - from > zeroAhead ? std::max(needed, from + zeroAhead) : end;
+    std::memset(from, 0, static_cast<size_t>(carving.zeroTo - from));
 }
 
 bool isFreeBlock(const AreaState &area, const std::byte *p)
@@ -171,7 +177,7 @@ bool isFreeBlock(const AreaState &area, const std::byte *p)
     if (!chunk || chunk->area != &area)
         return false;
     int32_t payload = headerOf(p);
-    return payload > 0 && payload <= chunk->roomAt(p) && wordAt(p + payload) == payload;
+    return payload > 0 && payload <= chunk->first + chunk->span - p && wordAt(p + payload) == payload;
 }
 
 /**
@@ -202,7 +208,7 @@ Link searchLargeList(const AreaState &area, int32_t payload)
 }
 
 /** @throw VX::VxException without a chunk */
-[[gnu::noinline]] Chosen fromLargeList(AreaState &area, int32_t payload)
+Chosen fromLargeList(AreaState &area, int32_t payload)
 {
     Link self = searchLargeList(area, payload);
     int32_t gross = payload + tagBytes;
@@ -221,32 +227,45 @@ Link searchLargeList(const AreaState &area, int32_t payload)
         Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
         pushFree(area, behindLink, behind, rest);
         if (rest >= leastLarge)
-            area.carving = {behindLink, rest, behind + sizeof(FreeLinks)};
+            area.carving = {behindLink, rest, behind, behind + sizeof(FreeLinks)};
     }
     std::memset(p, 0, static_cast<size_t>(payload));
     return {p, self};
 }
 
-inline Chosen choose(AreaState &area, int32_t payload)
+/** A zeroed small block, which needs neither a call nor a search. */
+inline Chosen chooseSmall(AreaState &area, int32_t payload)
+{
+    Chosen chosen = fromExactLists(area, payload);
+    if (!chosen.p)
+        return carve(area, payload);
+    zeroSmall(chosen.p, payload);
+    return chosen;
+}
+
+Chosen choose(AreaState &area, int32_t payload)
 {
     if (payload < leastLarge) {
-        if (Chosen chosen = fromExactLists(area, payload); chosen.p) {
-            zero(chosen.p, payload);
-            return chosen;
-        }
-        if (Chosen chosen = carve(area, payload); chosen.p)
+        zeroOn(area.carving, payload);
+        if (Chosen chosen = chooseSmall(area, payload); chosen.p)
             return chosen;
     }
     return fromLargeList(area, payload);
 }
 
-inline Payload allocateIn(AreaState &area, int64_t size)
+inline Payload use(const AreaState &area, Payload p, int64_t size, int32_t payload)
+{
+    setHeader(p, static_cast<int32_t>(-size));
+    setWord(p + payload, area.tag);
+    return p;
+}
+
+Payload allocateIn(AreaState &area, int64_t size)
 {
     auto payload = static_cast<int32_t>(grossOf(size + area.trackingBytes) - tagBytes);
     auto [p, self] = choose(area, payload);
-    setHeader(p, static_cast<int32_t>(-size));
-    setWord(p + payload, areaTag - area.index);
-    if (manager().statistics || area.trackingBytes) [[unlikely]]
+    use(area, p, size, payload);
+    if (manager().statistics || area.trackingBytes)
         enter(area, p, self, static_cast<int32_t>(size), payload);
     return p;
 }
@@ -271,7 +290,7 @@ uint32_t store(void *block, void **out)
 // ---------------------------------------------------------------- giving back
 
 /** What a pointer is that lies where a block of the chunk may be. */
-inline BlockInUse inspectIn(const Chunk &chunk, const std::byte *p)
+BlockInUse inspectIn(const Chunk &chunk, const std::byte *p)
 {
     BlockInUse block{Found::damaged, chunk.area};
     int64_t header = headerOf(p);
@@ -280,7 +299,7 @@ inline BlockInUse inspectIn(const Chunk &chunk, const std::byte *p)
         return block;
     }
     int64_t payload = grossOf(-header + chunk.area->trackingBytes) - tagBytes;
-    if (payload > chunk.roomAt(p) || wordAt(p + payload) != areaTag - chunk.area->index)
+    if (payload > chunk.first + chunk.span - p || wordAt(p + payload) != chunk.area->tag)
         return block;
     block.found = Found::block;
     block.size = static_cast<int32_t>(-header);
@@ -291,41 +310,77 @@ inline BlockInUse inspectIn(const Chunk &chunk, const std::byte *p)
 /** A free block beside one that is given back, or the block of no bytes. */
 struct Neighbour {
     Payload p;
-    int32_t gross;
+    ptrdiff_t payload;
+    ptrdiff_t gross;
 };
 
 /**
- * The free block at `p` if there is one.
- * @param header   what stands before `p`, when that begins the block
- * @param payload  what one end of the block says it has: above 0 for a free one
- * @param room     it cannot have more
- * @param other    where its other end says how many it has
+ * The free block at `p` if one of its ends says that there is one: `payload`
+ * is above 0, and not above what there is room for. By arithmetic, because a
+ * branch would be a guess.
  */
-template <typename OtherEnd>
-inline Neighbour neighbour(const AreaState &area, Payload p, ptrdiff_t payload, ptrdiff_t room, OtherEnd otherEnd)
+inline Neighbour neighbour(Payload p, ptrdiff_t payload, ptrdiff_t room)
 {
-    // All ones for a free block: arithmetic, because a branch would be a guess.
     ptrdiff_t isFree = ~((payload - 1) >> 63 | (room - payload) >> 63);
-    Payload found = noBlock() + ((p - noBlock()) & isFree);
-    payload &= isFree;
-    if (otherEnd(found, payload) == payload) [[likely]]
-        return {found, static_cast<int32_t>(payload + (tagBytes & isFree))};
-    complain(&area, "a free block is overwritten", p);
-    return {noBlock(), 0};
+    return {noBlock() + ((p - noBlock()) & isFree), payload & isFree, (payload + tagBytes) & isFree};
 }
 
-inline Neighbour following(const Chunk &chunk, Payload p, int32_t payload)
+/** A block of a chunk that is given back, and what is on both sides of it. */
+struct Leaving {
+    const Chunk &chunk;
+    Payload p;
+    ptrdiff_t payload;
+    Neighbour before, after;
+
+    Leaving(const Chunk &chunk_, Payload p_, ptrdiff_t payload_)
+        : chunk(chunk_), p(p_), payload(payload_)
+    {
+        ptrdiff_t place = p - chunk.first;
+        ptrdiff_t has = wordAt(p - tagBytes);
+        before = neighbour(p - tagBytes - has, has, place - tagBytes);
+        Payload next = p + payload + tagBytes;
+        after = neighbour(next, headerOf(next), chunk.span - place - payload - tagBytes);
+    }
+
+    // The other ends of the neighbours must say the same.
+    bool beforeIsSound() const { return headerOf(before.p) == before.payload; }
+    bool afterIsSound() const { return wordAt(after.p + after.payload) == after.payload; }
+};
+
+/** Merge it with its neighbours into one free block; the whole chunk goes back. */
+inline void join(const Leaving &block)
 {
-    Payload next = p + payload + tagBytes;
-    return neighbour(*chunk.area, next, headerOf(next), chunk.roomAt(next),
-                     [](Payload found, ptrdiff_t has) { return wordAt(found + has); });
+    const Chunk &chunk = block.chunk;
+    setHeader(block.p, 0); // when it is merged away it is no block any more
+    unlinkFree(block.after.p);
+    unlinkFree(block.before.p);
+    Payload p = block.p - block.before.gross;
+    ptrdiff_t payload = block.before.gross + block.payload + block.after.gross;
+    if (payload == chunk.span) [[unlikely]]
+        return dropChunk(chunk);
+    pushFree(*chunk.area, linkOf(chunk, p), p, static_cast<int32_t>(payload));
 }
 
-inline Neighbour preceding(const Chunk &chunk, Payload p)
+void leaveOut(const AreaState &area, Neighbour &damaged)
 {
-    ptrdiff_t has = wordAt(p - tagBytes);
-    return neighbour(*chunk.area, p - tagBytes - has, has, p - tagBytes - chunk.first,
-                     [](Payload found, ptrdiff_t) { return headerOf(found); });
+    complain(&area, "a free block is overwritten", damaged.p);
+    damaged = {noBlock(), 0, 0};
+}
+
+/** Whatever may be the matter: no block, a neighbour written over, somebody counting. */
+void giveBack(Payload p)
+{
+    const Chunk *chunk = chunkOf(p);
+    BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
+    if (found.found != Found::block)
+        return complain(found.area, found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
+    leave(*found.area, p, found.size, found.payload);
+    Leaving block(*chunk, p, found.payload);
+    if (!block.beforeIsSound())
+        leaveOut(*found.area, block.before);
+    if (!block.afterIsSound())
+        leaveOut(*found.area, block.after);
+    join(block);
 }
 
 }
@@ -343,20 +398,14 @@ BlockInUse inspect(const std::byte *p)
 
 AreaState *areaOfPool(const void *pool)
 {
-    constexpr int32_t recordBytes = sizeof(VxHpPool);
     auto p = static_cast<const std::byte *>(pool);
     auto record = static_cast<const VxHpPool *>(pool);
-    StorageManager &all = manager();
-    if (!p)
-        return nullptr;
-    if (p == all.lastPool && headerOf(p) == -recordBytes && record->area == all.lastPoolArea->index) [[likely]]
-        return all.lastPoolArea;
-    BlockInUse block = inspect(p);
+    BlockInUse block = p ? inspect(p) : BlockInUse{Found::notOurs};
     if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea
         || record->area != block.area->index)
         return nullptr;
-    all.lastPool = pool;
-    all.lastPoolArea = block.area;
+    manager().lastPool = pool;
+    manager().lastPoolArea = block.area;
     return block.area;
 }
 
@@ -374,6 +423,16 @@ int32_t AskHeapSMemArea(const void *block)
 
 void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
 {
+    // A small block of the same pool as last time, while nobody counts.
+    const StorageManager &all = manager();
+    int64_t bytes = int64_t{count} * size;
+    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes && !all.statistics
+        && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
+        AreaState &area = *all.lastPoolArea;
+        auto payload = static_cast<int32_t>(grossOf(bytes) - tagBytes);
+        if (Payload p = chooseSmall(area, payload).p) [[likely]]
+            return use(area, p, bytes, payload);
+    }
     if (pool)
         return allocateOrRefuse(areaOfPool(pool), count, size, "VxAlocHpMemPool");
     void *block = nullptr;
@@ -403,23 +462,17 @@ void VxDeleteMemObj(void *block)
 {
     if (!block)
         return;
+    // A block without anything that needs a word, like nearly all.
     auto p = static_cast<Payload>(block);
-    const Chunk *chunk = chunkOf(p);
-    BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
-    if (found.found != Found::block) [[unlikely]]
-        return complain(found.area, found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
-    if (manager().statistics || found.area->trackingBytes) [[unlikely]]
-        leave(*found.area, p, found.size, found.payload);
-
-    setHeader(p, 0); // when it is merged away it is no block any more
-    Neighbour after = following(*chunk, p, found.payload);
-    Neighbour before = preceding(*chunk, p);
-    unlinkFree(after.p);
-    unlinkFree(before.p);
-    p -= before.gross;
-    int32_t payload = before.gross + found.payload + after.gross;
-    if (payload == chunk->wholePayload()) [[unlikely]]
-        dropChunk(*chunk);
-    else
-        pushFree(*found.area, linkOf(*chunk, p), p, payload);
+    if (const Chunk *chunk = chunkOf(p); chunk && headerOf(p) < 0 && !manager().statistics) [[likely]] {
+        const AreaState &area = *chunk->area;
+        ptrdiff_t payload = grossOf(-int64_t{headerOf(p)}) - tagBytes;
+        if (payload <= chunk->first + chunk->span - p && wordAt(p + payload) == area.tag && !area.trackingBytes)
+            [[likely]] {
+            Leaving leaving(*chunk, p, payload);
+            if (leaving.beforeIsSound() && leaving.afterIsSound()) [[likely]]
+                return join(leaving);
+        }
+    }
+    giveBack(p);
 }

@@ -12,7 +12,7 @@ namespace vx::heap {
 namespace detail {
 
 constinit ChunkTables tables = {};
-constinit Chunk noChunk = {nullptr, minGross}; // nothing may be in it
+constinit Chunk noChunk = {}; // nothing may be in it
 constinit std::byte nowhere[4 * unitBytes] = {};
 
 }
@@ -64,7 +64,7 @@ void setPlaces(Chunk &chunk, bool entered)
 
 void setPages(const Chunk &chunk, std::byte *base)
 {
-    for (int64_t at = 0; at < chunk.size; at += mebibyte)
+    for (int64_t at = 0; at < chunk.size(); at += mebibyte)
         tables.pages[chunk.number + static_cast<uint32_t>(at / mebibyte)] = base ? base + at : nullptr;
 }
 
@@ -86,7 +86,7 @@ uint32_t freePages(uint32_t count)
 void format(Chunk &chunk)
 {
     setWord(chunk.base(), guard);
-    setFree(chunk.first, chunk.wholePayload());
+    setFree(chunk.first, static_cast<int32_t>(chunk.span));
     setWord(chunk.lastWord(), guard);
 }
 
@@ -95,7 +95,7 @@ void release(uint32_t number)
     Chunk &chunk = chunkAt(number);
     setPages(chunk, nullptr);
     tables.firstFree = std::min(tables.firstFree, number);
-    tables.held -= chunk.size;
+    tables.held -= chunk.size();
     void *block = chunk.base();
     VxMemFree(&block);
     chunk = Chunk{};
@@ -137,7 +137,7 @@ ChunkCode take(int64_t size, uint32_t &number)
     }
     Chunk &chunk = chunkAt(number);
     chunk.first = base + 2 * wordBytes;
-    chunk.size = size;
+    chunk.span = size - Chunk::outsideBytes;
     chunk.number = number;
     setPages(chunk, base);
     tables.held += size;
@@ -179,7 +179,7 @@ int64_t chunkBytesHeld()
 ChunkCode takeChunk(int64_t gross, AreaState &area, uint32_t &number)
 {
     int64_t size = (std::max<int64_t>(chunkBytesFor(gross), 1) + mebibyte - 1) / mebibyte * mebibyte;
-    if (tables.spare && chunkAt(tables.spare).size == size) {
+    if (tables.spare && chunkAt(tables.spare).size() == size) {
         number = std::exchange(tables.spare, 0u);
     } else if (ChunkCode code = take(size, number); code != ChunkCode::done) {
         return code;
@@ -199,7 +199,7 @@ void giveChunk(uint32_t number)
     setPlaces(chunk, false);
     chunk.area = nullptr;
     chunk.next = chunk.previous = 0;
-    if (tables.spare || chunk.size != mebibyte)
+    if (tables.spare || chunk.size() != mebibyte)
         release(number);
     else
         tables.spare = number;

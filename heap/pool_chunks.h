@@ -20,22 +20,22 @@ struct AreaState;
  */
 struct alignas(64) Chunk {
     Payload first = nullptr; ///< where the first block's payload is; null for a descriptor not in use
-    int64_t size = 0;
+    ptrdiff_t span = 0;      ///< bytes of the payload that a block from guard to guard has
     AreaState *area = nullptr; ///< null while nobody has it
     uint32_t number = 0;
     uint32_t next = 0, previous = 0; ///< of the same area; 0 ends
 
+    int64_t size() const { return span + outsideBytes; }
     std::byte *base() const { return first - 2 * wordBytes; }
-    std::byte *lastWord() const { return base() + size - wordBytes; }
-    int32_t wholePayload() const { return static_cast<int32_t>(size - 2 * wordBytes - tagBytes); }
-    /** The most bytes that a block at `p` can have as its payload. */
-    ptrdiff_t roomAt(const std::byte *p) const { return lastWord() - wordBytes - p; }
+    std::byte *lastWord() const { return first + span + wordBytes; }
     /** Whether `p` is where a block's payload may be. */
     bool mayHave(const std::byte *p) const
     {
         uintptr_t place = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(first);
-        return place < static_cast<uintptr_t>(size) - minGross && place % unitBytes == 0;
+        return place < static_cast<uintptr_t>(span) && place % unitBytes == 0;
     }
+
+    static constexpr int64_t outsideBytes = 2 * wordBytes + tagBytes; ///< guards and tags
 };
 
 /** Read the cap on the bytes held ("BHSM_PSEUDO_VM_LIMIT") and begin with nothing held. */

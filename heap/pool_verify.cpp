@@ -20,7 +20,7 @@ const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
     if (wordAt(chunk.base()) != guard || wordAt(chunk.lastWord()) != guard)
         return "a guard is overwritten";
     bool previousIsFree = false;
-    const std::byte *end = chunk.base() + chunk.size;
+    const std::byte *end = chunk.lastWord() + wordBytes;
     for (const std::byte *p = chunk.first; p != end;) {
         if (p > end)
             return "blocks do not end with their chunk";
