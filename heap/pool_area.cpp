@@ -131,6 +131,7 @@ void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked)
 
 void closeArea(int32_t index)
 {
+    mergeWaiting();
     for (uint32_t number = stateOf(index).chunks; number;) {
         uint32_t next = chunkAt(number).next;
         giveChunk(number);
@@ -148,6 +149,7 @@ void dropChunk(const Chunk &chunk)
         chunkAt(chunk.previous).next = chunk.next;
     else
         chunk.area->chunks = chunk.next;
+    --chunk.area->chunkCount;
     giveChunk(chunk.number);
     manager().lastPool = nullptr;
 }
@@ -163,6 +165,7 @@ Link addChunk(AreaState &area, int64_t gross)
     if (area.chunks)
         chunkAt(area.chunks).previous = number;
     area.chunks = number;
+    ++area.chunkCount;
     return linkOf(chunk, chunk.first);
 }
 

@@ -35,6 +35,7 @@ struct AreaState {
     int32_t tag = areaTag; ///< the trailer of its blocks
     int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
     uint32_t chunks = 0;       ///< the first of its chunks
+    uint32_t chunkCount = 0;
     char name[64] = "";        ///< cut to fit
 
     // While statistics are on.
@@ -47,6 +48,17 @@ constexpr bool checkedByDefault = false;
 #else
 constexpr bool checkedByDefault = true;
 #endif
+
+/**
+ * Blocks of large areas that were given back and are not yet merged. Such
+ * blocks and their neighbours are seldom near the processor; a group of them
+ * is fetched together, and then waits for memory about once.
+ */
+struct Waiting {
+    static constexpr uint32_t room = 32;
+    Payload blocks[room] = {};
+    uint32_t count = 0;
+};
 
 /** The manager: the area table is the exported VgAreas and VgNAreas. */
 struct StorageManager {
@@ -61,6 +73,7 @@ struct StorageManager {
     // The pool that was allocated from last: its record is known to be readable.
     const void *lastPool = nullptr;
     AreaState *lastPoolArea = nullptr;
+    Waiting waiting;
     std::vector<std::unique_ptr<AreaState>> areas;
 };
 
@@ -130,6 +143,9 @@ struct BlockInUse {
 
 /** Looks at a pointer without trusting what it points at. */
 BlockInUse inspect(const std::byte *p);
+
+/** Merge the blocks that wait for it. */
+void mergeWaiting();
 
 /** The area of a pool's record, or null for what is no record of a pool in use. */
 AreaState *areaOfPool(const void *pool);

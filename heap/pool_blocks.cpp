@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "heap/pool_area.h"
 #include "vx/pool.h"
@@ -19,6 +20,9 @@ namespace {
 constexpr int32_t persistentArea = 1;
 constexpr int32_t noArea = -2;
 constexpr int32_t notFound = -1;
+
+// An area of so many chunks does not fit near the processor.
+constexpr uint32_t manyChunks = 4;
 
 constexpr int32_t recordBytes = sizeof(VxHpPool);
 
@@ -37,15 +41,13 @@ inline void zeroSmall(Payload p, int32_t payload)
         setLinks(p, {});
         return;
     }
+    int32_t last = payload - step;
+#pragma GCC unroll 8
     for (int32_t at = 0; at < usual; at += step)
-        std::memset(p + std::min(at, payload - step), 0, step);
-    if (payload > usual) {
-        for (int32_t at = usual; at < 2 * usual + step; at += step)
-            std::memset(p + std::min(at, payload - step), 0, step);
-    }
+        std::memset(p + std::min(at, last), 0, step);
+    for (int32_t at = usual; at < payload; at += step)
+        std::memset(p + std::min(at, last), 0, step);
 }
-static_assert(leastLarge <= 2 * 128 + 16);
-
 // ---------------------------------------------------------------- lists
 
 // A list's head begins with a link to its first block, as a free block does
@@ -113,6 +115,7 @@ inline Chosen takeFirst(AreaState &area, int32_t list, int32_t payload)
     Link next = nextOf(p);
     setNext(head, next);
     setBack(payloadOf(next), headLink(area.index, list));
+    area.mayHave &= ~(uint64_t{next == nullLink} << list);
     int32_t gross = payload + tagBytes;
     if (int32_t rest = list * unitBytes - gross; rest > 0)
         pushFree(area, self + static_cast<uint32_t>(gross) / unitBytes, p + gross, rest);
@@ -121,14 +124,13 @@ inline Chosen takeFirst(AreaState &area, int32_t list, int32_t payload)
 
 inline Chosen fromExactLists(AreaState &area, int32_t payload)
 {
-    int32_t k = listOf(payload);
-    if (Chosen chosen = takeFirst(area, k, payload); chosen.p)
-        return chosen;
-    // The remainder of a block one unit larger could not be a block.
     constexpr uint64_t exact = (uint64_t{1} << exactLists) - 1;
-    for (uint64_t larger = area.mayHave & exact & ~uint64_t{0} << (k + 2); larger; larger &= larger - 1) {
-        int32_t list = std::countr_zero(larger);
-        if (Chosen chosen = takeFirst(area, list, payload); chosen.p)
+    // Its own list or one from the next but one on: the remainder of a block
+    // one unit larger could not be a block.
+    uint32_t k = static_cast<uint32_t>(payload) / unitBytes;
+    while (uint64_t fits = (area.mayHave & exact) >> k & ~uint64_t{2}) {
+        auto list = static_cast<int32_t>(k) + std::countr_zero(fits);
+        if (Chosen chosen = takeFirst(area, list, payload); chosen.p) [[likely]]
             return chosen;
         area.mayHave &= ~(uint64_t{1} << list);
     }
@@ -281,6 +283,16 @@ Payload allocateIn(AreaState &area, int64_t size)
     return refuse(where), nullptr;
 }
 
+/** Whatever may be the matter: another pool, none, a large block, nothing left, somebody counting. */
+[[gnu::noinline]] void *allocateFrom(void *pool, int32_t count, int32_t size)
+{
+    if (pool)
+        return allocateOrRefuse(areaOfPool(pool), count, size, "VxAlocHpMemPool");
+    void *block = nullptr;
+    VxAlocPersHpMem(count, size, &block);
+    return block;
+}
+
 uint32_t store(void *block, void **out)
 {
     *out = block;
@@ -367,9 +379,27 @@ void leaveOut(const AreaState &area, Neighbour &damaged)
     damaged = {noBlock(), 0, 0};
 }
 
-/** Whatever may be the matter: no block, a neighbour written over, somebody counting. */
-void giveBack(Payload p)
+/** Fetch what merging a block will write to. What is no block is found out later. */
+inline void fetchAround(Payload p)
 {
+    const Chunk *chunk = chunkOf(p);
+    if (!chunk || headerOf(p) >= 0)
+        return;
+    ptrdiff_t payload = grossOf(-int64_t{headerOf(p)}) - tagBytes;
+    if (payload > chunk->first + chunk->span - p)
+        return;
+    Leaving block(*chunk, p, payload);
+    for (const Neighbour &free : {block.before, block.after}) {
+        __builtin_prefetch(payloadOf(nextOf(free.p)), 1);
+        __builtin_prefetch(payloadOf(backOf(free.p)), 1);
+        __builtin_prefetch(free.p + free.payload, 1);
+    }
+}
+
+/** Whatever may be the matter: no block, a neighbour written over, somebody counting. */
+[[gnu::noinline]] void giveBack(Payload p)
+{
+    mergeWaiting();
     const Chunk *chunk = chunkOf(p);
     BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
     if (found.found != Found::block)
@@ -383,6 +413,37 @@ void giveBack(Payload p)
     join(block);
 }
 
+/** A block without anything that needs a word, like nearly all. */
+inline void mergeNow(const Chunk &chunk, Payload p)
+{
+    if (int32_t header = headerOf(p); header < 0) [[likely]] {
+        ptrdiff_t payload = grossOf(-int64_t{header}) - tagBytes;
+        const AreaState &area = *chunk.area;
+        if (payload <= chunk.first + chunk.span - p && wordAt(p + payload) == area.tag && !area.trackingBytes)
+            [[likely]] {
+            Leaving leaving(chunk, p, payload);
+            if (leaving.beforeIsSound() && leaving.afterIsSound()) [[likely]]
+                return join(leaving);
+        }
+    }
+    giveBack(p);
+}
+
+}
+
+void mergeWaiting()
+{
+    Waiting &waiting = manager().waiting;
+    uint32_t count = std::exchange(waiting.count, 0u);
+    for (uint32_t i = 0; i < count; ++i)
+        fetchAround(waiting.blocks[i]);
+    for (uint32_t i = 0; i < count; ++i) {
+        Payload p = waiting.blocks[i];
+        if (const Chunk *chunk = chunkOf(p))
+            mergeNow(*chunk, p);
+        else
+            giveBack(p);
+    }
 }
 
 Payload allocate(int32_t area, int64_t size)
@@ -392,6 +453,7 @@ Payload allocate(int32_t area, int64_t size)
 
 BlockInUse inspect(const std::byte *p)
 {
+    mergeWaiting();
     const Chunk *chunk = chunkOf(p);
     return chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
 }
@@ -433,11 +495,7 @@ void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
         if (Payload p = chooseSmall(area, payload).p) [[likely]]
             return use(area, p, bytes, payload);
     }
-    if (pool)
-        return allocateOrRefuse(areaOfPool(pool), count, size, "VxAlocHpMemPool");
-    void *block = nullptr;
-    VxAlocPersHpMem(count, size, &block);
-    return block;
+    return allocateFrom(pool, count, size);
 }
 
 uint32_t VxAlocPersHpMem(int32_t count, int32_t size, void **block)
@@ -462,17 +520,17 @@ void VxDeleteMemObj(void *block)
 {
     if (!block)
         return;
-    // A block without anything that needs a word, like nearly all.
     auto p = static_cast<Payload>(block);
-    if (const Chunk *chunk = chunkOf(p); chunk && headerOf(p) < 0 && !manager().statistics) [[likely]] {
-        const AreaState &area = *chunk->area;
-        ptrdiff_t payload = grossOf(-int64_t{headerOf(p)}) - tagBytes;
-        if (payload <= chunk->first + chunk->span - p && wordAt(p + payload) == area.tag && !area.trackingBytes)
-            [[likely]] {
-            Leaving leaving(*chunk, p, payload);
-            if (leaving.beforeIsSound() && leaving.afterIsSound()) [[likely]]
-                return join(leaving);
-        }
-    }
-    giveBack(p);
+    StorageManager &all = manager();
+    const Chunk *chunk = chunkOf(p);
+    if (!chunk || all.statistics) [[unlikely]]
+        return giveBack(p);
+    if (chunk->area->chunkCount < manyChunks || all.checking)
+        return mergeNow(*chunk, p);
+    __builtin_prefetch(p - tagBytes, 1);
+    __builtin_prefetch(p + 56, 1);
+    Waiting &waiting = all.waiting;
+    waiting.blocks[waiting.count++] = p;
+    if (waiting.count == Waiting::room)
+        mergeWaiting();
 }
