@@ -4,6 +4,7 @@
 // have them. Every block is zero-filled, which is part of what pools promise.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,19 +12,40 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+#include <dlfcn.h>
 #include <mimalloc.h>
 
 #include "vx/pool.h"
 
 namespace {
 
+/**
+ * mimalloc's functions. Linked, its library would take malloc's place for
+ * everybody in the program; opened like this it keeps to itself.
+ */
+struct Mimalloc {
+    template <typename Function> static Function *find(const char *name)
+    {
+        static void *library = dlopen(VX_BENCH_MIMALLOC, RTLD_NOW | RTLD_LOCAL);
+        void *found = library ? dlsym(library, name) : nullptr;
+        if (!found)
+            std::abort();
+        return reinterpret_cast<Function *>(found);
+    }
+
+    decltype(mi_heap_new) *create = find<decltype(mi_heap_new)>("mi_heap_new");
+    decltype(mi_heap_zalloc) *allocate = find<decltype(mi_heap_zalloc)>("mi_heap_zalloc");
+    decltype(mi_heap_destroy) *destroy = find<decltype(mi_heap_destroy)>("mi_heap_destroy");
+};
+
+/** Many small ones and few large ones, whole units of 8 bytes as records with pointers and doubles are. */
 std::vector<int32_t> sizes(size_t n)
 {
     std::mt19937 random(1);
-    std::exponential_distribution<double> distribution(1.0 / 57);
+    std::exponential_distribution<double> units(1.0 / 7.5);
     std::vector<int32_t> out(n);
     for (int32_t &size : out)
-        size = std::min(16 + static_cast<int32_t>(distribution(random)), 512);
+        size = 8 * std::min(2 + static_cast<int32_t>(units(random)), 64);
     return out;
 }
 
@@ -95,11 +117,12 @@ void discardPool(benchmark::State &state, size_t n)
 void discardMimalloc(benchmark::State &state, size_t n)
 {
     auto size = sizes(n);
+    Mimalloc mimalloc;
     for (auto _ : state) {
-        mi_heap_t *heap = mi_heap_new();
+        mi_heap_t *heap = mimalloc.create();
         for (int32_t bytes : size)
-            benchmark::DoNotOptimize(mi_heap_zalloc(heap, static_cast<size_t>(bytes)));
-        mi_heap_destroy(heap);
+            benchmark::DoNotOptimize(mimalloc.allocate(heap, static_cast<size_t>(bytes)));
+        mimalloc.destroy(heap);
     }
 }
 
@@ -122,7 +145,7 @@ void overhead(benchmark::State &state, size_t n)
 }
 
 const bool registered = [] {
-    for (size_t n : {size_t{10'000}, size_t{300'000}}) {
+    for (size_t n : {size_t{300}, size_t{10'000}, size_t{300'000}}) {
         auto add = [n](const char *work, const char *who, void (*run)(benchmark::State &, size_t)) {
             char name[64];
             std::snprintf(name, sizeof name, "pool %s %zu/%s", work, n, who);

@@ -40,24 +40,6 @@ constexpr int32_t errorPool = 84;
 constexpr int32_t minPoolKilobytes = 8;
 constexpr int32_t defaultPoolSize = -757; ///< a request for the smallest chunks, like any below 8
 
-uint32_t refuse(const char *where)
-{
-    VxErrLogNum(VxToolsErrID(), errorPool, where, 0);
-    return 1;
-}
-
-/** Run `body`; what it throws for want of memory becomes `failure`. */
-template <typename Body, typename Result> Result guarded(Result failure, Body body)
-{
-    try {
-        return body();
-    } catch (const VX::VxException &e) {
-        complain(notFound, e.what(), nullptr);
-    } catch (const std::bad_alloc &) {
-    }
-    return failure;
-}
-
 /** Chunk sizes are whole pages; a size that no 32 bits hold is the largest that they do. */
 int32_t wholePages(int32_t bytes)
 {
@@ -66,30 +48,24 @@ int32_t wholePages(int32_t bytes)
     return static_cast<int32_t>(std::min<int64_t>(pages, INT32_MAX / page * page));
 }
 
-bool startManager()
-{
-    return AskHeapStMgrStatus() || VxInitHeapStMgr();
-}
-
 /** Twice the table, in whole pages. */
 void growAreaTable()
 {
     int64_t page = manager().pageBytes;
     int64_t bytes = (2 * int64_t{VgNAreas} * static_cast<int64_t>(sizeof(VxHsmArea)) - 1 + page) / page * page;
     auto count = static_cast<int32_t>(bytes / static_cast<int64_t>(sizeof(VxHsmArea)));
-    manager().areas.reserve(static_cast<size_t>(count));
+    needStates(count);
     void *table = nullptr;
-    if (count > static_cast<int32_t>(maxAreas) || VxMemAllocNoEmer(static_cast<int32_t>(bytes), &table))
+    if (!reserveHeadPages(count) || VxMemAllocNoEmer(static_cast<int32_t>(bytes), &table))
         throw VX::VxException(__LINE__, "src\\heap\\CreateHSMArea");
     std::memset(table, 0, static_cast<size_t>(bytes));
     std::memcpy(table, VgAreas, static_cast<size_t>(VgNAreas) * sizeof(VxHsmArea));
     void *old = VgAreas;
     if (VgAreas != VgInitialAreas)
         VxMemFree(&old);
-    // Free blocks name list heads by area and list, so none has to be told.
     VgAreas = static_cast<VxHsmArea *>(table);
     VgNAreas = count;
-    manager().areas.resize(static_cast<size_t>(count));
+    placeAreas(); // free blocks name list heads by area and list, so none has to be told
 }
 
 int32_t unusedArea()
@@ -100,38 +76,6 @@ int32_t unusedArea()
     int32_t first = VgNAreas;
     growAreaTable();
     return first;
-}
-
-/** A zero-filled block of an area, or null with error 84. */
-void *allocateZeroed(int32_t area, int32_t count, int32_t size, const char *where)
-{
-    int64_t bytes = int64_t{count} * size;
-    Payload p = nullptr;
-    if (count > 0 && size > 0 && isArea(area) && area != transientArea)
-        p = guarded(Payload{}, [&] { return allocate(area, bytes); });
-    if (!p)
-        return refuse(where), nullptr;
-    std::memset(p, 0, static_cast<size_t>(bytes));
-    return p;
-}
-
-uint32_t store(void *block, void **out)
-{
-    *out = block;
-    return block ? 0 : 1;
-}
-
-/** The record that a host holds, or null when it is none of a pool in use. */
-VxHpPool *poolOf(void *pool)
-{
-    auto p = static_cast<const std::byte *>(pool);
-    if (!p)
-        return nullptr;
-    BlockInUse block = inspect(p);
-    auto record = static_cast<VxHpPool *>(pool);
-    bool good = block.found == Found::block && block.size == sizeof(VxHpPool) && block.area >= initialAreas
-                && record->area == block.area;
-    return good ? record : nullptr;
 }
 
 char *copyInto(int32_t area, const char *text)
@@ -167,11 +111,22 @@ bool alignmentIsMet()
 
 }
 
+uint32_t refuse(const char *where)
+{
+    VxErrLogNum(VxToolsErrID(), errorPool, where, 0);
+    return 1;
+}
+
+bool startManager()
+{
+    return manager().started || VxInitHeapStMgr();
+}
+
 void resetStorageManager()
 {
     StorageManager &all = manager();
-    for (int32_t i = 0; i < static_cast<int32_t>(all.areas.size()); ++i)
-        if (VgAreas[i].inUse)
+    for (int32_t i = 0; i < VgNAreas; ++i)
+        if (isArea(i))
             closeArea(i);
     endChunks();
     void *table = VgAreas;
@@ -200,9 +155,10 @@ bool VxInitHeapStMgr(void)
         return false;
     all.pageBytes = static_cast<int32_t>(vx::os::pageSize());
     bool opened = guarded(false, [&] {
-        all.areas.resize(static_cast<size_t>(VgNAreas));
         startChunks();
-        return true;
+        needStates(VgNAreas);
+        placeAreas();
+        return reserveHeadPages(VgNAreas);
     });
     if (!opened) {
         all.failed = true;
@@ -247,14 +203,6 @@ int32_t FindNextHSMArea(int32_t index)
     return noArea;
 }
 
-int32_t AskHeapSMemArea(const void *block)
-{
-    if (!block)
-        return noArea;
-    BlockInUse found = inspect(static_cast<const std::byte *>(block));
-    return found.found == Found::block ? found.area : notFound;
-}
-
 int32_t VxCreHpMemPool(int32_t kilobytes, const char *name, int32_t flags, const char *description, void **pool)
 {
     if (!pool)
@@ -282,16 +230,16 @@ uint32_t VxFreeHpMemPool(void *pool)
 {
     if (pool && pool == VgCurrentPool)
         VgCurrentPool = nullptr;
-    const VxHpPool *record = poolOf(pool);
-    if (!record)
+    const AreaState *area = areaOfPool(pool);
+    if (!area)
         return 1;
-    closeArea(record->area);
+    closeArea(area->index);
     return 0;
 }
 
 uint32_t VxSetHpMemPool(void *pool)
 {
-    if (pool && pool != VgCurrentPool && !poolOf(pool))
+    if (pool && pool != VgCurrentPool && !areaOfPool(pool))
         return 1;
     VgCurrentPool = pool;
     return 0;
@@ -302,49 +250,16 @@ void *VxPoolGetCrnt(void)
     return VgCurrentPool;
 }
 
-void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
-{
-    if (!pool) {
-        void *block = nullptr;
-        VxAlocPersHpMem(count, size, &block);
-        return block;
-    }
-    const VxHpPool *record = poolOf(pool);
-    return allocateZeroed(record ? record->area : notFound, count, size, "VxAlocHpMemPool");
-}
-
-uint32_t VxAlocPersHpMem(int32_t count, int32_t size, void **block)
-{
-    if (!block || !startManager())
-        return refuse("VxAlocPersHpMem");
-    return store(allocateZeroed(persistentArea, count, size, "VxAlocPersHpMem"), block);
-}
-
-uint32_t VxAlocSameMPool(const void *neighbour, int32_t count, int32_t size, void **block)
-{
-    if (!block)
-        return refuse("VxAlocSameMPool");
-    if (!neighbour)
-        return VxAlocPersHpMem(count, size, block);
-    return store(allocateZeroed(AskHeapSMemArea(neighbour), count, size, "VxAlocSameMPool"), block);
-}
-
-void VxDeleteMemObj(void *block)
-{
-    if (block)
-        release(static_cast<Payload>(block));
-}
-
 uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 {
     if (!usage || !isArea(index))
         return 1;
-    const AreaState &area = manager().areas[static_cast<size_t>(index)];
+    const AreaState &area = stateOf(index);
     *usage = {"", area.requests, area.frees, area.bytes, area.peakBytes, area.grossBytes, 0, 0};
     VxStrCpy(usage->name, area.name, sizeof usage->name);
     for (uint32_t number = area.chunks; number; number = chunkAt(number).next) {
         ++usage->chunks;
-        usage->chunkBytes += chunkAt(number).size;
+        usage->chunkBytes += chunkAt(number).size();
     }
     return 0;
 }

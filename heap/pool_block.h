@@ -13,8 +13,10 @@
 // last word of a chunk are guards that no header or trailer of a block equals
 // while its neighbour looks at it.
 //
-// Links are 32 bits wide on every system: the number of a mebibyte in the
-// table of mebibytes that chunks occupy, and a place in it in units of 8 bytes.
+// Links are 32 bits wide on every system: a page's number and a place in it in
+// units of 8 bytes. Page 0 is nowhere, the pages from 1 on are the mebibytes
+// that chunks occupy, and the n-th from the end holds the list heads of area n.
+// So null, a block and a list head are all resolved, and written to, alike.
 
 #include <cstddef>
 #include <cstdint>
@@ -33,37 +35,44 @@ constexpr int32_t guard = -345678;
 constexpr int32_t areaTag = -456789; ///< less the area's index
 
 constexpr int64_t mebibyte = int64_t{1} << 20;
-constexpr uint32_t unitsPerMebibyte = static_cast<uint32_t>(mebibyte / unitBytes);
 
-constexpr Link nullLink = 0; // no payload stands at the start of a chunk
+constexpr Link nullLink = 0;
+constexpr int unitBits = 17; ///< of a link; the rest is the page
+constexpr Link unitsPerPage = Link{1} << unitBits;
+static_assert(int64_t{unitsPerPage} * unitBytes == mebibyte);
+constexpr uint32_t pageCount = uint32_t{1} << (32 - unitBits);
 
-// Links from here on name list heads instead of blocks.
-constexpr Link firstHeadLink = 0xFF000000u;
-constexpr uint32_t maxMebibytes = firstHeadLink / unitsPerMebibyte;
+constexpr uint32_t headsPage(int32_t area)
+{
+    return pageCount - 1 - static_cast<uint32_t>(area);
+}
+
+constexpr Link headLink(int32_t area, int32_t list)
+{
+    return headsPage(area) * unitsPerPage + static_cast<Link>(list);
+}
 
 constexpr int32_t exactLists = 33; ///< list k holds payloads of 8 * k bytes
 constexpr int32_t largeList = 33;
 constexpr int32_t listCount = 34;
-constexpr int32_t headsPerArea = 64; ///< room for list numbers in a head's link
-constexpr uint32_t maxAreas = (0xFFFFFFFFu - firstHeadLink) / headsPerArea;
+constexpr int32_t leastLarge = exactLists * unitBytes; ///< payload bytes
 
 // A request's gross size is a 31-bit number.
 constexpr int64_t maxRequest = INT32_MAX - 64;
 
 using Payload = std::byte *;
 
-/** Header, payload, padding and trailer for `size` bytes. */
+/** Header, payload, padding and trailer for `size` bytes, which are 1 at least. */
 constexpr int64_t grossOf(int64_t size)
 {
-    int64_t gross = (size + tagBytes + unitBytes - 1) & ~int64_t{unitBytes - 1};
-    return gross < minGross ? minGross : gross;
+    return (size + tagBytes + unitBytes - 1) & ~int64_t{unitBytes - 1};
 }
-static_assert(grossOf(1) == 16 && grossOf(8) == 16 && grossOf(9) == 24);
+static_assert(grossOf(1) == minGross && grossOf(8) == 16 && grossOf(9) == 24);
 
 constexpr int32_t listOf(int32_t payload)
 {
-    int32_t list = payload / unitBytes;
-    return list < exactLists ? list : largeList;
+    int32_t beyond = static_cast<int32_t>(static_cast<uint32_t>(payload) / unitBytes) - largeList;
+    return largeList + (beyond & beyond >> 31); // the lesser, without a branch
 }
 
 inline int32_t wordAt(const std::byte *at)
@@ -88,10 +97,11 @@ inline void setHeader(Payload p, int32_t word)
     setWord(p - wordBytes, word);
 }
 
-/** The trailer of a block of `payload` bytes. */
-inline Payload trailerAt(Payload p, int32_t payload)
+/** Make the block at `p` a free one of `payload` bytes. */
+inline void setFree(Payload p, int32_t payload)
 {
-    return p + payload;
+    setHeader(p, payload);
+    setWord(p + payload, payload);
 }
 
 /** The two links of a free block: to the next one of its list, and to the link that names this one. */
@@ -101,11 +111,33 @@ struct FreeLinks {
 };
 static_assert(sizeof(FreeLinks) == minGross - tagBytes);
 
+// The links are mostly read one by one, as they are mostly written: a processor
+// waits when it is to read two words at once of which it has just written one.
+
 inline FreeLinks linksOf(const std::byte *p)
 {
     FreeLinks links;
     std::memcpy(&links, p, sizeof links);
     return links;
+}
+
+inline Link nextOf(const std::byte *p)
+{
+    Link next;
+    std::memcpy(&next, p + offsetof(FreeLinks, next), sizeof next);
+    return next;
+}
+
+inline Link backOf(const std::byte *p)
+{
+    Link back;
+    std::memcpy(&back, p + offsetof(FreeLinks, back), sizeof back);
+    return back;
+}
+
+inline void setLinks(Payload p, FreeLinks links)
+{
+    std::memcpy(p, &links, sizeof links);
 }
 
 inline void setNext(Payload p, Link next)

@@ -1,6 +1,7 @@
 // A walk over everything an area consists of, for tests and for finding who
 // wrote past the end of a block.
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "heap/pool_area.h"
@@ -14,13 +15,13 @@ using FreeBlocks = std::unordered_set<const std::byte *>;
 
 const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
 {
-    if (chunk.area != area)
+    if (chunk.area != &stateOf(area))
         return "a chunk of another area";
-    if (wordAt(chunk.base) != guard || wordAt(chunk.base + chunk.size - wordBytes) != guard)
+    if (wordAt(chunk.base()) != guard || wordAt(chunk.lastWord()) != guard)
         return "a guard is overwritten";
     bool previousIsFree = false;
-    const std::byte *end = chunk.base + chunk.size;
-    for (const std::byte *p = chunk.base + 2 * wordBytes; p != end;) {
+    const std::byte *end = chunk.lastWord() + wordBytes;
+    for (const std::byte *p = chunk.first; p != end;) {
         if (p > end)
             return "blocks do not end with their chunk";
         int64_t payload = headerOf(p);
@@ -44,23 +45,34 @@ const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
     return nullptr;
 }
 
+bool isZeroAhead(const Carving &carving)
+{
+    const std::byte *p = payloadOf(carving.block);
+    if (headerOf(p) != carving.payload)
+        return true; // it is not carved from any more
+    return std::all_of(p + sizeof(FreeLinks), static_cast<const std::byte *>(carving.zeroTo),
+                       [](std::byte b) { return b == std::byte{0}; });
+}
+
 const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
 {
-    Link back = firstHeadLink + static_cast<Link>(area) * headsPerArea + static_cast<Link>(list);
+    Link back = headLink(area, list);
     Link link = VgAreas[area].heads[list].first;
-    bool marked = manager().areas[static_cast<size_t>(area)].nonEmpty >> list & 1;
-    if (marked != (link != nullLink))
-        return "the map of lists is wrong";
+    const AreaState &state = stateOf(area);
+    if (link && !(state.mayHave >> list & 1))
+        return "the map of lists misses one";
+    if (link && link == state.carving.block && !isZeroAhead(state.carving))
+        return "a block that is carved from is not zero where it should be";
     while (link) {
         const std::byte *p = payloadOf(link);
         if (free.erase(p) == 0)
             return "a list names what is no free block";
         if (listOf(headerOf(p)) != list)
             return "a free block is on another size's list";
-        if (linksOf(p).back != back)
+        if (backOf(p) != back)
             return "a link back is wrong";
         back = link;
-        link = linksOf(p).next;
+        link = nextOf(p);
     }
     return nullptr;
 }
@@ -70,7 +82,7 @@ const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
 const char *verifyArea(int32_t area)
 {
     FreeBlocks free;
-    for (uint32_t number = manager().areas[static_cast<size_t>(area)].chunks; number; number = chunkAt(number).next)
+    for (uint32_t number = stateOf(area).chunks; number; number = chunkAt(number).next)
         if (const char *wrong = verifyChunk(area, chunkAt(number), free))
             return wrong;
     for (int32_t list = 0; list < listCount; ++list)
