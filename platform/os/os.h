@@ -144,8 +144,12 @@ Error removeFile(const char *path) noexcept;
  */
 Error replaceFile(const char *path, const void *bytes, size_t size) noexcept;
 
-/** Cut or lengthen the file of a stream that is open for writing and has nothing buffered. */
-Error resizeFile(FILE *stream, int64_t size) noexcept;
+/**
+ * Add bytes to the end of a file that openFile() gave for appending, past the
+ * stream's buffer, in one write where the system takes it: all of them, or
+ * none, and the file is as long as before.
+ */
+Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept;
 
 Error makeDirectory(const char *path) noexcept;
 

@@ -13,6 +13,7 @@
 #include "platform/os/posix/error.h"
 #include "platform/os/posix/locks.h"
 #include "platform/os/posix/replace.h"
+#include "platform/os/posix/write.h"
 
 namespace vx::os {
 
@@ -184,10 +185,19 @@ Error replaceFile(const char *path, const void *bytes, size_t size) noexcept
     return withNative(path, [&](const char *name) { return replaceNative(name, bytes, size); });
 }
 
-Error resizeFile(FILE *stream, int64_t size) noexcept
+Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept
 {
-    VX_OS_VERB("resizeFile");
-    return ftruncate(fileno(stream), size) == 0 ? Error::none : errorOf(errno);
+    VX_OS_VERB("appendWhole");
+    int file = fileno(stream);
+    struct stat before;
+    if (fstat(file, &before) != 0)
+        return errorOf(errno);
+    if (writeAll(file, static_cast<const char *>(bytes), size))
+        return Error::none;
+    Error error = errorOf(errno);
+    // Nothing but a cut is left to try, and devices cannot be cut.
+    [[maybe_unused]] int cut = ftruncate(file, before.st_size);
+    return error;
 }
 
 Error makeDirectory(const char *path) noexcept

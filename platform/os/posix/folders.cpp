@@ -36,7 +36,8 @@ void tellKind(DIR *folder, const dirent &entry, FolderEntry &out) noexcept
 bool spellName(const char *native, FolderEntry &out) noexcept
 {
     bool itself = std::strcmp(native, ".") == 0 || std::strcmp(native, "..") == 0;
-    return !itself && !std::strchr(native, '\\') && fromNative(native, out.name, sizeof out.name) == Error::none;
+    return !itself && !std::strchr(native, '\\') &&
+           fromNative(native, out.name, sizeof out.name) == Error::none;
 }
 
 }
