@@ -136,6 +136,9 @@ Error openFile(const char *path, const char *mode, FILE *&stream) noexcept;
 
 Error removeFile(const char *path) noexcept;
 
+/** Give a file or folder another name on the same device; a file that has the name already is replaced. */
+Error renameFile(const char *from, const char *to) noexcept;
+
 /**
  * Put these bytes in place of a file's content, or make the file, so that
  * whoever opens it finds the old content or the new and never a part. Where
@@ -146,8 +149,7 @@ Error replaceFile(const char *path, const void *bytes, size_t size) noexcept;
 
 /**
  * Add bytes to the end of a file that openFile() gave for appending, past the
- * stream's buffer, in one write where the system takes it: all of them, or
- * none, and the file is as long as before.
+ * stream's buffer and in one write: all of them, or none.
  */
 Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept;
 

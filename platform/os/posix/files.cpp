@@ -13,7 +13,6 @@
 #include "platform/os/posix/error.h"
 #include "platform/os/posix/locks.h"
 #include "platform/os/posix/replace.h"
-#include "platform/os/posix/write.h"
 
 namespace vx::os {
 
@@ -179,6 +178,17 @@ Error removeFile(const char *path) noexcept
     return withNative(path, [](const char *name) { return unlink(name); });
 }
 
+Error renameFile(const char *from, const char *to) noexcept
+{
+    VX_OS_VERB("renameFile");
+    return withNative(from, [&](const char *oldName) {
+        return withNative(to, [&](const char *newName) { return std::rename(oldName, newName); }) ==
+                       Error::none
+                   ? 0
+                   : -1;
+    });
+}
+
 Error replaceFile(const char *path, const void *bytes, size_t size) noexcept
 {
     VX_OS_VERB("replaceFile");
@@ -192,11 +202,12 @@ Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept
     struct stat before;
     if (fstat(file, &before) != 0)
         return errorOf(errno);
-    if (writeAll(file, static_cast<const char *>(bytes), size))
+    ssize_t written = write(file, bytes, size);
+    if (written == static_cast<ssize_t>(size))
         return Error::none;
-    Error error = errorOf(errno);
-    // Nothing but a cut is left to try, and devices cannot be cut.
-    [[maybe_unused]] int cut = ftruncate(file, before.st_size);
+    // A file takes a part only when the device has no room for the rest.
+    Error error = written < 0 ? errorOf(errno) : Error::noSpace;
+    [[maybe_unused]] int cut = written > 0 ? ftruncate(file, before.st_size) : 0;
     return error;
 }
 

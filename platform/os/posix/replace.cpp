@@ -14,7 +14,6 @@
 
 #include "platform/os/posix/descriptor.h"
 #include "platform/os/posix/locks.h"
-#include "platform/os/posix/write.h"
 
 namespace vx::os {
 
@@ -36,6 +35,20 @@ bool resolveLinks(const char *name, char (&target)[PATH_MAX]) noexcept
     }
     std::memcpy(target, name, length + 1);
     return true;
+}
+
+bool writeAll(int file, const char *bytes, size_t size) noexcept
+{
+    while (size > 0) {
+        ssize_t written = write(file, bytes, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        bytes += written;
+        size -= static_cast<size_t>(written);
+    }
+    return fsync(file) == 0;
 }
 
 /** A new file beside the target, which goes again unless it takes the target's name. */
@@ -72,7 +85,7 @@ public:
     bool fill(const void *bytes, size_t size) noexcept
     {
         pending_ = file_ >= 0;
-        return pending_ && writeAll(file_, static_cast<const char *>(bytes), size) && fsync(file_) == 0;
+        return pending_ && writeAll(file_, static_cast<const char *>(bytes), size);
     }
 
     bool takePermissionsOf(const struct stat &old) noexcept
