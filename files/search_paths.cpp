@@ -111,7 +111,7 @@ void enterNow(const char *entry) noexcept
     }
 }
 
-/** One line of the saved list, without its line end; what is beyond the buffer is passed over. */
+/** One line of the saved list; what is beyond the buffer is passed over. */
 bool readLine(FILE *file, char (&line)[pathSize])
 {
     if (!std::fgets(line, sizeof line, file))
@@ -171,6 +171,8 @@ uint32_t DmPathInit(void)
         return 0;
     }
     uint32_t failed = addLines(file);
+    if (std::ferror(file))
+        show(messageListFile, name);
     VxFileClose(&file, 0);
     return failed;
 }

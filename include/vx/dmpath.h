@@ -47,7 +47,8 @@ VX_C_BEGIN
 
 /**
  * Add the entries of the saved file behind those of the list. A missing file
- * is none; one that cannot be opened is shown to the user (message 45).
+ * is none; one that cannot be opened or read is shown to the user (message
+ * 45).
  * @return 0, or 1 for no memory
  */
 VX_API uint32_t DmPathInit(void);
