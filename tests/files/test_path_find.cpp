@@ -144,27 +144,28 @@ int32_t resolvePdm(const char *name, const char *aux, char *path, char *auxOut, 
 
 TEST_F(PathFind, ProductDataIsAskedOnlyWhereItIsOn)
 {
-    char name[10] = "f";
-    char aux[32] = "rev";
     int32_t on = 1;
+    auto ask = [](int32_t size = 10) {
+        char name[10] = "f";
+        char aux[32] = "rev";
+        int32_t found = VxPathFindPDM(name, size, aux, sizeof aux, 4, 5);
+        EXPECT_EQ(found == 0, std::strcmp(name, "f") == 0);
+        return found ? std::string(name) + " " + aux : "none";
+    };
     pdmAnswer = "V:\\f;3456"; // nine characters: just fits
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none") << "the host has neither the switch nor the resolver";
     host(69, resolvePdm);
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none");
     hostVariable(5, &on);
     VgPathFindPDMSkip = 1;
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
-    EXPECT_EQ(VxPathFindPDM(name, 9, aux, 32, 4, 5), 0);
-    EXPECT_STREQ(name, "f");
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 1);
-    EXPECT_STREQ(name, "V:\\f;3456");
-    EXPECT_STREQ(aux, "f+rev 4 5");
-    EXPECT_EQ(VxPathFindPDM(name, 10, nullptr, 0, 4, 5), 1);
-    pdmAnswer.clear();
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
-    pdmAnswer = "x";
+    EXPECT_EQ(ask(), "none") << "skipped once";
+    EXPECT_EQ(ask(), "V:\\f;3456 f+rev 4 5");
+    EXPECT_EQ(ask(9), "none");
     on = 2;
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none");
+    on = 1;
+    pdmAnswer.clear();
+    EXPECT_EQ(ask(), "none");
 }
 
 }
