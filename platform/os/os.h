@@ -144,7 +144,31 @@ Error removeFile(const char *path) noexcept;
  */
 Error replaceFile(const char *path, const void *bytes, size_t size) noexcept;
 
+/** Cut or lengthen the file of a stream that is open for writing and has nothing buffered. */
+Error resizeFile(FILE *stream, int64_t size) noexcept;
+
 Error makeDirectory(const char *path) noexcept;
+
+/** One entry of a folder. */
+struct FolderEntry {
+    char name[256];
+    bool folder; ///< also of a link that leads to one
+    bool link;   ///< what it leads to may come, go and change without the folder's own status changing
+};
+
+/** A walk over a folder's entries; opaque to callers. */
+struct FolderWalk {
+    void *handle = nullptr;
+};
+Error openFolder(const char *path, FolderWalk &out) noexcept;
+
+/**
+ * The next entry, in the system's order; `notFound` behind the last one. "."
+ * and "..", and names with a backslash, are left out. What comes and goes
+ * during the walk is met or not.
+ */
+Error readFolder(FolderWalk &walk, FolderEntry &out) noexcept;
+void closeFolder(FolderWalk &walk) noexcept;
 
 /** The process's current directory, without a final separator unless it is a root. */
 Error currentDirectory(char *out, size_t size) noexcept;

@@ -184,6 +184,12 @@ Error replaceFile(const char *path, const void *bytes, size_t size) noexcept
     return withNative(path, [&](const char *name) { return replaceNative(name, bytes, size); });
 }
 
+Error resizeFile(FILE *stream, int64_t size) noexcept
+{
+    VX_OS_VERB("resizeFile");
+    return ftruncate(fileno(stream), size) == 0 ? Error::none : errorOf(errno);
+}
+
 Error makeDirectory(const char *path) noexcept
 {
     VX_OS_VERB("makeDirectory");
