@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <string>
 
 #include "files/file_handle.h"
 #include "platform/os/os.h"
@@ -131,15 +132,35 @@ private:
     int64_t position_ = 0;
 };
 
-/** Read on to the end of the line; false when the very next byte was it. */
-bool skipRest(FILE *stream) noexcept
+constexpr size_t longestCharacter = 4;
+
+/** Read on to the end of the line and keep what comes first of it; false when there is nothing. */
+bool skipRest(FILE *stream, char (&first)[longestCharacter]) noexcept
 {
-    int c = std::getc(stream);
-    if (c == '\n' || c == EOF)
-        return false;
-    while (c != '\n' && c != EOF)
-        c = std::getc(stream);
-    return true;
+    size_t kept = 0;
+    for (int c = std::getc(stream); c != '\n' && c != EOF; c = std::getc(stream))
+        if (kept < longestCharacter - 1)
+            first[kept++] = static_cast<char>(c);
+    first[kept] = '\0';
+    return kept > 0;
+}
+
+/** How many bytes of a text are whole characters, when `behind` follows. */
+size_t wholeCharacters(const char *text, size_t length, const char *behind) noexcept
+{
+    const text::CodePage &page = text::codePage();
+    size_t whole = 0;
+    while (length - whole > longestCharacter)
+        whole += static_cast<size_t>(text::charBytes(page, text + whole));
+    std::string end(text + whole, length - whole);
+    end += behind;
+    for (const char *p = end.c_str(); whole < length; p += text::charBytes(page, p)) {
+        size_t next = whole + static_cast<size_t>(text::charBytes(page, p));
+        if (next > length)
+            break;
+        whole = next;
+    }
+    return whole;
 }
 
 /** Cut a line end off a line. */
@@ -156,9 +177,9 @@ void dropLineEnd(char *line) noexcept
 /** What a buffer took of a line that is longer, or just as long. */
 void cutLongLine(FILE *stream, char *line, size_t length) noexcept
 {
-    bool more = skipRest(stream);
-    if (more)
-        line[text::boundaryBefore(text::codePage(), line, length)] = '\0';
+    char rest[longestCharacter];
+    if (skipRest(stream, rest))
+        line[wholeCharacters(line, length, rest)] = '\0';
     else if (line[length - 1] == '\r')
         line[length - 1] = '\0';
 }

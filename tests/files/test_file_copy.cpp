@@ -149,8 +149,7 @@ TEST_F(FileCopy, MovingReplacesAndTellsWhoIsInTheWay)
     EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c"), 2u);
     VxFileClose(&held, 0);
     EXPECT_THAT(errors(),
-                ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c.",
-                            "There is no write access to x.", "There is no write access to b."))
+                ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c."))
         << "a repeat within the second is counted, not filed";
     EXPECT_EQ(folder.read("b") + folder.read("c"), "oldtext");
 }
@@ -195,7 +194,7 @@ TEST_F(FileCopy, CleaningWritesTheFileAnewAndKeepsTheOldOne)
 // Whatever is refused: no content is lost, none is mixed, and nothing else is left behind.
 TEST_F(FileCopy, ARefusalAnywhereLeavesTheOldOrTheNewContent)
 {
-    const std::string source(9'000'000, 's');
+    const std::string source(100'000, 's');
     OtherDevice other(folder.native());
     const std::string away = other.text();
     struct Case {

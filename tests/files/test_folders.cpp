@@ -151,8 +151,8 @@ TEST_F(Folders, AllBelowAreListedAndFoundDepthFirst)
     char out[16];
     EXPECT_EQ(VxDirFind("d", "x", out, sizeof out), 1);
     EXPECT_STREQ(out, "d\\a\\x");
-    EXPECT_EQ(VxDirFind("d\\c", "x", out, 6), 0) << "a byte too little";
-    EXPECT_EQ(VxDirFind("d\\c", "x", out, 7), 1);
+    EXPECT_EQ(VxDirFind("d\\c", "x", out, 5), 0) << "a byte too little";
+    EXPECT_EQ(VxDirFind("d\\c", "x", out, 6), 1);
     EXPECT_STREQ(out, "d\\c\\X");
     EXPECT_EQ(VxDirFind("d", "2", out, sizeof out) + VxDirFind("none", "x", out, sizeof out), 0);
 }
