@@ -29,7 +29,7 @@ struct SearchPaths {
     int32_t searchList = 1;
 
     int32_t cacheUsers = 0;
-    std::optional<Subfolders> cache; ///< while it has users
+    std::optional<Subfolders> cache;                               ///< while it has users
     std::optional<std::map<std::string, DirectoryAnswer>> answers; ///< of DmPathIsOkay
 };
 

@@ -1,10 +1,11 @@
 // Finding files along the search paths.
 
+#include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "files/candidates.h"
 #include "files/dmpath.h"
+#include "files/folder.h"
 #include "files/host_calls.h"
 #include "vx/config.h"
 #include "vx/dmpath.h"
@@ -34,15 +35,14 @@ const char *between(const char *directory) noexcept
     return endsInSeparator(directory) ? "" : "\\";
 }
 
-/** An entry as a directory, and whether its subdirectories are searched too. */
-struct Entry {
+/** An entry's directory, empty for one that is too long, and whether its subdirectories are searched too. */
+struct Searched {
     char directory[entrySize];
     bool withSubdirectories;
 
-    /** An entry that is too long is none: empty. */
-    explicit Entry(const char *text) noexcept
+    explicit Searched(const char *entry) noexcept
     {
-        join(directory, sizeof directory, {text});
+        join(directory, sizeof directory, {entry});
         withSubdirectories = cutSubdirectoryMark(directory);
     }
 };
@@ -51,24 +51,21 @@ struct Entry {
  * Call `visit` with the directory of an entry, then with its subdirectories,
  * until it answers true; whether it did. Throws std::bad_alloc.
  */
-template <typename Visit> bool anyDirectory(const char *text, Visit visit)
+template <typename Visit> bool anyDirectory(const char *entry, Visit visit)
 {
-    Entry entry(text);
-    if (!*entry.directory)
+    Searched searched(entry);
+    const char *directory = searched.directory;
+    if (!*directory)
         return false;
-    if (visit(entry.directory))
+    if (visit(directory))
         return true;
-    if (!entry.withSubdirectories)
+    if (!searched.withSubdirectories)
         return false;
     Subfolders uncached;
     Subfolders &subfolders = searchPaths.cache ? *searchPaths.cache : uncached;
-    for (const std::string &name : subfolders.of(entry.directory)) {
-        char directory[candidateSize];
-        if (join(directory, sizeof directory, {entry.directory, between(entry.directory), name}) &&
-            visit(directory))
-            return true;
-    }
-    return false;
+    const Subfolders::Names &names = subfolders.of(directory);
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string &name) { return visit(inFolder(directory, name).c_str()); });
 }
 
 bool foundInEntry(Candidates &candidates, const char *entry)
@@ -173,6 +170,23 @@ bool besideFile(const char *path, const char *target, char (&out)[foundSize])
            VxStrCat(out, target, foundSize) == 0;
 }
 
+/** Whether a directory is there, as it was when it was asked for last unless that is too long ago. */
+bool keptAnswer(const char *directory)
+{
+    if (!searchPaths.answers)
+        searchPaths.answers.emplace();
+    auto &answers = *searchPaths.answers;
+    int64_t now = os::wallMicroseconds();
+    std::erase_if(answers, [now](const auto &kept) {
+        int64_t age = now - kept.second.asked;
+        return age < 0 || age >= answerKept;
+    });
+    auto [answer, isNew] = answers.try_emplace(directory, DirectoryAnswer{false, now});
+    if (isNew)
+        answer->second.there = VxPathIsDir(directory) != 0;
+    return answer->second.there;
+}
+
 }
 
 void enterIntoCache(const char *entry)
@@ -193,11 +207,7 @@ int32_t DmPathFind(char *name, int32_t size)
     if (firstSeparator(name))
         return exists(name);
     Candidates candidates(name, size, candidateSize);
-    try {
-        return foundByName(candidates);
-    } catch (const std::bad_alloc &) {
-        return 0;
-    }
+    return withMemory(0, [&] { return foundByName(candidates) ? 1 : 0; });
 }
 
 int32_t DmPathFindSubDir(const char *dir, char *name, int32_t size)
@@ -205,11 +215,7 @@ int32_t DmPathFindSubDir(const char *dir, char *name, int32_t size)
     if (!dir || !name || size < 1 || !*name)
         return 0;
     Candidates candidates(name, size, candidateSize);
-    try {
-        return foundInEntry(candidates, dir);
-    } catch (const std::bad_alloc &) {
-        return 0;
-    }
+    return withMemory(0, [&] { return foundInEntry(candidates, dir) ? 1 : 0; });
 }
 
 int32_t DmFileFind(const char *name, int32_t size, char *out)
@@ -227,11 +233,13 @@ int32_t DmFileFind(const char *name, int32_t size, char *out)
 uint32_t DmFilePathCacheEnable(void)
 {
     if (searchPaths.cacheUsers == 0) {
-        try {
+        bool filled = withMemory(false, [] {
             searchPaths.cache.emplace();
             for (const VxPathNode *entry = searchPaths.first; entry; entry = entry->next)
                 enterIntoCache(entry->text);
-        } catch (const std::bad_alloc &) {
+            return true;
+        });
+        if (!filled) {
             searchPaths.cache.reset();
             return 1;
         }
@@ -261,35 +269,24 @@ int32_t DmFilePathCacheGet(const char *name, char *dir, int32_t size)
         return join(file, sizeof file, {directory, between(directory), name}) && exists(file) &&
                join(dir, static_cast<size_t>(size), {directory});
     };
-    try {
+    return withMemory(0, [&] {
         for (const VxPathNode *entry = searchPaths.first; entry; entry = entry->next)
             if (anyDirectory(entry->text, holdsFile))
                 return 1;
-    } catch (const std::bad_alloc &) {
-    }
-    return 0;
+        return 0;
+    });
 }
 
 int32_t DmPathIsOkay(const char *path)
 {
     if (!path)
         return 0;
-    Entry entry(path);
+    Searched searched(path);
+    const char *directory = searched.directory;
     try {
-        if (!searchPaths.answers)
-            searchPaths.answers.emplace();
-        auto &answers = *searchPaths.answers;
-        int64_t now = os::wallMicroseconds();
-        std::erase_if(answers, [now](const auto &kept) {
-            int64_t age = now - kept.second.asked;
-            return age < 0 || age >= answerKept;
-        });
-        auto [answer, isNew] = answers.try_emplace(entry.directory, DirectoryAnswer{false, now});
-        if (isNew)
-            answer->second.there = VxPathIsDir(entry.directory) != 0;
-        return answer->second.there;
+        return keptAnswer(directory);
     } catch (const std::bad_alloc &) {
-        return VxPathIsDir(entry.directory);
+        return VxPathIsDir(directory);
     }
 }
 
@@ -313,5 +310,5 @@ uint32_t DmFileRename(const char *from, const char *to)
     char target[foundSize];
     if (!to || !*to || !DmFileFind(from, foundSize, path) || !besideFile(path, to, target))
         return 1;
-    return exists(target) || os::renameFile(path, target) != os::Error::none;
+    return exists(target) || VxFileRename(path, target);
 }

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
+#include "files/folder.h"
+#include "platform/os/os.h"
 #include "text/codepage.h"
-#include "vx/str.h"
 
 namespace vx::files {
 
@@ -15,50 +16,17 @@ namespace {
  */
 constexpr int64_t settled = 3;
 
-class Walk {
-public:
-    explicit Walk(const char *folder) noexcept { open_ = os::openFolder(folder, walk_) == os::Error::none; }
-    ~Walk() { os::closeFolder(walk_); }
-    Walk(const Walk &) = delete;
-    Walk &operator=(const Walk &) = delete;
-
-    bool next(os::FolderEntry &entry) noexcept
-    {
-        if (!open_)
-            return false;
-        os::Error error = os::readFolder(walk_, entry);
-        complete_ = error == os::Error::notFound;
-        return error == os::Error::none;
-    }
-
-    /** Whether the walk came to the end, and was not broken off by a failure. */
-    bool complete() const noexcept { return complete_; }
-
-private:
-    os::FolderWalk walk_;
-    bool open_ = false;
-    bool complete_ = false;
-};
-
-/** Ignoring case, and among names equal but for that by their bytes, so that the order is always the same. */
-bool inOrder(const std::string &a, const std::string &b) noexcept
-{
-    int32_t order = VxStrcasecmp(a.c_str(), b.c_str());
-    return order != 0 ? order < 0 : a < b;
-}
-
-/** Read the names; false when the list may change without the folder's status. */
+/** Read the names; false when the list is not whole, or may change without the folder's status. */
 bool read(const char *folder, Subfolders::Names &names)
 {
-    bool links = false;
-    Walk walk(folder);
-    for (os::FolderEntry entry; walk.next(entry);) {
-        links |= entry.link;
+    std::vector<Entry> entries;
+    bool whole = readFolder(folder, entries);
+    for (Entry &entry : entries) {
+        whole &= !entry.link;
         if (entry.folder)
-            names.emplace_back(entry.name);
+            names.push_back(std::move(entry.name));
     }
-    std::sort(names.begin(), names.end(), inOrder);
-    return walk.complete() && !links;
+    return whole;
 }
 
 }
@@ -73,8 +41,7 @@ const Subfolders::Names &Subfolders::of(const char *folder)
         return listing.names;
 
     listing = {};
-    int64_t newest = std::max(status.modified, status.changed);
-    bool old = known && os::wallSeconds() - newest >= settled;
+    bool old = known && os::wallSeconds() - std::max(status.modified, status.changed) >= settled;
     if (read(folder, listing.names) && old)
         listing.keptFor = stamp;
     return listing.names;

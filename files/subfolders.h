@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/os/os.h"
-
 namespace vx::files {
 
 /**
@@ -28,7 +26,7 @@ public:
     using Names = std::vector<std::string>;
 
     /**
-     * The names of the subfolders, in order ignoring case; none of a folder
+     * The names of the subfolders, in the order of listings; none of a folder
      * that cannot be read. Valid until the next call. Throws std::bad_alloc.
      */
     const Names &of(const char *folder);
