@@ -40,7 +40,7 @@ bool copyAll(os::Handle from, os::Handle to, int64_t position) noexcept
 bool append(os::Handle from, FileHandle &to) noexcept
 {
     os::FileStatus status;
-    if (os::handleStatus(to.get(), status) != os::Error::none || !isFile(status))
+    if (os::handleStatus(to.get(), status) != os::Error::none)
         return false;
     bool done = copyAll(from, to.get(), status.size);
     if (!done)
@@ -141,12 +141,13 @@ uint32_t VxFileConcat(const char *from, const char *to)
     FileHandle target;
     if (!source.openToRead(from))
         return 1;
-    constexpr uint32_t writing = os::writeAccess | os::shareRead;
-    os::Error error = target.open(to, writing);
+    os::FileStatus status;
+    os::Error error = os::fileStatus(to, status);
     bool made = error == os::Error::notFound;
-    if (made)
-        error = target.open(to, writing | os::createNew);
-    if (error != os::Error::none)
+    if (!made && (error != os::Error::none || !isFile(status)))
+        return 1;
+    uint32_t mode = os::writeAccess | os::shareRead | (made ? os::createNew : 0u);
+    if (target.open(to, mode) != os::Error::none)
         return 1;
     if (append(source.get(), target))
         return 0;

@@ -36,7 +36,7 @@ public:
         if (count > most)
             return false;
         int32_t wanted = static_cast<int32_t>(std::min(std::max(count, int64_t{2} * capacity_), most));
-        if (bytes_ ? VxMemResize(wanted + 1, &bytes_) : VxMemAlloc(wanted + 1, &bytes_))
+        if (VxMemResize(wanted + 1, &bytes_))
             return false;
         capacity_ = wanted;
         return true;

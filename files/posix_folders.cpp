@@ -29,7 +29,10 @@ namespace {
 /** The folders that are open, the one to be read on top. */
 struct FolderStack {
     VxDir levels[255];
-    int32_t current = -1;
+    int32_t open = 0;
+
+    /** The one to be read; null when none is open. */
+    VxDir *top() noexcept { return open > 0 ? &levels[open - 1] : nullptr; }
 };
 
 FolderStack folderStack;
@@ -111,8 +114,7 @@ private:
             return true;
         int32_t wanted = capacity_ ? 2 * capacity_ : least;
         int32_t bytes = wanted * static_cast<int32_t>(sizeof *records_);
-        void **block = reinterpret_cast<void **>(&records_);
-        if (records_ ? VxMemResize(bytes, block) : VxMemAlloc(bytes, block))
+        if (VxMemResize(bytes, reinterpret_cast<void **>(&records_)))
             return false;
         capacity_ = wanted;
         return true;
@@ -132,38 +134,40 @@ using namespace vx::files;
 
 VxDir *vxopendir(const char *path)
 {
-    VxStat status;
     constexpr int32_t most = sizeof folderStack.levels / sizeof *folderStack.levels;
-    if (vxstat(path, &status) != 0 || folderStack.current + 1 >= most)
+    VxStat status;
+    if (vxstat(path, &status) != 0 || folderStack.open == most)
         return nullptr;
-    VxDir &level = folderStack.levels[folderStack.current + 1];
+    VxDir &level = folderStack.levels[folderStack.open];
     if (VxStrCpy(level.path, path, sizeof level.path))
         return nullptr;
     VxPathCheck(level.path);
     level.started = false;
     level.next = 0;
-    ++folderStack.current;
+    ++folderStack.open;
     return &level;
 }
 
 VxDirEnt *vxreaddir(VxDir *)
 {
-    if (folderStack.current < 0)
+    VxDir *level = folderStack.top();
+    if (!level)
         return nullptr;
-    VxDir &level = folderStack.levels[folderStack.current];
-    if (!level.started)
-        start(level);
-    if (level.next >= level.names.size())
+    if (!level->started)
+        start(*level);
+    if (level->next >= level->names.size())
         return nullptr;
-    setName(level.entry, level.names[level.next++]);
-    return &level.entry;
+    setName(level->entry, level->names[level->next++]);
+    return &level->entry;
 }
 
 int32_t vxclosedir(VxDir *)
 {
-    if (folderStack.current < 0)
+    VxDir *level = folderStack.top();
+    if (!level)
         return 0;
-    std::vector<std::string>().swap(folderStack.levels[folderStack.current--].names);
+    level->names = {};
+    --folderStack.open;
     return 0;
 }
 

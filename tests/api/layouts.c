@@ -7,6 +7,7 @@
 #include "vx/parse.h"
 #include "vx/path.h"
 #include "vx/pool.h"
+#include "vx/posix.h"
 #include "vx/tools.h"
 
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type " has " #bytes " bytes")
@@ -36,6 +37,9 @@ AT(VxHsmArea, index, 300);
 AT(VxHsmArea, chunkSize, 304);
 AT(VxHsmArea, inUse, 312);
 AT(VxHsmArea, tracked, 313);
+
+SIZE(VxDirEnt, 280);
+AT(VxDirEnt, name, 19);
 
 AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);
