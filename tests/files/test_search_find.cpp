@@ -124,7 +124,7 @@ TEST_F(SearchFind, PlacesAreTriedInTheirOrder)
     EXPECT_EQ(find("f"), folder.text("active/f")) << "a host that says no is not asked";
 }
 
-TEST_F(SearchFind, TheSearchEndsWhereFlagsAndOptionsSaySo)
+TEST_F(SearchFind, TheSearchEndsWhereFlagsOptionsAndBuffersSaySo)
 {
     folder.write("entry/f", "");
     folder.write("entry/sub/g", "");
@@ -139,24 +139,19 @@ TEST_F(SearchFind, TheSearchEndsWhereFlagsAndOptionsSaySo)
     EXPECT_EQ(find("f"), there) << "no active path confines nothing";
     DmPathSearchSet(0);
     EXPECT_EQ(find("f"), "none");
-    DmPathSearchSet(1);
-    {
-        test::Options options;
-        options.values["AutoSearchInSearchPaths"] = "no";
-        EXPECT_EQ(find("f"), "none");
-    }
-    EXPECT_EQ(find("sub\\g"), "none") << "a name with a folder is not searched";
-    EXPECT_EQ(find("entry\\f"), "entry\\f");
-    EXPECT_EQ(find("") + findIn("", "f"), "nonenone");
-}
+    DmPathSearchSet(1), DmPathCheckActiveOnlySet(0);
+    test::Options options;
+    options.values["AutoSearchInSearchPaths"] = "no";
+    EXPECT_EQ(find("f"), "none");
+    options.values.clear();
+    EXPECT_EQ(find("sub\\g") + find("") + findIn("", "f"), "nonenonenone");
+    EXPECT_EQ(find("entry\\f"), "entry\\f") << "a name with a folder is only tried as it is";
 
-TEST_F(SearchFind, CandidatesHaveUpTo334BytesAndFitTheCaller)
-{
     std::string deep = "entry/" + std::string(230, 'd');
     std::string base = folder.text(deep) + "\\";
     std::string longest(334 - base.size(), 'n');
-    folder.write(deep + "/" + longest, "");
-    folder.write(deep + "/" + longest + "n", "");
+    for (const char *more : {"", "n"})
+        folder.write(deep + "/" + longest + more, "");
     add(folder.text("entry") + "\\...");
     EXPECT_EQ(find(longest, 335), base + longest);
     EXPECT_EQ(find(longest, 334) + find(longest + "n"), "nonenone");
@@ -277,7 +272,7 @@ TEST_F(SearchFind, NamesOfSubdirectoriesFollowTheCodePage)
     }
 }
 
-TEST_F(SearchFind, AFolderThatCannotBeReadHasItsOwnFilesOnly)
+TEST_F(SearchFind, UnreadableFoldersAndEveryRefusalAreAMissOrAHit)
 {
     folder.write("closed/f", "");
     folder.write("closed/s/g", "");
@@ -288,10 +283,6 @@ TEST_F(SearchFind, AFolderThatCannotBeReadHasItsOwnFilesOnly)
         test::dropRights();
         return findIn(closed, "f") == folder.text("closed/f") && findIn(closed, "g") == "none";
     }));
-}
-
-TEST_F(SearchFind, EveryRefusalIsAMissOrAHit)
-{
     folder.write("entry/s/f", "");
     fs::create_directory_symlink(".", folder.native() / "entry/loop");
     add(folder.text("entry") + "\\...");
