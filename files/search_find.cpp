@@ -158,7 +158,7 @@ bool findFile(const char *name, char *out, int32_t size)
            join(out, static_cast<size_t>(size), {path});
 }
 
-/** Give `target` without a folder the folder of the file `path`. */
+/** Give `target` the folder of the file `path` unless it has one. */
 bool besideFile(const char *path, const char *target, char (&out)[foundSize])
 {
     if (VxStrCpy(out, target, foundSize))
@@ -166,8 +166,8 @@ bool besideFile(const char *path, const char *target, char (&out)[foundSize])
     VxPathCheck(out);
     if (firstSeparator(out) || hasDrive(out))
         return true;
-    return VxPathDir(path, out, foundSize) == 0 && VxPathAddDelim(out) == 0 &&
-           VxStrCat(out, target, foundSize) == 0;
+    std::string_view folder(path, static_cast<size_t>(lastComponent(path) - path));
+    return join(out, foundSize, {folder, target});
 }
 
 /** Whether a directory is there, as it was when it was asked for last unless that is too long ago. */
