@@ -39,6 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const vx::text::CodePage &page = vx::text::codePage();
     for (const char *p = name.c_str(); *p;) {
         auto bytes = static_cast<size_t>(vx::text::charBytes(page, p));
+        // Half a character takes the backslash behind it as its other half.
+        if (bytes == 1 && page.has(*p, vx::text::CodePage::leadByte))
+            return 0;
         literal.append("\\").append(p, bytes);
         p += bytes;
     }

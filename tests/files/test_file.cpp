@@ -40,24 +40,6 @@ TEST_F(File, AFailedOpeningLeavesANullStreamAndNoMessage)
     EXPECT_FALSE(fs::exists("f"));
 }
 
-TEST_F(File, ALostWriteShowsInTheCloseResult)
-{
-    FILE *stream = nullptr;
-    ASSERT_EQ(VxFileOpen(&stream, "\\dev\\full", "w"), 0u);
-    fputs("text", stream);
-    EXPECT_NE(VxFileClose(&stream, 1), 0);
-    EXPECT_EQ(stream, nullptr);
-}
-
-TEST_F(File, BlankNamesDoNotExist)
-{
-    folder.write("f", "");
-    folder.write(" ", "a file of this name");
-    EXPECT_EQ(VxFileExists("f"), 1);
-    EXPECT_EQ(VxFileExists("."), 1);
-    EXPECT_EQ(VxFileExists("g") + VxFileExists("") + VxFileExists(" ") + VxFileExists(nullptr), 0);
-}
-
 TEST_F(File, DeletingWhatIsNotThereIsReported)
 {
     folder.write("a/f", "");
@@ -73,9 +55,12 @@ TEST_F(File, DeletingWhatIsNotThereIsReported)
     EXPECT_EQ(VxFileRem("d"), 1u);
 }
 
-TEST_F(File, WritableIsWhatNobodyHoldsAndRightsAllow)
+TEST_F(File, ThereIsWhatHasANameAndWritableWhatNobodyHolds)
 {
     folder.write("f", "text");
+    folder.write(" ", "a file of this name");
+    EXPECT_EQ(VxFileExists("f") + VxFileExists("."), 2);
+    EXPECT_EQ(VxFileExists("g") + VxFileExists("") + VxFileExists(" ") + VxFileExists(nullptr), 0);
     EXPECT_EQ(VxFileWrite("f"), 1);
     EXPECT_EQ(VxFileWrite("none") + VxFileWrite("") + VxFileWrite(nullptr), -3);
     EXPECT_EQ(VxFileWrite("."), 0);
@@ -143,7 +128,7 @@ TEST_F(File, StreamsStandWhereTheyAreSentTo)
     EXPECT_EQ(VxFileLastWrite("") + VxFileLastWrite("none") + VxFileLastWrite(nullptr), 0);
 }
 
-TEST_F(File, AFailedWriteIsReportedWithItsName)
+TEST_F(File, AFailedWriteIsReportedAndALostOneShowsInTheCloseResult)
 {
     FILE *stream = nullptr;
     ASSERT_EQ(VxFileOpen(&stream, "\\dev\\full", "w"), 0u);
@@ -151,9 +136,11 @@ TEST_F(File, AFailedWriteIsReportedWithItsName)
     fputs("text", stream);
     fflush(stream);
     EXPECT_EQ(VxFileWriteError(stream, nullptr) + VxFileWriteError(stream, "a/f"), 2u);
-    VxFileClose(&stream, 0);
     EXPECT_THAT(errors(), ElementsAre("There is no write access to a\\f."));
     EXPECT_EQ(VxFileWriteError(nullptr, "f"), 1u);
+    fputs("text", stream);
+    EXPECT_NE(VxFileClose(&stream, 1), 0);
+    EXPECT_EQ(stream, nullptr);
 }
 
 TEST_F(File, TheDeviceTellsItsRoomAlsoForWhatIsStillToBeMade)
@@ -189,17 +176,13 @@ TEST_F(File, AttributesAreSetOneByOneAndClearedTogether)
     EXPECT_EQ(VxFileShow("f"), 0u);
     EXPECT_EQ(VxFileGetAttribute("f"), 0x80u);
     EXPECT_EQ(VxFileIsHide("f") + VxFileIsHide("none") + VxFileIsHide(nullptr), 0);
+    // Files of the kernel's own have no place for it: the process remembers.
+    const char *kernels = "\\proc\\self\\comm";
+    EXPECT_EQ(VxFileHide(kernels), 0u);
+    EXPECT_EQ(VxFileIsHide(kernels), 1);
+    EXPECT_EQ(VxFileShow(kernels), 0u);
+    EXPECT_EQ(VxFileIsHide(kernels), 0);
     EXPECT_EQ(VxFileHide("none") + VxFileShow("none") + VxFileFixAtt("none") + VxFileHide(nullptr), 4u);
-}
-
-TEST_F(File, WhereAttributesHaveNoPlaceTheProcessRemembersThem)
-{
-    // Files of the kernel's own take none.
-    const char *name = "\\proc\\self\\comm";
-    EXPECT_EQ(VxFileHide(name), 0u);
-    EXPECT_EQ(VxFileIsHide(name), 1);
-    EXPECT_EQ(VxFileShow(name), 0u);
-    EXPECT_EQ(VxFileIsHide(name), 0);
 }
 
 TEST_F(File, TheStatusTellsTypeSizeAndIdentity)
@@ -221,21 +204,15 @@ TEST_F(File, TheStatusTellsTypeSizeAndIdentity)
     EXPECT_EQ(f.mtime_s, g.mtime_s);
     EXPECT_EQ(vxstat("none", &f) + vxstat64("none", &g) + vxstat(nullptr, &f) + vxstat64("f", nullptr), -4);
     EXPECT_EQ(f.size, 5) << "a failure writes nothing";
-}
 
-TEST_F(File, SizesBeyond31BitsNeedTheWideStatus)
-{
-    folder.write("f", "");
-    VxStat narrow;
-    VxStat64 wide;
     fs::resize_file("f", 0x7FFFFFFF);
-    EXPECT_EQ(vxstat("f", &narrow), 0);
+    EXPECT_EQ(vxstat("f", &f), 0);
     fs::resize_file("f", 0x80000000);
     errno = 0;
-    EXPECT_EQ(vxstat("f", &narrow), -1);
+    EXPECT_EQ(vxstat("f", &f), -1);
     EXPECT_EQ(errno, EOVERFLOW);
-    EXPECT_EQ(vxstat64("f", &wide), 0);
-    EXPECT_EQ(wide.size, 0x80000000);
+    EXPECT_EQ(vxstat64("f", &g), 0);
+    EXPECT_EQ(g.size, 0x80000000);
 }
 
 }
