@@ -2,9 +2,7 @@
 
 #include "files/open_files.h"
 
-#include <algorithm>
 #include <cinttypes>
-#include <new>
 
 #include "platform/os/os.h"
 #include "vx/openfile.h"
@@ -17,23 +15,45 @@ constinit OpenFiles openFiles{};
 
 namespace {
 
-constexpr size_t growthStep = 8;
+constexpr int32_t arrayLayout = 2;
+constexpr int32_t growthStep = 8;
 
-/** Room for one more record; false when there is no memory, and then the list is as it was. */
-bool makeRoom()
+void remember(const char *name, FILE *stream)
 {
-    try {
-        if (!openFiles.list) {
-            std::vector<OpenFile> list;
-            list.reserve(growthStep);
-            openFiles.list = std::move(list);
+    if (!openFiles.list &&
+        VxListMk(arrayLayout, sizeof(OpenFile), growthStep, growthStep, nullptr, &openFiles.list))
+        return;
+    OpenFile record{{}, stream};
+    VxStrCpy(record.path, name, sizeof record.path);
+    VxPathReal2(record.path, sizeof record.path);
+    VxListSet(openFiles.list, openFiles.list->count, &record);
+}
+
+int32_t recordCount()
+{
+    return openFiles.list ? openFiles.list->count : 0;
+}
+
+/** A record of the list; null, with the list's own error, when it is none of ours. */
+const OpenFile *recordAt(int32_t index)
+{
+    if (openFiles.list->elemSize != sizeof(OpenFile)) {
+        VxListSizeError();
+        return nullptr;
+    }
+    void *record = nullptr;
+    VxListGetPtr(openFiles.list, index, &record);
+    return static_cast<const OpenFile *>(record);
+}
+
+void forget(FILE *stream)
+{
+    for (int32_t i = 0; i < recordCount(); ++i) {
+        const OpenFile *record = recordAt(i);
+        if (record && record->stream == stream) {
+            VxListDelElem(openFiles.list, i, i);
+            return;
         }
-        std::vector<OpenFile> &list = *openFiles.list;
-        if (list.size() == list.capacity())
-            list.reserve(list.capacity() + growthStep);
-        return true;
-    } catch (const std::bad_alloc &) {
-        return false;
     }
 }
 
@@ -49,12 +69,7 @@ FILE *f_open(const char *name, const char *mode)
     FILE *stream = nullptr;
     if (os::openFile(name, mode, stream) != os::Error::none)
         return nullptr;
-    if (!makeRoom())
-        return stream;
-    OpenFile record{{}, stream};
-    VxStrCpy(record.path, name, sizeof record.path);
-    VxPathReal2(record.path, sizeof record.path);
-    openFiles.list->push_back(record);
+    remember(name, stream);
     return stream;
 }
 
@@ -62,13 +77,7 @@ int32_t f_close(FILE *stream)
 {
     if (!stream)
         return 0;
-    if (openFiles.list) {
-        std::vector<OpenFile> &list = *openFiles.list;
-        auto record = std::find_if(list.begin(), list.end(),
-                                   [stream](const OpenFile &file) { return file.stream == stream; });
-        if (record != list.end())
-            list.erase(record);
-    }
+    forget(stream);
     return std::fclose(stream);
 }
 
@@ -77,13 +86,14 @@ int32_t f_report(void)
     if (!openFiles.list)
         return 0;
     VxPrintf("----- open files -----\n");
-    for (const OpenFile &file : *openFiles.list)
-        VxPrintf("%" PRIxPTR " = %s\n", reinterpret_cast<uintptr_t>(file.stream), file.path);
+    for (int32_t i = 0; i < recordCount(); ++i)
+        if (const OpenFile *record = recordAt(i))
+            VxPrintf("%" PRIxPTR " = %s\n", reinterpret_cast<uintptr_t>(record->stream), record->path);
     return 0;
 }
 
 int32_t f_free(void)
 {
-    openFiles.list.reset();
+    VxListDel(&openFiles.list);
     return 0;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdio>
-#include <optional>
-#include <vector>
+
+#include "vx/list.h"
 
 namespace vx::files {
 
@@ -11,9 +11,9 @@ struct OpenFile {
     FILE *stream;
 };
 
-/** The files that f_open() opened and f_close() did not close yet; absent until the first of them. */
+/** The files that f_open() opened and f_close() did not close yet. */
 struct OpenFiles {
-    std::optional<std::vector<OpenFile>> list;
+    VxList *list; ///< of OpenFile, in order of opening; null until the first of them
 };
 
 extern OpenFiles openFiles;

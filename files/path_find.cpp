@@ -1,13 +1,11 @@
 // Finding files by name.
 
-#include <algorithm>
 #include <cstring>
-#include <string_view>
 
+#include "files/candidates.h"
 #include "files/host_calls.h"
 #include "files/path_state.h"
 #include "files/path_text.h"
-#include "platform/os/os.h"
 #include "vx/lang.h"
 #include "vx/path.h"
 #include "vx/str.h"
@@ -17,14 +15,9 @@ namespace vx::files {
 
 namespace {
 
-constexpr size_t findSize = 512;
+constexpr size_t findSize = Candidates::longest;
 constexpr size_t findInSize = 256;
 constexpr int32_t pdmSize = 256;
-
-bool exists(const char *path) noexcept
-{
-    return os::access(path, os::Access::exists) == os::Error::none;
-}
 
 struct Locale {
     char text[8];
@@ -34,35 +27,6 @@ struct Locale {
         if (VxLangGetLocale(text, sizeof text))
             text[0] = '\0';
     }
-};
-
-/** A search that puts the first candidate found in place of the name. */
-class Search {
-public:
-    /** Candidates longer than `limit` less one, or than the caller's buffer holds, are passed over. */
-    Search(char *name, int32_t size, size_t limit) noexcept
-        : name_(name), size_(std::min(limit, static_cast<size_t>(size)))
-    {
-    }
-
-    bool found(std::initializer_list<std::string_view> parts) noexcept
-    {
-        char candidate[findSize];
-        return join(candidate, size_, parts) && exists(candidate) && take(candidate);
-    }
-
-    /** Take a place whether anything is there or not; false when it does not fit. */
-    bool taken(std::initializer_list<std::string_view> parts) noexcept
-    {
-        char candidate[findSize];
-        return join(candidate, size_, parts) && take(candidate);
-    }
-
-private:
-    bool take(const char *candidate) noexcept { return join(name_, size_, {candidate}); }
-
-    char *name_;
-    size_t size_;
 };
 
 enum class Direct { no, found, search };
@@ -92,7 +56,7 @@ int32_t VxPathFind(char *name, int32_t size)
     if (direct != Direct::search)
         return direct == Direct::found;
 
-    Search search(name, size, findSize);
+    Candidates search(name, size, findSize);
     if (search.found({pathState.root, "languages\\", Locale().text, "\\", name}))
         return 1;
     for (const VxPathNode *entry = pathState.first; entry; entry = entry->next)
@@ -108,7 +72,7 @@ int32_t VxPathFindIn(char *name, int32_t size, const char *subdir, int32_t mode)
     if (direct != Direct::search)
         return direct == Direct::found;
 
-    Search search(name, size, findInSize);
+    Candidates search(name, size, findInSize);
     if (search.found({".\\local\\", name}))
         return 1;
     if (subdir && search.found({".\\", subdir, "\\", name}))

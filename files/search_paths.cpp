@@ -33,6 +33,29 @@ void freeSearchPaths() noexcept
 {
     freeList(searchPaths.first);
     searchPaths.next = &searchPaths.first;
+    searchPaths.cacheUsers = 0;
+    searchPaths.cache.reset();
+    searchPaths.answers.reset();
+}
+
+char *subdirectoryMark(char *path) noexcept
+{
+    size_t length = std::strlen(path);
+    if (length < 4 || std::strcmp(path + length - 3, "...") != 0)
+        return nullptr;
+    char *mark = path + length - 4;
+    bool slash = *mark == '/';
+    return slash || lastSeparator(path) == mark ? mark : nullptr;
+}
+
+bool cutSubdirectoryMark(char *path) noexcept
+{
+    char *mark = subdirectoryMark(path);
+    if (!mark)
+        return false;
+    bool root = mark == path || (mark == path + 2 && hasDrive(path));
+    mark[root ? 1 : 0] = '\0';
+    return true;
 }
 
 namespace {
@@ -59,28 +82,6 @@ void show(int32_t message, const char *path)
     showText(text);
 }
 
-/** The end mark of a directory that is searched with its subdirectories, or null. */
-char *subdirectoryMark(char *path) noexcept
-{
-    size_t length = std::strlen(path);
-    if (length < 4 || std::strcmp(path + length - 3, "...") != 0)
-        return nullptr;
-    char *mark = path + length - 4;
-    bool slash = *mark == '/';
-    return slash || lastSeparator(path) == mark ? mark : nullptr;
-}
-
-/** Cut the end mark off; true when there was one. A drive or root keeps its separator. */
-bool cutSubdirectoryMark(char *path) noexcept
-{
-    char *mark = subdirectoryMark(path);
-    if (!mark)
-        return false;
-    bool root = mark == path || (mark == path + 2 && hasDrive(path));
-    mark[root ? 1 : 0] = '\0';
-    return true;
-}
-
 bool setText(char (&to)[pathSize], const char *from) noexcept
 {
     if (!from || std::strlen(from) >= sizeof to)
@@ -101,7 +102,16 @@ bool insert(const char *entry, bool atFront) noexcept
     return true;
 }
 
-/** One line of the saved list, without its line end; what is beyond the buffer is passed over. */
+/** What the cache has no memory for now, the next search enters. */
+void enterNow(const char *entry) noexcept
+{
+    try {
+        enterIntoCache(entry);
+    } catch (const std::bad_alloc &) {
+    }
+}
+
+/** One line of the saved list; what is beyond the buffer is passed over. */
 bool readLine(FILE *file, char (&line)[pathSize])
 {
     if (!std::fgets(line, sizeof line, file))
@@ -161,6 +171,8 @@ uint32_t DmPathInit(void)
         return 0;
     }
     uint32_t failed = addLines(file);
+    if (std::ferror(file))
+        show(messageListFile, name);
     VxFileClose(&file, 0);
     return failed;
 }
@@ -189,6 +201,7 @@ uint32_t DmPathSet(char *path, int32_t atFront, int32_t *added)
             return 1;
         if (added)
             *added = 1;
+        enterNow(entry);
     }
     setText(searchPaths.active, directory);
     return 0;

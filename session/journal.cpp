@@ -47,8 +47,10 @@ void folderOf(const char *path, char (&folder)[pathSize])
 }
 
 /** Note that this session writes the journal; without memory the next line tries again. */
-void recordFile()
+void noteFirstWrite()
 {
+    if (!journal.firstWrite)
+        return;
     if (journal.fileCount > mostFiles) {
         VxFprintf(stderr, "%s\n", VxMsg(VxToolsMsgID(), messageManyFiles));
     } else {
@@ -83,30 +85,40 @@ bool stamp(std::string &text)
     return true;
 }
 
-/** Add `text` to the stream in one write, so that lines of several processes never mix. */
-bool writeAtOnce(FILE *stream, const std::string &text)
+uint32_t append(const std::string &text, bool missing)
 {
-    std::setvbuf(stream, nullptr, _IONBF, 0);
-    return std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+    FILE *stream = nullptr;
+    if (VxFileOpen(&stream, journal.path, "a+b"))
+        return 1;
+    noteFirstWrite();
+    bool done = os::appendWhole(stream, text.data(), text.size()) == os::Error::none;
+    // While it is still held: the next line is to find no file again, and stamp it.
+    if (!done && missing)
+        os::removeFile(journal.path);
+    return VxFileClose(&stream, 0) != 0 || !done;
 }
 
-uint32_t append(const char *line)
+/** Put `text` in place of a journal that has become too large, which stays when that fails. */
+uint32_t startAnew(const std::string &text)
 {
-    VxStat64 status;
-    bool existed = vxstat64(journal.path, &status) == 0;
+    if (os::replaceFile(journal.path, text.data(), text.size()) != os::Error::none)
+        return 1;
+    noteFirstWrite();
+    return 0;
+}
+
+uint32_t print(const char *line)
+{
+    os::FileStatus status{};
+    os::Error error = os::fileStatus(journal.path, status);
+    bool missing = error == os::Error::notFound;
+    if (error != os::Error::none && !missing)
+        return 1;
     std::string text;
-    if (!existed && !stamp(text))
+    if (missing && !stamp(text))
         return 1;
     text.append(line).append("\r\n");
-
-    bool tooBig = existed && static_cast<double>(status.size) > sizeLimit();
-    FILE *stream = nullptr;
-    if (VxFileOpen(&stream, journal.path, tooBig ? "w+b" : "a+b"))
-        return 1;
-    if (journal.firstWrite)
-        recordFile();
-    bool done = writeAtOnce(stream, text);
-    return VxFileClose(&stream, 0) != 0 || !done;
+    return static_cast<double>(status.size) > sizeLimit() ? startAnew(text) : append(text, missing);
 }
 
 }
@@ -146,7 +158,7 @@ uint32_t VxJnlPrint(const char *line)
     if (!line || VxStrIsBlank(journal.path))
         return 0;
     try {
-        return append(line);
+        return print(line);
     } catch (const std::bad_alloc &) {
         return 1;
     }

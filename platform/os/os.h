@@ -30,6 +30,7 @@ enum class Error : int32_t {
     isDirectory,
     noSpace,
     noMemory,
+    otherDevice, ///< two names that lie on two devices
     invalid,    ///< an argument or a name that the system cannot express
     unsupported,
     other
@@ -136,6 +137,15 @@ Error openFile(const char *path, const char *mode, FILE *&stream) noexcept;
 
 Error removeFile(const char *path) noexcept;
 
+/** Give a file or folder another name on the same device; a file that has the name already is replaced. */
+Error renameFile(const char *from, const char *to) noexcept;
+
+/**
+ * Give a file a second name; a file that has the name already is replaced.
+ * `unsupported` or `accessDenied` where the file system has no second names.
+ */
+Error linkFile(const char *existing, const char *name) noexcept;
+
 /**
  * Put these bytes in place of a file's content, or make the file, so that
  * whoever opens it finds the old content or the new and never a part. Where
@@ -144,7 +154,136 @@ Error removeFile(const char *path) noexcept;
  */
 Error replaceFile(const char *path, const void *bytes, size_t size) noexcept;
 
+/**
+ * Add bytes to the end of a file that openFile() gave for appending, past the
+ * stream's buffer and in one write: all of them, or none.
+ */
+Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept;
+
 Error makeDirectory(const char *path) noexcept;
+
+/** Remove an empty folder; a link to a folder is `notDirectory`. */
+Error removeDirectory(const char *path) noexcept;
+
+/** One entry of a folder. */
+struct FolderEntry {
+    char name[256];
+    bool folder; ///< also of a link that leads to one
+    bool link;   ///< what it leads to may come, go and change without the folder's own status changing
+};
+
+/** A walk over a folder's entries; opaque to callers. */
+struct FolderWalk {
+    void *handle = nullptr;
+};
+Error openFolder(const char *path, FolderWalk &out) noexcept;
+
+/**
+ * The next entry, in the system's order; `notFound` behind the last one. "."
+ * and "..", and names with a backslash, are left out. What comes and goes
+ * during the walk is met or not.
+ */
+Error readFolder(FolderWalk &walk, FolderEntry &out) noexcept;
+void closeFolder(FolderWalk &walk) noexcept;
+
+/** Bytes of the device that holds an existing path: what this user may still write, and all. */
+Error diskSpace(const char *path, int64_t &available, int64_t &total) noexcept;
+
+enum Attribute : uint32_t {
+    readOnlyAttribute = 0x1, ///< of files
+    hiddenAttribute = 0x2,
+    directoryAttribute = 0x10,
+    archiveAttribute = 0x20,
+};
+
+/** The attributes of a file or folder, those above. */
+Error fileAttributes(const char *path, uint32_t &attributes) noexcept;
+
+/**
+ * Set read-only, hidden and archive. `unsupported` when the file system has
+ * no place for the last two; the first is then set all the same.
+ */
+Error setFileAttributes(const char *path, uint32_t attributes) noexcept;
+
+// ---------------------------------------------------------------- positions of streams
+
+enum class Origin { begin, current, end };
+
+/** fseek and ftell for files of any size. */
+Error seekStream(FILE *stream, int64_t offset, Origin origin) noexcept;
+Error tellStream(FILE *stream, int64_t &position) noexcept;
+
+/** Flush a stream, through to the device. */
+Error syncStream(FILE *stream) noexcept;
+
+// ---------------------------------------------------------------- files without streams
+
+/** An open file; opaque to callers. */
+struct Handle {
+    intptr_t value = -1;
+
+    bool isOpen() const noexcept { return value >= 0; }
+};
+
+enum HandleMode : uint32_t {
+    readAccess = 0x1,
+    writeAccess = 0x2,
+    shareRead = 0x4,  ///< others may open it for reading meanwhile
+    shareWrite = 0x8, ///< and for writing
+    createNew = 0x10, ///< fail with `exists` when there is one; else an existing file is opened
+};
+
+/** Open a file, held as openFile() holds it. Folders are refused; without an access it is that for reading. */
+Error openHandle(const char *path, uint32_t mode, Handle &out) noexcept;
+
+/** Close it, in any case, and forget it; the error is that of writing late. */
+Error closeHandle(Handle &handle) noexcept;
+
+/** Close it without asking. */
+void dropHandle(Handle &handle) noexcept;
+
+Error handleStatus(Handle handle, FileStatus &out) noexcept;
+
+/** Read at an offset: as many bytes as there are, up to `size`; 0 at the end. */
+Error readHandle(Handle handle, int64_t offset, void *bytes, size_t size, size_t &got) noexcept;
+
+/** Copy at most `most` bytes from one offset to another, within the system where it can: 0 at the end. */
+Error copyBytes(Handle from, int64_t fromOffset, Handle to, int64_t toOffset, size_t most,
+                size_t &copied) noexcept;
+
+/** Cut or extend a file to a size. */
+Error resizeHandle(Handle handle, int64_t size) noexcept;
+
+/** Give `to` the permissions and the times of last access and change of `from`. */
+Error copyTimesAndPermissions(Handle from, Handle to) noexcept;
+
+/** A file that is on its way to take the place of another: see beginReplacement(). */
+struct Replacement {
+    Handle file; ///< the new file, for writing
+    Handle old;  ///< what it will replace, held, for reading where that is allowed; not open when nothing is
+    char name[4096 + 32]; ///< native, opaque to callers; empty when nothing is left to remove
+    char target[4096 + 1];
+};
+
+/**
+ * Make a new, empty file beside `path`, to be filled and then to take its
+ * name by commitReplacement(), or to be given up by dropReplacement(). What
+ * has the name, or where it is a link the file that it leads to, is held
+ * meanwhile; only files can be replaced. The new file has its permissions.
+ */
+Error beginReplacement(const char *path, Replacement &out) noexcept;
+
+/**
+ * Give the new file its name. With `durable`, whatever happens to the power
+ * then, the name leads to the old content or to all of the new. On failure
+ * nothing has changed, and the new file is still to be dropped.
+ */
+Error commitReplacement(Replacement &replacement, bool durable) noexcept;
+
+/** Close what is open, and remove the new file unless it has its name. */
+void dropReplacement(Replacement &replacement) noexcept;
+
+// ---------------------------------------------------------------- places
 
 /** The process's current directory, without a final separator unless it is a root. */
 Error currentDirectory(char *out, size_t size) noexcept;
@@ -158,6 +297,18 @@ Error longPath(const char *path, char *out, size_t size) noexcept;
 
 /** The system's folder for temporary files, without a final separator unless it is a root. */
 Error temporaryFolder(char *out, size_t size) noexcept;
+
+// ---------------------------------------------------------------- what the system is
+
+struct SystemName {
+    char system[257], node[257], release[257], version[257], machine[257];
+};
+
+/** The system, this machine's name in the network, and the processor. */
+Error systemName(SystemName &out) noexcept;
+
+/** Have the clock step by a millisecond or less, until it is told not to; many systems' clocks always do. */
+Error fineClock(bool fine) noexcept;
 
 // ---------------------------------------------------------------- standard streams
 

@@ -12,6 +12,7 @@
 #include "vx/pool.h"
 #include "vx/queue.h"
 #include "vx/sort.h"
+#include "vx/posix.h"
 #include "vx/tools.h"
 
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type " has " #bytes " bytes")
@@ -83,6 +84,8 @@ AT(VxIdEntry, flag, 20);
 AT(VxIdList, entries, 16);
 AT(VxIdList, sorted, 24);
 SIZE(VxLbl, 20);
+SIZE(VxDirEnt, 280);
+AT(VxDirEnt, name, 19);
 
 AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);

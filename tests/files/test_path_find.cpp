@@ -1,175 +1,199 @@
 #include <cstring>
 #include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
 
 #include "files/path_state.h"
 #include "tests/files/toolkit_fixture.h"
+#include "tests/support/captured_output.h"
 #include "tests/support/code_page.h"
+#include "tests/support/each_refusal.h"
+#include "vx/err.h"
 #include "vx/lang.h"
 #include "vx/path.h"
 #include "vx/tools.h"
 
 using namespace vx;
+using testing::ElementsAre;
 
 namespace {
+
+using PathRegistry = test::ToolkitFixture;
+
+std::vector<std::string> notified;
+
+TEST_F(PathRegistry, DirectoriesAreKeptOnceInOrderOfRegistrationUpTo255Bytes)
+{
+    notified.clear();
+    host(
+        67, +[](const char *path) { notified.emplace_back(path); });
+    test::CodePageScope japanese(932);
+    std::string longest(254, 'x');
+    for (const char *path : {"D:/a/b", "d:\\A\\B\\", "", "E:/", "D:\\\x83\x5C", longest.c_str()})
+        EXPECT_EQ(VxPathSet(path), 0u);
+    for (size_t length : {255u, 259u, 260u, 5000u}) {
+        test::CapturedOutput output;
+        EXPECT_EQ(VxPathSet(std::string(length, 'y').c_str()), 1u);
+        EXPECT_EQ(output.text(), length < 260 ? "\nVxPathSet: Path exceeds 255 characters.\n" : "") << length;
+    }
+    EXPECT_THAT(registered(), ElementsAre("D:\\a\\b\\", "E:\\", "D:\\\x83\x5C\\", longest + "\\"));
+    EXPECT_THAT(notified, ElementsAre("D:/a/b", "E:/", "D:\\\x83\x5C", longest));
+    host<void(const char *)>(67, nullptr);
+    uint32_t result = 0;
+    test::eachRefusal(
+        fault::Kind::allocation, nullptr, [&] { result = VxPathSet("b"); },
+        [&](bool refused) {
+            EXPECT_EQ(result, refused ? 1u : 0u);
+            EXPECT_EQ(VxErrIsLogged(VxToolsErrID(), 1), refused ? 1 : 0);
+            EXPECT_EQ(registered().size(), refused ? 4u : 5u);
+            VxErrClear();
+        });
+}
+
+TEST_F(PathRegistry, LookingUpForgivesTheFinalDelimiterAndRemovingDoesNot)
+{
+    for (const char *path : {"a", "D:\\b", "c"})
+        VxPathSet(path);
+    char without[] = "d:/B";
+    char with[] = "D:/b/";
+    EXPECT_EQ(VxPathLogged(without) + VxPathLogged(with), 2);
+    EXPECT_STREQ(without, "d:\\B");
+    EXPECT_EQ(VxPathDel("D:\\b"), 0u);
+    EXPECT_EQ(registered().size(), 3u);
+    EXPECT_EQ(VxPathDel("d:/B/") + VxPathDel(std::string(5000, 'x').c_str()), 0u);
+    EXPECT_EQ(VxPathLogged(with), 0);
+    VxPathNode *list = nullptr;
+    EXPECT_EQ(VxPathDelUtil(&list, "c\\") + VxPathDelUtil(&files::pathState.first, "a\\"), 0u);
+    EXPECT_THAT(registered(), ElementsAre("c\\"));
+    VxPathFree();
+    EXPECT_THAT(registered(), ElementsAre());
+    EXPECT_EQ(VxPathSet(nullptr) + VxPathDel(nullptr) + VxPathDelUtil(nullptr, "a"), 3u);
+}
+
+TEST_F(PathRegistry, LanguageDirectoriesFollowInTheirOrder)
+{
+    VxLangFree();
+    strcpy(files::pathState.root, "R:\\");
+    char locale[8] = "";
+    VxLangGetLocale(locale, sizeof locale);
+    EXPECT_EQ(VxPathLogLang(), 0u);
+    std::string own = std::string("R:\\languages\\") + locale + "\\";
+    std::vector<std::string> expected{own, own + "doc\\", own + "resource\\"};
+    if (locale != std::string("en_US"))
+        expected.push_back("R:\\languages\\en_US\\resource\\");
+    for (const char *sub : {"text\\", "icons\\", "cam_config\\", "supp\\", "output_def\\"})
+        expected.push_back(own + sub);
+    for (const char *sub : {"output_def\\", "supp\\", "templates\\", "stamp\\icons\\"})
+        for (const char *base : {".\\", "R:\\"})
+            expected.push_back(std::string(base) + sub);
+    EXPECT_EQ(registered(), expected);
+}
 
 struct PathFind : test::ToolkitFixture {
     PathFind()
     {
         snprintf(files::pathState.root, sizeof files::pathState.root, "%s\\", folder.text("root").c_str());
-        VxLangGetLocale(locale_, sizeof locale_);
+        char locale[8] = "";
+        VxLangGetLocale(locale, sizeof locale);
+        languages = std::string("root/languages/") + locale + "/";
         VxPathSet(folder.text("first").c_str());
         VxPathSet(folder.text("second").c_str());
     }
 
-    std::string languages(const std::string &rest)
-    {
-        return std::string("root/languages/") + locale_ + "/" + rest;
-    }
-
-    static std::string find(const std::string &name, int32_t size = 512)
+    /** By VxPathFindIn for a mode, else by VxPathFind. */
+    static std::string find(const std::string &name, size_t size = 512, int32_t mode = -1,
+                            const char *subdir = nullptr)
     {
         char buffer[512];
         snprintf(buffer, sizeof buffer, "%s", name.c_str());
-        int32_t found = VxPathFind(buffer, size);
-        if (!found) {
-            EXPECT_EQ(buffer, name) << "a miss changes nothing";
-        }
+        int32_t room = static_cast<int32_t>(size);
+        bool found = (mode < 0 ? VxPathFind(buffer, room) : VxPathFindIn(buffer, room, subdir, mode)) != 0;
+        EXPECT_TRUE(found || buffer == name) << "a miss changes nothing";
         return found ? buffer : "none";
     }
-
-    static std::string findIn(const char *name, const char *subdir, int32_t mode, int32_t size = 512)
+    static std::string findIn(const std::string &name, const char *subdir, int32_t mode, size_t size = 512)
     {
-        char buffer[512];
-        snprintf(buffer, sizeof buffer, "%s", name);
-        int32_t found = VxPathFindIn(buffer, size, subdir, mode);
-        if (!found) {
-            EXPECT_STREQ(buffer, name) << "a miss changes nothing";
-        }
-        return found ? buffer : "none";
+        return find(name, size, mode, subdir);
     }
 
-    char locale_[8] = "";
+    std::string languages;
 };
 
 TEST_F(PathFind, PlacesAreTriedInTheirOrder)
 {
-    // Each place made now is to win over those made before.
     EXPECT_EQ(find("f"), "none");
-    folder.write("second/f", "");
-    EXPECT_EQ(find("f"), folder.text("second/f"));
-    folder.write("first/f", "");
-    EXPECT_EQ(find("f"), folder.text("first/f"));
-    folder.write(languages("f"), "");
-    EXPECT_EQ(find("f"), folder.text(languages("f")));
-    folder.write("f", "");
-    EXPECT_EQ(find("f"), "f");
-}
-
-TEST_F(PathFind, NamesWithAFolderAreNotSearched)
-{
-    folder.write("first/sub/f", "");
-    folder.write("here/f", "");
-    EXPECT_EQ(find("sub\\f"), "none");
-    EXPECT_EQ(find("here\\f"), "here\\f");
-    EXPECT_EQ(findIn("sub\\f", nullptr, 1), "none");
-    // A slash is no separator here.
-    EXPECT_EQ(find("sub/f"), folder.text("first") + "\\sub/f");
-}
-
-TEST_F(PathFind, ASecondByteIsNoFolder)
-{
-    test::CodePageScope japanese(932);
-    std::string name = "\x83\x5C.txt";
-    folder.write("first/\xE3\x82\xBD.txt", "");
-    EXPECT_EQ(find(name), folder.text("first") + "\\" + name);
-}
-
-TEST_F(PathFind, TheEmptyNameIsTheRoot)
-{
-    std::string root = folder.text("root") + "\\";
-    EXPECT_EQ(find(""), root);
-    EXPECT_EQ(findIn("", "sub", 1), root);
-    EXPECT_EQ(find("", static_cast<int32_t>(root.size()) + 1), root);
-    EXPECT_EQ(find("", static_cast<int32_t>(root.size())), "none");
-}
-
-TEST_F(PathFind, WhatTheBufferCannotHoldIsPassedOver)
-{
-    folder.write("first/f", "");
-    std::string there = folder.text("first/f");
-    EXPECT_EQ(find("f", static_cast<int32_t>(there.size()) + 1), there);
-    EXPECT_EQ(find("f", static_cast<int32_t>(there.size())), "none");
-    EXPECT_EQ(findIn("f", nullptr, 1, static_cast<int32_t>(there.size())), "none");
-    char name[4] = "f";
-    EXPECT_EQ(VxPathFind(name, 0) + VxPathFind(nullptr, 4) + VxPathFindIn(name, 0, nullptr, 0), 0);
-}
-
-TEST_F(PathFind, FindInComposesUpTo255Characters)
-{
-    std::string base = folder.text("first") + "\\";
-    std::string longest(255 - base.size(), 'n');
-    folder.write("first/" + longest, "");
-    folder.write("first/" + longest + "n", "");
-    EXPECT_EQ(findIn(longest.c_str(), nullptr, 1), base + longest);
-    EXPECT_EQ(findIn((longest + "n").c_str(), nullptr, 1), "none");
-    EXPECT_EQ(find(longest + "n"), base + longest + "n");
-}
-
-TEST_F(PathFind, TheHostIsAskedLast)
-{
     host(
         68, +[](const char *name, char *out, int32_t size) -> int32_t {
             snprintf(out, static_cast<size_t>(size), "%s", std::strcmp(name, "f") == 0 ? "P:\\vault\\f" : "");
             return 7;
         });
     EXPECT_EQ(find("f"), "P:\\vault\\f");
-    folder.write("second/f", "");
-    EXPECT_EQ(find("f"), folder.text("second/f"));
+    // Each place made now is to win over those made before.
+    for (const std::string &place : {std::string("second/f"), std::string("first/f"), languages + "f"}) {
+        folder.write(place, "");
+        EXPECT_EQ(find("f"), folder.text(place));
+    }
+    folder.write("f", "");
+    EXPECT_EQ(find("f"), "f");
 }
 
-TEST_F(PathFind, SubdirectoriesAreTriedInTheirOrder)
+TEST_F(PathFind, SubdirectoriesAreTriedInTheirOrderAsFarAsTheModeGoes)
 {
     EXPECT_EQ(findIn("f", "sub", 1), "none");
-    struct {
-        std::string file;
-        std::string expected;
-    } places[] = {
-        {"second/sub/f", folder.text("second/sub/f")},
-        {"second/f", folder.text("second/f")},
-        {"first/sub/f", folder.text("first/sub/f")},
-        {"first/f", folder.text("first/f")},
-        {"root/sub/f", folder.text("root/sub/f")},
-        {languages("sub/f"), folder.text(languages("sub/f"))},
-        {"sub/f", ".\\sub\\f"},
-        {"local/f", ".\\local\\f"},
-        {"f", "f"},
-    };
-    for (auto &place : places) {
-        folder.write(place.file, "");
-        EXPECT_EQ(findIn("f", "sub", 1), place.expected);
+    std::string inRoot = folder.text("root/sub/f");
+    for (const std::string &place :
+         {std::string("second/sub/f"), std::string("second/f"), std::string("first/sub/f"),
+          std::string("first/f"), std::string("root/sub/f"), languages + "sub/f"}) {
+        folder.write(place, "");
+        EXPECT_EQ(findIn("f", "sub", 1), folder.text(place));
+        EXPECT_EQ(findIn("f", "sub", 2), "none");
+        // Mode 0 gives the place for a file that is still to be made.
+        EXPECT_EQ(findIn("f", "sub", 0), place == languages + "sub/f" ? folder.text(place) : inRoot);
+    }
+    EXPECT_EQ(findIn("f", nullptr, 0), folder.text("first/f"));
+    for (const char *place : {"sub/f", "local/f", "f"}) {
+        folder.write(place, "");
+        std::string expected = *place == 'f' ? "f" : *place == 's' ? ".\\sub\\f" : ".\\local\\f";
+        for (int32_t mode : {0, 1, 2})
+            EXPECT_EQ(findIn("f", "sub", mode), expected);
     }
 }
 
-TEST_F(PathFind, TheModeSaysHowFarTheSearchGoes)
+TEST_F(PathFind, NamesWithAFolderAreNotSearchedAndTheEmptyOneIsTheRoot)
 {
-    folder.write("first/f", "");
-    EXPECT_EQ(findIn("f", "sub", 2), "none");
-    EXPECT_EQ(findIn("f", "sub", 1), folder.text("first/f"));
-    // Mode 0 gives the place for a file that is still to be made.
-    EXPECT_EQ(findIn("f", "sub", 0), folder.text("root/sub/f"));
-    EXPECT_EQ(findIn("f", nullptr, 0), folder.text("first/f"));
-    folder.write("sub/f", "");
-    EXPECT_EQ(findIn("f", "sub", 2), ".\\sub\\f");
-}
-
-TEST_F(PathFind, LanguagesAreThereWhenTheirTextsAre)
-{
-    EXPECT_EQ(VxPathLangExist("xx"), 0);
+    folder.write("first/sub/f", "");
+    folder.write("here/f", "");
+    EXPECT_EQ(find("sub\\f") + findIn("sub\\f", nullptr, 1), "nonenone");
+    EXPECT_EQ(find("here\\f"), "here\\f");
+    EXPECT_EQ(find("sub/f"), folder.text("first") + "\\sub/f") << "a slash is no separator here";
+    {
+        test::CodePageScope japanese(932);
+        folder.write("first/\xE3\x82\xBD.txt", "");
+        EXPECT_EQ(find("\x83\x5C.txt"), folder.text("first") + "\\\x83\x5C.txt") << "nor is a second byte";
+    }
     folder.write("root/languages/xx/text/a", "");
     folder.write("root/languages/yy/text", "a file, not a folder");
-    EXPECT_EQ(VxPathLangExist("xx"), 1);
-    EXPECT_EQ(VxPathLangExist("yy"), 0);
-    EXPECT_EQ(VxPathLangExist(nullptr), 0);
+    EXPECT_EQ(VxPathLangExist("xx") * 10 + VxPathLangExist("yy") + VxPathLangExist("zz"), 10);
+    std::string root = folder.text("root") + "\\";
+    EXPECT_EQ(findIn("", "sub", 1), root);
+    EXPECT_EQ(find("", root.size() + 1), root);
+    EXPECT_EQ(find("", root.size()), "none");
+}
+
+TEST_F(PathFind, WhatTheBuffersCannotHoldIsPassedOver)
+{
+    std::string base = folder.text("first") + "\\";
+    std::string longest(255 - base.size(), 'n');
+    folder.write("first/" + longest, "");
+    folder.write("first/" + longest + "n", "");
+    EXPECT_EQ(findIn(longest, nullptr, 1), base + longest);
+    EXPECT_EQ(findIn(longest, nullptr, 1, 255), "none");
+    EXPECT_EQ(findIn(longest + "n", nullptr, 1), "none");
+    EXPECT_EQ(find(longest + "n", 257), base + longest + "n");
+    EXPECT_EQ(find(longest + "n", 256), "none");
+    char name[4] = "f";
+    EXPECT_EQ(VxPathFind(name, 0) + VxPathFind(nullptr, 4) + VxPathFindIn(name, 0, nullptr, 0), 0);
 }
 
 std::string pdmAnswer;
@@ -183,27 +207,28 @@ int32_t resolvePdm(const char *name, const char *aux, char *path, char *auxOut, 
 
 TEST_F(PathFind, ProductDataIsAskedOnlyWhereItIsOn)
 {
-    char name[10] = "f";
-    char aux[32] = "rev";
     int32_t on = 1;
+    auto ask = [](int32_t size = 10) {
+        char name[10] = "f";
+        char aux[32] = "rev";
+        int32_t found = VxPathFindPDM(name, size, aux, sizeof aux, 4, 5);
+        EXPECT_EQ(found == 0, std::strcmp(name, "f") == 0);
+        return found ? std::string(name) + " " + aux : "none";
+    };
     pdmAnswer = "V:\\f;3456"; // nine characters: just fits
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none") << "the host has neither the switch nor the resolver";
     host(69, resolvePdm);
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none");
     hostVariable(5, &on);
     VgPathFindPDMSkip = 1;
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
-    EXPECT_EQ(VxPathFindPDM(name, 9, aux, 32, 4, 5), 0);
-    EXPECT_STREQ(name, "f");
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 1);
-    EXPECT_STREQ(name, "V:\\f;3456");
-    EXPECT_STREQ(aux, "f+rev 4 5");
-    EXPECT_EQ(VxPathFindPDM(name, 10, nullptr, 0, 4, 5), 1);
-    pdmAnswer.clear();
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
-    pdmAnswer = "x";
+    EXPECT_EQ(ask(), "none") << "skipped once";
+    EXPECT_EQ(ask(), "V:\\f;3456 f+rev 4 5");
+    EXPECT_EQ(ask(9), "none");
     on = 2;
-    EXPECT_EQ(VxPathFindPDM(name, 10, aux, 32, 4, 5), 0);
+    EXPECT_EQ(ask(), "none");
+    on = 1;
+    pdmAnswer.clear();
+    EXPECT_EQ(ask(), "none");
 }
 
 }

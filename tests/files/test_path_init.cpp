@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -6,10 +8,10 @@
 #include <gmock/gmock.h>
 
 #include "files/path_state.h"
-#include "talm/base.h"
 #include "tests/files/toolkit_fixture.h"
 #include "tests/support/captured_output.h"
 #include "tests/support/each_refusal.h"
+#include "tests/support/error_log.h"
 #include "vx/path.h"
 #include "vx/tools.h"
 
@@ -22,20 +24,13 @@ namespace {
 struct PathInit : test::ToolkitFixture {
     PathInit()
     {
-        folders.folders[4] = folder.text("home/work");
-        folders.folders[5] = folder.text("home/mine");
-        folders.folders[9] = folder.text("home/nine");
-        folders.folders[10] = folder.text("home/ten");
-        std::string program = fs::read_symlink("/proc/self/exe").parent_path().string();
-        for (char c : program)
-            install += c == '/' ? '\\' : c;
+        const char *names[] = {"home/work", "home/mine", "home/nine", "home/ten"};
+        for (size_t i = 0; i < 4; ++i)
+            folders.folders[std::array{4u, 5u, 9u, 10u}[i]] = folder.text(names[i]);
+        install = fs::read_symlink("/proc/self/exe").parent_path().string();
+        std::replace(install.begin(), install.end(), '/', '\\');
     }
-    ~PathInit() override
-    {
-        VgInstance = 0;
-        VgTplCompile = 0;
-        EsSinkCallback(nullptr, nullptr);
-    }
+    ~PathInit() override { VgInstance = VgTplCompile = 0; }
 
     void goTo(const char *name)
     {
@@ -43,93 +38,72 @@ struct PathInit : test::ToolkitFixture {
         fs::current_path(folder.native() / name);
     }
 
-    std::vector<std::string> log;
-    void watchLog()
+    /** Whether the event log has this; its level is that of the toolkit's steps or failures. */
+    bool logged(const std::string &text, int32_t level = 8) const
     {
-        EsSinkCallback(
-            [](void *lines, const EsRecord *record) {
-                static_cast<std::vector<std::string> *>(lines)->push_back(std::to_string(record->level) +
-                                                                          " " + record->text);
-            },
-            &log);
+        return std::any_of(log.events.begin(), log.events.end(), [&](const auto &event) {
+            return event.level == level && event.text.starts_with(text);
+        });
     }
 
+    test::RecordedEvents log;
     std::string install;
 };
 
-TEST_F(PathInit, AnInstalledProductSearchesItsOwnFolderAndTheUsers)
+TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
 {
-    goTo("anywhere");
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_THAT(registered(),
-                ElementsAre(install + "\\", folders.folders[9] + "\\", folders.folders[10] + "\\"));
-    EXPECT_EQ(files::pathState.root, install + "\\");
-    char buffer[300];
-    EXPECT_EQ(VxPathInstallGet(buffer, sizeof buffer), 0u);
-    EXPECT_EQ(buffer, install);
-    EXPECT_EQ(fs::current_path(), folder.native() / "home/work");
-    EXPECT_EQ(VgPathUserFolder, folders.folders[5]);
-
-    // A second start changes nothing while directories are registered.
-    goTo("elsewhere");
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(fs::current_path(), folder.native() / "elsewhere");
-}
-
-TEST_F(PathInit, ASecondInstanceStaysWhereItWasStarted)
-{
-    goTo("anywhere");
-    VgInstance = 1;
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(fs::current_path(), folder.native() / "anywhere");
-    EXPECT_FALSE(fs::exists(folder.native() / "home"));
-    EXPECT_EQ(VgPathUserFolder, folders.folders[5]);
-}
-
-TEST_F(PathInit, ATemplateCompilerTouchesNoUserFolder)
-{
-    goTo("anywhere");
-    VgTplCompile = 1;
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(fs::current_path(), folder.native() / "anywhere");
-    EXPECT_FALSE(fs::exists(folder.native() / "home"));
-    EXPECT_EQ(VgPathUserFolder, folder.text("anywhere"));
-}
-
-TEST_F(PathInit, ABuildFolderSelectsTheDevelopmentTree)
-{
-    goTo("bin/src/msvc/Debug64");
+    std::string program = fs::read_symlink("/proc/self/exe").stem().string();
     int32_t version = 2799;
     hostVariable(2, &version);
-    watchLog();
-    EXPECT_EQ(VxPathInit(), 0u);
     std::string source = folder.text("bin/src");
-    std::string build = folder.text("bin");
-    EXPECT_THAT(registered(),
-                ElementsAre(source + "\\driver\\", install + "\\", source + "\\qa\\", build + "\\HK_QA\\27\\",
-                            folders.folders[9] + "\\", folders.folders[10] + "\\"));
-    EXPECT_EQ(files::pathState.root, source + "\\driver\\");
-    EXPECT_EQ(fs::current_path(), folder.native() / "bin/src/msvc/Debug64");
-    EXPECT_THAT(log, ElementsAre("8 Debug/Release build ...", "8 development environment ...",
-                                 testing::StartsWith("8 SrcPath=" + source)));
-}
-
-TEST_F(PathInit, TheApplicationsOwnFolderCountsNotTheCurrentOne)
-{
-    goTo("Debug");
-    std::string program = fs::read_symlink("/proc/self/exe").stem().string();
-    hostVariable(1, program.c_str());
-    EXPECT_EQ(VxPathInit(), 0u);
-    EXPECT_EQ(files::pathState.root, install + "\\") << "the tests do not lie in a build folder by name";
-}
-
-TEST_F(PathInit, AWorkFolderThatCannotBeMadeIsAFailure)
-{
-    folder.write("home", "a file stands in the way");
-    EXPECT_EQ(VxPathInit(), 1u);
-    EXPECT_THAT(registered(), ElementsAre());
-    EXPECT_STREQ(VgPathUserFolder, "");
-    EXPECT_EQ(fs::current_path(), folder.native());
+    std::vector<std::string> installed{install + "\\"};
+    std::vector<std::string> built{source + "\\driver\\", install + "\\", source + "\\qa\\",
+                                   folder.text("bin/HK_QA/27") + "\\"};
+    const char *tree = "bin/src/msvc/Debug64";
+    struct {
+        const char *place;
+        int32_t *flag;
+        const char *host; ///< the application's name
+        std::vector<std::string> directories;
+        const char *current;
+        std::string user, step;
+    } starts[] = {
+        {"any", nullptr, "x", installed, "home/work", folders.folders[5], "install environment ..."},
+        {"any", &VgInstance, "x", installed, "any", folders.folders[5], "install environment(Instance)"},
+        {"any", &VgTplCompile, "x", installed, "any", folder.text("any"), "Production build ..."},
+        {tree, nullptr, "x", built, tree, folder.text(tree), "development environment ..."},
+        {tree, &VgInstance, "", built, tree, folder.text(tree), "development environment(Instance)"},
+        // The application's own folder counts, and that of these tests has no build folder's name.
+        {tree, nullptr, program.c_str(), installed, "home/work", folders.folders[5],
+         "install environment ..."},
+    };
+    for (auto &start : starts) {
+        SCOPED_TRACE(testing::Message() << start.place << ' ' << start.step);
+        goTo(start.place);
+        hostVariable(1, start.host);
+        if (start.flag)
+            *start.flag = 1;
+        EXPECT_EQ(VxPathInit(), 0u);
+        VgInstance = VgTplCompile = 0;
+        std::string root = start.directories[0];
+        for (int32_t number : {9, 10})
+            start.directories.push_back(folders.folders[static_cast<size_t>(number)] + "\\");
+        EXPECT_EQ(registered(), start.directories);
+        EXPECT_EQ(files::pathState.root, root);
+        EXPECT_EQ(VgPathUserFolder, start.user);
+        EXPECT_TRUE(logged(start.step));
+        EXPECT_EQ(logged("SrcPath=" + source), root == built[0]);
+        EXPECT_EQ(fs::current_path(), folder.native() / start.current);
+        char buffer[300];
+        EXPECT_EQ(VxPathInstallGet(buffer, sizeof buffer), 0u);
+        EXPECT_EQ(buffer, install);
+        goTo("elsewhere");
+        EXPECT_EQ(VxPathInit(), 0u);
+        EXPECT_EQ(fs::current_path(), folder.native() / "elsewhere") << "while directories are registered";
+        VxPathFree();
+        fs::remove_all(folder.native() / "home");
+        log.events.clear();
+    }
 }
 
 TEST_F(PathInit, TheLastUserFolderDecidesTheResult)
@@ -146,24 +120,18 @@ TEST_F(PathInit, TheLastUserFolderDecidesTheResult)
 
 TEST_F(PathInit, WhatTheSystemRefusesIsLoggedAndTheStartGoesOn)
 {
-    struct {
-        const char *verb;
-        const char *text;
-    } steps[] = {{"executablePath", "9 GetModuleFileNameEx failed (5)"},
-                 {"currentDirectory", "9 GetCurrentDirectory failed (5)"},
-                 {"setCurrentDirectory", "9 SetCurrentDirectory failed (5)"}};
-    for (auto &step : steps) {
+    const char *steps[][2] = {{"executablePath", "GetModuleFileNameEx failed (5)"},
+                              {"currentDirectory", "GetCurrentDirectory failed (5)"},
+                              {"setCurrentDirectory", "SetCurrentDirectory failed (5)"}};
+    for (auto &[verb, text] : steps) {
         VxPathFree();
-        log.clear();
-        watchLog();
-        fault::onlyVerb(step.verb);
+        fault::onlyVerb(verb);
         fault::refuse(fault::Kind::verb, 1);
-        EXPECT_EQ(VxPathInit(), 0u) << step.verb;
+        EXPECT_EQ(VxPathInit(), 0u) << verb;
         fault::refuse(fault::Kind::verb, 0);
         fault::onlyVerb(nullptr);
-        EXPECT_THAT(log, testing::Contains(step.text));
-        bool unknown = std::strcmp(step.verb, "executablePath") == 0;
-        EXPECT_EQ(files::pathState.root, unknown ? ".\\" : install + "\\");
+        EXPECT_TRUE(logged(text, 9)) << text;
+        EXPECT_EQ(files::pathState.root, *verb == 'e' ? ".\\" : install + "\\");
     }
 }
 
@@ -174,13 +142,13 @@ TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
     fs::path place;
     auto reset = [&] {
         VxPathFree();
-        strcpy(files::pathState.root, "old root");
-        strcpy(files::pathState.install, "old install");
-        strcpy(VgPathUserFolder, "old user");
+        strcpy(files::pathState.root, "root");
+        strcpy(files::pathState.install, "install");
+        strcpy(VgPathUserFolder, "user");
         fs::current_path(place);
         fs::remove_all(folder.native() / "home");
     };
-    int failures = 0;
+    bool failed = false;
     for (const char *name : {"anywhere", "x/Release"})
         for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
             goTo(name);
@@ -192,17 +160,17 @@ TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
                 [&](bool refused) {
                     EXPECT_TRUE(refused || result == 0);
                     if (result != 0) {
-                        ++failures;
+                        failed = true;
                         EXPECT_THAT(registered(), ElementsAre());
-                        EXPECT_STREQ(files::pathState.root, "old root");
-                        EXPECT_STREQ(files::pathState.install, "old install");
-                        EXPECT_STREQ(VgPathUserFolder, "old user");
+                        EXPECT_EQ(std::string(files::pathState.root) + files::pathState.install,
+                                  "rootinstall");
+                        EXPECT_STREQ(VgPathUserFolder, "user");
                         EXPECT_EQ(fs::current_path(), place);
                     }
                     reset();
                 });
         }
-    EXPECT_GE(failures, 4) << "four directories and a folder need memory and the system";
+    EXPECT_TRUE(failed);
 }
 
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -6,7 +7,9 @@
 
 #include "tests/files/toolkit_fixture.h"
 #include "tests/support/code_page.h"
+#include "tests/support/each_refusal.h"
 #include "vx/path.h"
+#include "vx/posix.hpp"
 
 using namespace vx;
 using testing::ElementsAre;
@@ -14,16 +17,29 @@ using testing::ElementsAre;
 namespace {
 
 struct PathText : test::ToolkitFixture {
+    /** A buffer of `size` bytes as `function` leaves it, "!" in front for a failure. */
+    template <typename Function> static std::string out(Function function, int32_t size = 300)
+    {
+        char buffer[300] = "";
+        bool done = function(buffer, size);
+        return (done ? "" : "!") + std::string(buffer);
+    }
     static std::string dir(const std::string &path, int32_t size = 300)
     {
-        char out[300] = "?";
-        return VxPathDir(path.c_str(), out, size) == 0 ? out : std::string("failed:") + out;
+        return out([&](char *to, int32_t room) { return VxPathDir(path.c_str(), to, room) == 0; }, size);
     }
-
     static std::string name(const std::string &path, int32_t size = 300)
     {
-        char out[300] = "?";
-        return VxPathName(path.c_str(), size, out) == 0 ? out : "failed";
+        return out([&](char *to, int32_t room) { return VxPathName(path.c_str(), room, to) == 0; }, size);
+    }
+    static std::string expand(const std::string &path, int32_t size = 300)
+    {
+        return out([&](char *to, int32_t room) { return VxPathExpand(path.c_str(), to, room) != 0; }, size);
+    }
+    static std::string real(const std::string &path, int32_t size = 300, int32_t report = 0)
+    {
+        return out([&](char *to, int32_t room) { return VxPathReal(report, path.c_str(), to, room) == 0; },
+                   size);
     }
 };
 
@@ -41,30 +57,27 @@ const Alphabet alphabets[] = {
     {65001, {"a", "\xC3\xA9", "\xE5\x9B\xB3", "\xF0\x9F\x9B\xA0"}},
 };
 
-std::string word(std::mt19937 &random, const Alphabet &alphabet)
-{
-    std::string text;
-    for (size_t n = 1 + random() % 4; n > 0; --n)
-        text += alphabet.characters[random() % alphabet.characters.size()];
-    return text;
-}
-
 TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
 {
     std::mt19937 random(20261121);
     for (int round = 0; round < 3000; ++round) {
         const Alphabet &alphabet = alphabets[random() % std::size(alphabets)];
         test::CodePageScope page(alphabet.codePage);
+        auto word = [&] {
+            std::string text;
+            for (size_t n = 1 + random() % 4; n > 0; --n)
+                text += alphabet.characters[random() % alphabet.characters.size()];
+            return text;
+        };
         std::string drive = random() % 2 ? "D:" : "";
-        std::string parents;
-        std::string given;
+        std::string parents, given;
         for (size_t n = random() % 4; n > 0; --n) {
-            std::string parent = word(random, alphabet);
+            std::string parent = word();
             parents += "\\" + parent;
             given += (random() % 2 ? "/" : "\\") + parent;
         }
-        std::string base = word(random, alphabet);
-        std::string extension = random() % 2 ? "." + word(random, alphabet) : "";
+        std::string base = word();
+        std::string extension = random() % 2 ? "." + word() : "";
         given = drive + given + "/" + base + extension;
         SCOPED_TRACE(testing::Message() << alphabet.codePage << ' ' << given);
 
@@ -72,112 +85,128 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
         ASSERT_EQ(given, drive + parents + "\\" + base + extension);
         EXPECT_EQ(dir(given), drive + parents);
         EXPECT_EQ(name(given), base + extension);
-
+        EXPECT_EQ(real("D:" + parents + "\\" + base + "\\..\\" + base), "D:" + parents + "\\" + base);
         char parts[4][256];
         ASSERT_EQ(VxPathSplit(given.c_str(), parts[0], parts[1], parts[2], parts[3]), 0u);
         EXPECT_THAT(parts, ElementsAre(testing::StrEq(drive), testing::StrEq(parents + "\\"),
                                        testing::StrEq(base), testing::StrEq(extension)));
-
         char composed[300];
-        std::string whole = drive + "\\" + base;
-        snprintf(composed, sizeof composed, "%s", whole.c_str());
-        ASSERT_EQ(VxPathCompose(composed, sizeof composed, "x", 1), 0u);
-        EXPECT_EQ(composed, whole + "\\x");
+        snprintf(composed, sizeof composed, "%s", base.c_str());
+        ASSERT_EQ(VxPathAddDelim(composed) + VxPathCompose(composed, sizeof composed, "x", 1), 0u);
+        EXPECT_EQ(composed, base + "\\x");
     }
 }
 
-TEST_F(PathText, DelimitersAreAddedOnceAndNotToNothing)
+TEST_F(PathText, FoldersAndNamesThatAreNoneOrDoNotFitFail)
 {
-    char path[16] = "";
-    VxPathAddDelim(path);
-    EXPECT_STREQ(path, "");
-    for (int i = 0; i < 2; ++i) {
-        snprintf(path, sizeof path, "%s", i ? "a\\" : "a");
-        VxPathAddDelim(path);
-        EXPECT_STREQ(path, "a\\");
-    }
-}
-
-TEST_F(PathText, PathsWithoutAFolderLieInTheCurrentOne)
-{
-    EXPECT_EQ(dir("file.txt"), ".\\");
-    EXPECT_EQ(dir("file.txt", 3), ".\\");
-    EXPECT_EQ(dir("file.txt", 2), "failed:");
-    EXPECT_EQ(dir("\\file.txt"), "");
+    EXPECT_EQ(dir("file.txt", 3), ".\\") << "without a folder it lies in the current one";
+    EXPECT_EQ(dir("file.txt", 2) + dir("\\file.txt") + dir("abc\\d", 3), "!!");
     EXPECT_EQ(dir("ab\\c", 3), "ab");
-    EXPECT_EQ(dir("abc\\d", 3), "failed:");
-}
-
-TEST_F(PathText, NamesThatAreNoneFail)
-{
-    for (const char *path : {"D:\\dir\\", "", ".", "..", "a\\.", "a\\.."})
-        EXPECT_EQ(name(path), "failed") << path;
+    for (const char *none : {"D:\\dir\\", "", ".", "..", "a\\.", "a\\.."})
+        EXPECT_EQ(name(none)[0], '!') << none;
     EXPECT_THAT(errors(), ElementsAre());
-    EXPECT_EQ(name("a\\bcd", 4), "bcd");
-    EXPECT_EQ(name("a\\bcde", 4), "failed");
+    EXPECT_EQ(name("a\\bcd", 4) + name("a\\bcde", 4), "bcd!");
     EXPECT_THAT(errors(), ElementsAre("The file name in a\\bcde is too long."));
-}
-
-TEST_F(PathText, PartsThatDoNotFitAreCutBehindACharacter)
-{
     test::CodePageScope japanese(932);
-    std::string name(254, 'n');
+    std::string long254(254, 'n');
     char part[256];
-    EXPECT_EQ(VxPathSplit((name + "n").c_str(), nullptr, nullptr, part, nullptr), 0u);
-    EXPECT_EQ(part, name + "n");
-    EXPECT_EQ(VxPathSplit((name + "\x83\x5C").c_str(), nullptr, nullptr, part, nullptr), 1u);
-    EXPECT_EQ(part, name);
+    EXPECT_EQ(VxPathSplit((long254 + "\x83\x5C").c_str(), nullptr, nullptr, part, nullptr), 1u);
+    EXPECT_EQ(part, long254) << "cut behind a character";
+    EXPECT_EQ(VxPathName(nullptr, 8, part) + VxPathDir(nullptr, part, 8) +
+                  VxPathCompose(part, 8, nullptr, 1) + VxPathCheck(nullptr) +
+                  VxPathSplit(nullptr, part, part, part, part),
+              5u);
 }
 
 TEST_F(PathText, ComposingStopsAtTheCallersSizeAndAtItsOwn)
 {
-    std::string path(1100, '\0');
     auto compose = [&](size_t length, int32_t size, int32_t report) {
-        path.assign("a").resize(1100);
-        std::string added(length - 2, 'b');
+        std::string path = "a" + std::string(1100, '\0'), added(length - 2, 'b');
         uint32_t result = VxPathCompose(path.data(), size, added.c_str(), report);
         EXPECT_EQ(std::string(path.c_str()), result ? "a" : "a\\" + added);
         return result;
     };
-    EXPECT_EQ(compose(9, 10, 1), 0u);
-    EXPECT_EQ(compose(10, 10, 0), 1u);
-    EXPECT_EQ(compose(1023, 1100, 0), 0u);
-    EXPECT_EQ(compose(1024, 1100, 0), 1u);
+    EXPECT_EQ(compose(9, 10, 1) + compose(1023, 1100, 1), 0u);
+    EXPECT_EQ(compose(10, 10, 0) + compose(1024, 1100, 0), 2u);
     EXPECT_THAT(errors(), ElementsAre());
     EXPECT_EQ(compose(40, 40, 1), 1u);
     EXPECT_THAT(errors(), ElementsAre("The path a\\bbbbbbbbbbbbbbbbbbbbbbbbbbb ... is too long. "
                                       "At most 39 characters are allowed."));
 }
 
-TEST_F(PathText, LengthsBelowTheSizePass)
+TEST_F(PathText, TildesAndVariablesAreReplacedUpToASeparator)
 {
-    EXPECT_EQ(VxPathErr("abc", 4, 1), 0u);
-    EXPECT_EQ(VxPathErr("abcd", 4, 0), 1u);
+    test::CodePageScope japanese(932);
+    test::Environment home("HOME", "/h"), profile("USERPROFILE", "U:\\p"), variable("VX_T", "v/w"),
+        blank("VX_BLANK", ""), none("VX_NONE", nullptr), second("V\x83\x5C", "x");
+    const char *paths[][2] = {{"~", "/h"},
+                              {"~/x", "/h\\x"},
+                              {"~bob\\x", "U:\\p\\x"},
+                              {"a\\~", "a\\~"},
+                              {"a/$VX_T/b", "a\\v/w\\b"},
+                              {"a$VX_T", "av/w"},
+                              {"$VX_BLANK\\b", "\\b"},
+                              {"$VX_NONE\\$VX_T", "!$VX_NONE\\v/w"},
+                              {"a\\$\\b$", "!a\\$\\b$"},
+                              {"$V\x83\x5C\\b", "x\\b"}, // the second byte is no separator
+                              {"", "."}};
+    for (auto &each : paths)
+        EXPECT_EQ(expand(each[0]), each[1]) << each[0];
+    EXPECT_EQ(expand("a\\$VX_T", 6), "a\\v/w");
+    EXPECT_EQ(expand("a\\$VX_T", 5), "!a\\v/") << "a text that does not fit is no success";
+    EXPECT_EQ(real("~\\a\\..\\b"), "\\h\\b");
+    EXPECT_EQ(real("$VX_NONE/a"), "!$VX_NONE\\a") << "what cannot be resolved stays expanded";
     EXPECT_THAT(errors(), ElementsAre());
-    EXPECT_EQ(VxPathErr("abcd", 4, 1), 1u);
-    EXPECT_THAT(errors(), ElementsAre("The path abcd ... is too long. At most 3 characters are allowed."));
+    real("$VX_NONE/a", 300, 1);
+    EXPECT_THAT(errors(), ElementsAre("Unable to resolve the path $VX_NONE/a."));
+    char text[32] = "";
+    test::eachRefusal(
+        fault::Kind::allocation, nullptr,
+        [&] { VxPathExpand("$VX_NAME_THAT_NEEDS_MEMORY", text, sizeof text); },
+        [&](bool refused) { EXPECT_STREQ(text, refused ? "" : "$VX_NAME_THAT_NEEDS_MEMORY"); });
 }
 
-TEST_F(PathText, BuildFoldersAreToldByTheirBeginning)
+TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
 {
-    for (const char *name : {"Debug", "Debug64", "Release", "RelNoOpt_x"})
-        EXPECT_EQ(VxPathIsDebug(name), 1) << name;
-    for (const char *name : {"debug", "Rel", "MyDebug", ""})
-        EXPECT_EQ(VxPathIsDebug(name), 0) << name;
+    std::string here = folder.text();
+    std::string longest = "D:\\" + std::string(252, 'x');
+    std::pair<std::string, std::string> paths[] = {
+        {"d:/a//.\\b/..\\c/", "d:\\a\\c\\"},
+        {"D:\\..\\..\\a", "D:\\a"},
+        {"\\..\\a\\..\\..\\", "\\"},
+        {"\\\\server\\share\\a\\..\\..\\b", "\\\\server\\share\\b"},
+        {"a\\.\\", here + "\\a\\"},
+        {"...", here + "\\..."},
+        {"X:a\\b", "X:\\a\\b"},
+        {longest, longest},
+        {longest + "/../a", "D:\\a"},
+        {longest + "x", "!" + longest + "x"},
+    };
+    for (const auto &[path, full] : paths)
+        EXPECT_EQ(real(path), full) << path;
+    EXPECT_EQ(real(longest, 255)[0], '!');
+    test::Environment map("VX_DRIVE_MAP", ("D=" + folder.native().string()).c_str());
+    EXPECT_EQ(real("a") + real("d:a") + real("E:a"), "D:\\aD:\\aE:\\a");
+    char path[600] = "D:/a/../b";
+    EXPECT_STREQ(VX::realpath(path, path, sizeof path), "D:\\b");
+    EXPECT_EQ(VxPathReal2(path, 5), 0u);
+    char cut[6] = "";
+    EXPECT_STREQ(VX::realpath("D:/abc", cut, sizeof cut), "D:/ab") << "unresolved: as it was given";
 }
 
-TEST_F(PathText, NullsFail)
+TEST_F(PathText, FoldingAgreesWithTheStandardLibrary)
 {
-    char text[8] = "a";
-    EXPECT_EQ(VxPathCheck(nullptr) + VxPathAddDelim(nullptr) + VxPathErr(nullptr, 8, 1), 3u);
-    EXPECT_EQ(VxPathCompose(nullptr, 8, "b", 1) + VxPathCompose(text, 8, nullptr, 1) +
-                  VxPathCompose(text, 0, "b", 1),
-              3u);
-    EXPECT_EQ(VxPathDir(nullptr, text, 8) + VxPathDir("a", nullptr, 8) + VxPathDir("a", text, 0), 3u);
-    EXPECT_EQ(VxPathName(nullptr, 8, text) + VxPathName("a", 8, nullptr) + VxPathName("a", 0, text), 3u);
-    EXPECT_EQ(VxPathSplit(nullptr, text, text, text, text), 1u);
-    EXPECT_EQ(VxPathIsDebug(nullptr), 0);
-    EXPECT_STREQ(text, "a");
+    std::mt19937 random(7);
+    const char *pieces[] = {"a", "bc", ".", "..", "...", "d.e"};
+    for (int round = 0; round < 5000; ++round) {
+        std::string path = random() % 2 ? "/" : "";
+        for (size_t n = random() % 8; n > 0; --n)
+            path.append(pieces[random() % std::size(pieces)]).append(random() % 4 ? "/" : "//");
+        path += "end";
+        std::string expected = (folder.native() / path).lexically_normal().string();
+        std::replace(expected.begin(), expected.end(), '/', '\\');
+        ASSERT_EQ(real(path), expected) << path;
+    }
 }
 
 }

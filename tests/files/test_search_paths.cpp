@@ -1,4 +1,3 @@
-#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -6,11 +5,11 @@
 #include <gmock/gmock.h>
 
 #include "files/dmpath.h"
-#include "talm/config.hpp"
-#include "tests/files/toolkit_fixture.h"
+#include "tests/files/search_fixture.h"
+#include "tests/support/child.h"
 #include "tests/support/code_page.h"
 #include "tests/support/each_refusal.h"
-#include "vx/dmpath.h"
+#include "tests/support/options.h"
 
 using namespace vx;
 namespace fs = std::filesystem;
@@ -18,50 +17,15 @@ using testing::ElementsAre;
 
 namespace {
 
-std::vector<std::string> shown;
-int32_t hostAnswer;
+using SearchPaths = test::SearchFixture;
 
-struct SearchPaths : test::ToolkitFixture {
-    SearchPaths()
-    {
-        shown.clear();
-        host(
-            71, +[](const char *text) { shown.emplace_back(text); });
-        folders.folders[14] = folder.text("paths.txt");
-    }
-
-    static int32_t add(std::string path, int32_t atFront = 0)
-    {
-        int32_t added = 7;
-        EXPECT_EQ(DmPathSet(path.data(), atFront, &added), 0u);
-        return added;
-    }
-
-    static std::vector<std::string> entries()
-    {
-        std::vector<std::string> texts;
-        char text[256];
-        for (int32_t first = 1; DmPathGet(&first, text, sizeof text) == 0;)
-            texts.emplace_back(text);
-        return texts;
-    }
-
-    static std::string active()
-    {
-        char text[256];
-        EXPECT_EQ(DmPathActiveGet(text, sizeof text), 0u);
-        return text;
-    }
-};
-
-TEST_F(SearchPaths, AnEntryMayReachIntoSubdirectories)
+TEST_F(SearchPaths, EntriesAreCanonicalWithAndWithoutSubdirectories)
 {
     char path[] = "D:\\data\\...";
     int32_t added = 0;
     EXPECT_EQ(DmPathSet(path, 0, &added), 0u);
     EXPECT_EQ(added, 1);
     EXPECT_STREQ(path, "D:\\data");
-    EXPECT_THAT(entries(), ElementsAre("D:\\data\\..."));
     EXPECT_EQ(active(), "D:\\data");
     add("E:\\other");
     EXPECT_EQ(add("d:/DATA/..."), 0);
@@ -69,29 +33,21 @@ TEST_F(SearchPaths, AnEntryMayReachIntoSubdirectories)
     EXPECT_EQ(add("D:\\data"), 1) << "with and without subdirectories are two entries";
     EXPECT_EQ(add("D:\\..."), 1);
     EXPECT_EQ(active(), "D:\\");
-    EXPECT_THAT(entries(), ElementsAre("D:\\data\\...", "E:\\other", "D:\\data", "D:\\..."));
-}
-
-TEST_F(SearchPaths, TheMarkIsNoPartOfACharacter)
-{
+    EXPECT_EQ(add("rel/..", 1), 1);
     test::CodePageScope japanese(932);
-    add("D:\\\x83\x5C...");
-    EXPECT_THAT(entries(), ElementsAre("D:\\\x83\x5C..."));
-    EXPECT_EQ(active(), "D:\\\x83\x5C...");
-}
-
-TEST_F(SearchPaths, EntriesGoToTheEndOrToTheFront)
-{
-    add("D:\\a");
-    add("D:\\b");
-    add("D:\\c", 1);
-    add("rel/..");
-    EXPECT_THAT(entries(), ElementsAre("D:\\c", "D:\\a", "D:\\b", folder.text()));
+    EXPECT_EQ(add("D:\\\x83\x5C..."), 1);
+    EXPECT_EQ(active(), "D:\\\x83\x5C...") << "a second byte begins no mark";
+    EXPECT_THAT(entries(), ElementsAre(folder.text(), "D:\\data\\...", "E:\\other", "D:\\data", "D:\\...",
+                                       "D:\\\x83\x5C..."));
+    char known[64] = "d:/DATA/x/..";
+    EXPECT_EQ(DmPathIsLogged(known, sizeof known), 1);
+    EXPECT_STREQ(known, "d:\\DATA");
+    char other[64] = "D:\\dat";
+    EXPECT_EQ(DmPathIsLogged(other, sizeof other), 0);
 }
 
 TEST_F(SearchPaths, DirectoriesThatCannotBeResolvedAreShownToTheUser)
 {
-    add("D:\\a");
     std::string longest = "D:\\" + std::string(252, 'x');
     EXPECT_EQ(add(longest), 1);
     EXPECT_EQ(add(longest + "x"), 0);
@@ -100,37 +56,24 @@ TEST_F(SearchPaths, DirectoriesThatCannotBeResolvedAreShownToTheUser)
     ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(shown[1], "The search path $VX_NO_SUCH_VARIABLE\\x is not valid and was not added.");
     EXPECT_THAT(errors(), ElementsAre());
-
     // Four characters of the entry are its mark.
     std::string deep = "D:\\" + std::string(248, 'y');
     EXPECT_EQ(add(deep + "\\..."), 1);
     EXPECT_EQ(add(deep + "y\\..."), 0);
     EXPECT_EQ(shown.size(), 3u);
+    host<void(const char *)>(71, nullptr);
+    EXPECT_EQ(add("$VX_NO_SUCH_VARIABLE\\x"), 0) << "nor without anybody to tell";
 }
 
-TEST_F(SearchPaths, WithoutMemoryNothingChanges)
-{
-    add("D:\\a");
-    uint32_t result = 0;
-    int32_t added = 0;
-    char path[] = "D:\\b";
-    test::eachRefusal(
-        fault::Kind::allocation, nullptr, [&] { result = DmPathSet(path, 1, &added); },
-        [&](bool refused) {
-            bool failed = result != 0 || !added;
-            EXPECT_EQ(failed, refused);
-            EXPECT_EQ(active(), failed ? "D:\\a" : "D:\\b");
-            EXPECT_EQ(entries().size(), failed ? 1u : 2u);
-        });
-}
-
-TEST_F(SearchPaths, RemovingAnEntryDoesNotDisturbAWalk)
+TEST_F(SearchPaths, AWalkGoesOnWhateverIsRemovedAndWhereAnEntryDidNotFit)
 {
     for (const char *path : {"D:\\a", "D:\\b", "D:\\c", "D:\\d"})
         add(path);
     std::vector<std::string> seen;
     char text[256];
-    for (int32_t first = 1; DmPathGet(&first, text, sizeof text) == 0;) {
+    int32_t first = 1;
+    EXPECT_EQ(DmPathGet(&first, text, 4), 1u);
+    while (DmPathGet(&first, text, 5) == 0) {
         seen.emplace_back(text);
         if (text[3] != 'c') {
             EXPECT_EQ(DmPathDel(text), 0u);
@@ -139,76 +82,42 @@ TEST_F(SearchPaths, RemovingAnEntryDoesNotDisturbAWalk)
             DmPathDel("d:\\B");
     }
     EXPECT_THAT(seen, ElementsAre("D:\\a", "D:\\c", "D:\\d"));
-    EXPECT_THAT(entries(), ElementsAre("D:\\c"));
+    add("D:\\e");
+    EXPECT_EQ(DmPathGet(&first, text, 5), 0u) << "what was appended behind the last one";
+    EXPECT_THAT(entries(), ElementsAre("D:\\c", "D:\\e"));
     EXPECT_EQ(DmPathDel("D:\\none"), 0u);
-    EXPECT_EQ(DmPathDel(nullptr), 1u);
 }
 
-TEST_F(SearchPaths, EntriesAreKnownByTheirCanonicalText)
-{
-    add("D:\\a\\b");
-    char path[64] = "d:/A/x/../B";
-    EXPECT_EQ(DmPathIsLogged(path, sizeof path), 1);
-    EXPECT_STREQ(path, "d:\\A\\B");
-    char other[64] = "D:\\a";
-    EXPECT_EQ(DmPathIsLogged(other, sizeof other), 0);
-    EXPECT_EQ(DmPathIsLogged(nullptr, 64), 0);
-}
-
-TEST_F(SearchPaths, TheSavedListComesBack)
-{
-    add("D:\\b\\...");
-    EXPECT_EQ(DmPathAdd("D:\\a"), 0u);
-    EXPECT_EQ(folder.read("paths.txt"), "\nD:\\a\n\nD:\\b\\...\n\n");
-    files::freeSearchPaths();
-    EXPECT_EQ(DmPathInit(), 0u);
-    EXPECT_THAT(entries(), ElementsAre("D:\\a", "D:\\b\\..."));
-}
-
-TEST_F(SearchPaths, HandWrittenListsAreReadToo)
-{
-    std::string longest = "D:\\" + std::string(252, 'x');
-    folder.write("paths.txt", "# mine\n \t\n  D:\\a \r\nD:\\b\n" + longest + "\n" + longest + "more\nD:\\c");
-    EXPECT_EQ(DmPathInit(), 0u);
-    EXPECT_THAT(entries(), ElementsAre("D:\\a", "D:\\b", longest, "D:\\c"));
-}
-
-TEST_F(SearchPaths, AListThatCannotBeReadIsShownAndNoFailure)
+TEST_F(SearchPaths, TheNextStartReadsTheSavedList)
 {
     EXPECT_EQ(DmPathInit(), 0u) << "none yet";
-    EXPECT_THAT(shown, ElementsAre());
-    fs::create_directory("paths.txt");
+    std::string longest = "D:\\" + std::string(252, 'x');
+    EXPECT_TRUE(test::inChild([&] {
+        add("D:\\b\\...");
+        add(longest);
+        return DmPathAdd("D:\\a") == 0;
+    }));
+    EXPECT_EQ(folder.read("paths.txt"), "\nD:\\a\n\nD:\\b\\...\n\n" + longest + "\n\n");
     EXPECT_EQ(DmPathInit(), 0u);
-    EXPECT_THAT(shown,
-                ElementsAre("Unable to access the search path file " + folder.text("paths.txt") + "."));
-}
-
-TEST_F(SearchPaths, KnownPathsDoNotRewriteTheFile)
-{
-    DmPathAdd("D:\\a");
+    EXPECT_THAT(entries(), ElementsAre("D:\\a", "D:\\b\\...", longest));
     folder.write("paths.txt", "untouched");
     EXPECT_EQ(DmPathAdd("d:\\A"), 0u);
-    EXPECT_EQ(folder.read("paths.txt"), "untouched");
-    EXPECT_EQ(DmPathAdd(nullptr), 1u);
+    EXPECT_EQ(folder.read("paths.txt"), "untouched") << "a known path saves nothing";
+
+    // By hand: comments, blanks, and a line that goes on beyond what one may have.
+    files::freeSearchPaths();
+    folder.write("paths.txt", "# mine\n \t\n  D:\\a \r\n" + longest + "more\nD:\\c");
+    EXPECT_EQ(DmPathInit(), 0u);
+    EXPECT_THAT(entries(), ElementsAre("D:\\a", longest, "D:\\c"));
 }
 
-/** Answers one option. */
-struct NoAutoSave final : IConfigMgr {
-    uint32_t GetValue(const char *key, char **text, bool) override
-    {
-        *text = strstr(key, "AutoSavePaths") ? strdup("no") : nullptr;
-        return *text ? 0 : 1;
-    }
-    uint32_t SetValue(const char *, const char *) override { return 1; }
-    bool Load(int32_t) override { return false; }
-};
+int32_t hostAnswer;
 
 TEST_F(SearchPaths, SavingIsLeftWhenTheUserOrTheHostSaysSo)
 {
-    NoAutoSave options;
-    TalmSetConfigMgr(&options);
+    test::Options options;
+    options.values["AutoSavePaths"] = "no";
     EXPECT_EQ(DmPathSave(0), 0u);
-    EXPECT_FALSE(fs::exists("paths.txt"));
     hostAnswer = 1;
     host(
         28, +[]() -> int32_t { return hostAnswer; });
@@ -216,68 +125,54 @@ TEST_F(SearchPaths, SavingIsLeftWhenTheUserOrTheHostSaysSo)
     EXPECT_FALSE(fs::exists("paths.txt"));
     hostAnswer = 0;
     EXPECT_EQ(DmPathSave(1), 0u);
-    TalmSetConfigMgr(nullptr);
     EXPECT_EQ(folder.read("paths.txt"), "\n");
 }
 
-TEST_F(SearchPaths, AListThatCannotBeWrittenStaysAsItWas)
+TEST_F(SearchPaths, EveryRefusalLeavesTheOldListAndTheOldFileOrTheNewOnes)
 {
-    folder.write("paths.txt", "old");
-    add("D:\\a\\longer\\than\\a\\short\\text");
-    uint32_t result = 0;
+    add("D:\\a");
+    const std::string longer = "D:\\some\\path\\longer\\than\\a\\short\\text";
     for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
-        folder.write("paths.txt", "old");
+        DmPathSave(1);
+        std::string old = folder.read("paths.txt");
+        uint32_t result = 0;
         test::eachRefusal(
-            kind, kind == fault::Kind::verb ? "replaceFile" : nullptr, [&] { result = DmPathSave(1); },
+            kind, nullptr, [&] { result = DmPathAdd(longer.c_str()); },
             [&](bool refused) {
-                EXPECT_EQ(folder.read("paths.txt"),
-                          result ? "old" : "\nD:\\a\\longer\\than\\a\\short\\text\n\n");
-                EXPECT_TRUE(refused || result == 0);
-                if (result) {
-                    EXPECT_FALSE(shown.empty());
-                }
+                bool entered = entries().size() == 2;
+                EXPECT_EQ(active(), entered ? longer : "D:\\a");
+                std::string saved = folder.read("paths.txt");
+                EXPECT_EQ(saved, !entered || !shown.empty() ? old : "\n" + longer + "\n\nD:\\a\n\n");
+                EXPECT_TRUE(refused || (result == 0 && entered && shown.empty()));
+                DmPathDel(longer.c_str());
+                DmPathActive("D:\\a");
+                DmPathSave(1);
                 shown.clear();
             });
     }
     folders.folders[14] = folder.text("none/paths.txt");
     EXPECT_EQ(DmPathSave(1), 1u);
     EXPECT_EQ(shown.size(), 1u);
+    fs::create_directory("folder");
+    for (const std::string &unreadable : {folder.text("folder"), std::string("\\proc\\self\\mem")}) {
+        folders.folders[14] = unreadable;
+        EXPECT_EQ(DmPathInit(), 0u);
+        EXPECT_EQ(shown.back(), "Unable to access the search path file " + unreadable + ".");
+    }
 }
 
-TEST_F(SearchPaths, PathsAndFlagsOfTheSearchAreKept)
+TEST_F(SearchPaths, PathsOfTheSearchHaveUpTo255BytesAndGoWithAReset)
 {
     std::string longest(255, 'x');
     EXPECT_EQ(DmPathActive(longest.c_str()) + DmCompPathActive(longest.c_str()), 0u);
     EXPECT_EQ(DmPathActive((longest + "x").c_str()) + DmCompPathActive((longest + "x").c_str()), 2u);
-    EXPECT_EQ(DmPathActive(nullptr) + DmCompPathActive(nullptr), 2u);
-    EXPECT_EQ(active(), longest);
-    EXPECT_EQ(files::searchPaths.component, longest);
+    EXPECT_EQ(active() + files::searchPaths.component, longest + longest);
     EXPECT_EQ(DmCompPathRestore(), 0u);
     EXPECT_STREQ(files::searchPaths.component, "");
-
-    EXPECT_EQ(DmPathSearchGet(), 1);
-    EXPECT_EQ(DmPathCheckActiveOnlyGet(), 0);
-    EXPECT_EQ(DmPathSearchSet(0), 0);
-    EXPECT_EQ(DmPathCheckActiveOnlySet(5), 5);
-    EXPECT_EQ(DmPathCheckActiveOnlyGet(), 5);
+    EXPECT_EQ(DmPathSearchSet(0) + DmPathCheckActiveOnlySet(5), 5);
     files::resetSearchPaths();
-    EXPECT_EQ(DmPathSearchGet(), 1);
-    EXPECT_EQ(DmPathCheckActiveOnlyGet(), 0);
+    EXPECT_EQ(DmPathSearchGet() * 10 + DmPathCheckActiveOnlyGet(), 10);
     EXPECT_EQ(active(), "");
-}
-
-TEST_F(SearchPaths, AnEntryThatDoesNotFitEndsTheWalk)
-{
-    add("D:\\abc");
-    char text[7] = "";
-    int32_t first = 1;
-    EXPECT_EQ(DmPathGet(&first, text, 6), 1u);
-    EXPECT_EQ(DmPathGet(&first, text, 7), 0u) << "and is still the next one";
-    EXPECT_STREQ(text, "D:\\abc");
-    EXPECT_EQ(DmPathGet(&first, text, 7), 1u);
-    add("D:\\d");
-    EXPECT_EQ(DmPathGet(&first, text, 7), 0u) << "what was appended behind the last one";
-    EXPECT_EQ(DmPathGet(nullptr, text, 7) + DmPathGet(&first, nullptr, 7) + DmPathGet(&first, text, 0), 3u);
 }
 
 }

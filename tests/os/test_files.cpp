@@ -1,11 +1,13 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -231,6 +233,75 @@ TEST_F(OsFiles, ReplacingKeepsPermissionsLinksAndHolders)
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 3);
 }
 
+TEST_F(OsFiles, OnlyFilesAreReplacedAlsoUnderTheLongestName)
+{
+    std::string longest(255, 'n');
+    folder.write(longest, "old");
+    EXPECT_EQ(os::replaceFile(folder.text(longest).c_str(), "new", 3), os::Error::none);
+    EXPECT_EQ(folder.read(longest), "new");
+    ASSERT_EQ(mkfifo((folder.native() / "f").c_str(), 0666), 0);
+    EXPECT_EQ(os::replaceFile(path.c_str(), "x", 1), os::Error::invalid);
+    EXPECT_TRUE(fs::is_fifo(folder.native() / "f"));
+    os::Replacement replacement;
+    EXPECT_EQ(os::beginReplacement(path.c_str(), replacement), os::Error::invalid);
+    EXPECT_FALSE(replacement.file.isOpen() || replacement.old.isOpen());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 2);
+}
+
+TEST_F(OsFiles, AReplacementHoldsTheOldFileUntilItIsThroughOrDropped)
+{
+    folder.write("f", "old");
+    for (bool through : {false, true}) {
+        os::Replacement replacement;
+        ASSERT_EQ(os::beginReplacement(path.c_str(), replacement), os::Error::none);
+        EXPECT_EQ(Stream(path, "r").error, os::Error::accessDenied);
+        size_t copied = 0;
+        EXPECT_EQ(os::copyBytes(replacement.old, 1, replacement.file, 0, 100, copied), os::Error::none);
+        EXPECT_EQ(copied, 2u);
+        if (through) {
+            EXPECT_EQ(os::commitReplacement(replacement, true), os::Error::none);
+        }
+        os::dropReplacement(replacement);
+        EXPECT_EQ(folder.read("f"), through ? "ld" : "old");
+        EXPECT_EQ(Stream(path, "r").error, os::Error::none);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 1);
+    }
+}
+
+TEST_F(OsFiles, AttributesAreReadAsFileServersWriteThem)
+{
+    folder.write("f", "");
+    fs::path native = folder.native() / "f";
+    const char *name = "user.DOSATTRIB";
+    const struct {
+        const char *text;
+        uint32_t attributes;
+    } cases[] = {{"0x22", 0x22}, {"0x2", 0x2}, {"0x17", 0x2}, {"22", 0}, {"0x", 0}, {"0x20 and more", 0x20}};
+    uint32_t attributes = 0;
+    for (const auto &c : cases) {
+        if (setxattr(native.c_str(), name, c.text, strlen(c.text), 0) != 0)
+            GTEST_SKIP() << "the file system has no extended attributes";
+        EXPECT_EQ(os::fileAttributes(path.c_str(), attributes), os::Error::none);
+        EXPECT_EQ(attributes, c.attributes) << c.text;
+    }
+    char text[16] = "";
+    EXPECT_EQ(os::setFileAttributes(path.c_str(), 0x22), os::Error::none);
+    EXPECT_EQ(std::string(text, static_cast<size_t>(getxattr(native.c_str(), name, text, sizeof text))),
+              "0x22");
+
+    // Who owns a file may hide it though it is read-only.
+    fs::permissions(native, fs::perms(0444));
+    EXPECT_EQ(chown(native.c_str(), test::nobody, test::nobody), geteuid() == 0 ? 0 : -1);
+    fs::permissions(folder.native(), fs::perms(0755));
+    EXPECT_TRUE(test::inChild([&] {
+        test::dropRights();
+        return os::setFileAttributes(path.c_str(), 0x3) == os::Error::none;
+    }));
+    EXPECT_EQ(os::fileAttributes(path.c_str(), attributes), os::Error::none);
+    EXPECT_EQ(attributes, 0x3u);
+    EXPECT_EQ(fs::status(native).permissions(), fs::perms(0444));
+}
+
 TEST_F(OsFiles, AFullDiskLeavesTheOldContent)
 {
     folder.write("f", "old");
@@ -294,7 +365,11 @@ TEST_F(OsFiles, ARefusedVerbTouchesNothing)
     os::FileStatus status{};
     FILE *stream = nullptr;
     char out[300] = "";
-    os::Error results[10];
+    os::Error results[20];
+    os::Handle handle;
+    os::Replacement replacement{};
+    uint32_t attributes = 0;
+    int64_t bytes = 0;
     int64_t refusals = 0;
     fault::refuseFrom(fault::Kind::verb, 1);
     int n = 0;
@@ -308,13 +383,23 @@ TEST_F(OsFiles, ARefusedVerbTouchesNothing)
     results[n++] = os::setCurrentDirectory("\\");
     results[n++] = os::executablePath(out, sizeof out);
     results[n++] = os::longPath("a", out, sizeof out);
+    results[n++] = os::renameFile(path.c_str(), (path + "2").c_str());
+    results[n++] = os::linkFile(path.c_str(), (path + "2").c_str());
+    results[n++] = os::removeDirectory(folder.text().c_str());
+    results[n++] = os::diskSpace(path.c_str(), bytes, bytes);
+    results[n++] = os::fileAttributes(path.c_str(), attributes);
+    results[n++] = os::setFileAttributes(path.c_str(), os::readOnlyAttribute);
+    results[n++] = os::openHandle(path.c_str(), os::writeAccess, handle);
+    results[n++] = os::beginReplacement(path.c_str(), replacement);
+    results[n++] = os::commitReplacement(replacement, true);
+    results[n++] = os::syncStream(stdout);
     refusals = fault::refusals(fault::Kind::verb);
     fault::refuse(fault::Kind::verb, 0);
     EXPECT_EQ(refusals, n);
     for (os::Error result : results)
         EXPECT_EQ(result, os::Error::other);
     EXPECT_EQ(folder.read("f"), "text");
-    EXPECT_FALSE(left("d"));
+    EXPECT_FALSE(left("d") || left("f2") || handle.isOpen() || replacement.file.isOpen());
     EXPECT_STREQ(out, "");
     EXPECT_EQ(stream, nullptr);
 }

@@ -1,267 +1,199 @@
-#include <array>
-#include <cstring>
+#include <sys/resource.h>
+
+#include <csignal>
 #include <filesystem>
 #include <string>
 
-#include <gmock/gmock.h>
-
 #include "frame/error_log.h"
-#include "frame/modules.h"
 #include "platform/os/os.h"
-#include "platform/os/test_values.h"
 #include "session/journal.h"
 #include "talm/base.hpp"
-#include "talm/config.hpp"
+#include "tests/session/started_toolkit.h"
 #include "tests/support/captured_output.h"
 #include "tests/support/child.h"
 #include "tests/support/each_refusal.h"
-#include "tests/support/temp_folder.h"
-#include "vx/err.h"
+#include "tests/support/options.h"
 #include "vx/journal.h"
-#include "vx/tools.h"
 
 using namespace vx;
 namespace fs = std::filesystem;
 
 namespace {
 
-/** Answers the size limit, when a test sets one. */
-struct SizeOption final : IConfigMgr {
-    std::string limit;
-
-    uint32_t GetValue(const char *key, char **text, bool) override
-    {
-        *text = limit.empty() || !strstr(key, "SessionJournalSize") ? nullptr : strdup(limit.c_str());
-        return *text ? 0 : 1;
-    }
-    uint32_t SetValue(const char *, const char *) override { return 1; }
-    bool Load(int32_t) override { return false; }
-};
-
-struct Journal : testing::Test {
-    Journal()
-    {
-        static int64_t seconds = 1'500'000'000;
-        os::setTestClock(1'000'000 * (seconds += 100));
-        now = seconds;
-        if (VxToolsErrID() < 0 || VxToolsMsgID() < 0) {
-            EXPECT_TRUE(frame::loadTexts(frame::modules().tools, "Tools.ALERT", "Tools.MSG"));
-        }
-        VxErrClear();
-        TalmSetConfigMgr(&options);
-    }
-    ~Journal() override
-    {
-        VxJnlExit();
-        VxErrClear();
-        HESKET::Talm::Ap::Base::Instance().SetFunction(41, nullptr);
-        TalmSetConfigMgr(nullptr);
-        os::setTestClock(-1);
-    }
-
+struct Journal : test::StartedToolkit {
     uint32_t setPath(const std::string &name) { return VxJnlPathSet(folder.text(name).c_str()); }
 
+    std::string content(const char *name = "a.log") const
+    {
+        return fs::exists(folder.native() / name) ? folder.read(name) : "missing";
+    }
+
     /** The line that a journal made now starts with. */
-    std::string stamp() const
+    static std::string stamp()
     {
         os::CalendarTime t;
-        EXPECT_EQ(os::localTime(now, t), os::Error::none);
+        os::localTime(os::wallSeconds(), t);
         char line[64];
         snprintf(line, sizeof line, "[%04d-%02d-%02d %02d:%02d:%02d] log start!\r\n", t.year, t.month, t.day,
                  t.hour, t.minute, t.second);
         return line;
     }
 
-    std::string lastError() const
-    {
-        return frame::errorState().pending.empty() ? "" : frame::errorState().pending.back().text;
-    }
-
-    SizeOption options;
+    test::Options options;
     test::TempFolder folder;
-    int64_t now;
 };
 
-TEST_F(Journal, LinesFollowTheStampOfANewFile)
+TEST_F(Journal, LinesFollowTheStampThatOnlyANewFileHasUpToTheSizeLimit)
 {
     EXPECT_EQ(VxJnlPrint("nowhere yet"), 0u);
     ASSERT_EQ(setPath("a.log"), 0u);
-    EXPECT_EQ(VxJnlPrint("first"), 0u);
-    EXPECT_EQ(VxJnlPrint(""), 0u);
-    EXPECT_EQ(VxJnlPrint(nullptr), 0u);
-    EXPECT_EQ(VxJnlPrint("50% \xE9\n"), 0u);
-    EXPECT_EQ(folder.read("a.log"), stamp() + "first\r\n\r\n50% \xE9\n\r\n");
-}
-
-TEST_F(Journal, AFileThatIsThereGrowsWithoutAStamp)
-{
-    folder.write("a.log", "old\r\n");
-    setPath("a.log");
-    VxJnlPrint("new");
-    EXPECT_EQ(folder.read("a.log"), "old\r\nnew\r\n");
-}
-
-TEST_F(Journal, AnOversizedFileStartsAnewWithoutAStamp)
-{
-    setPath("a.log");
-    folder.write("a.log", "x");
-    fs::resize_file(folder.native() / "a.log", 100 * 1048576);
-    VxJnlPrint("y");
-    EXPECT_EQ(fs::file_size(folder.native() / "a.log"), 100u * 1048576 + 3) << "the limit itself is allowed";
-    VxJnlPrint("z");
-    EXPECT_EQ(folder.read("a.log"), "z\r\n");
-
-    options.limit = "0.000004";
+    for (const char *line : {"first", "", static_cast<const char *>(nullptr), "50% \xE9\n"})
+        EXPECT_EQ(VxJnlPrint(line), 0u);
+    EXPECT_EQ(content(), stamp() + "first\r\n\r\n50% \xE9\n\r\n");
+    options.values["SessionJournalSize"] = "0.000004";
     folder.write("a.log", "1234");
     VxJnlPrint("5");
-    EXPECT_EQ(folder.read("a.log"), "12345\r\n");
+    EXPECT_EQ(content(), "12345\r\n") << "the limit itself is allowed";
     VxJnlPrint("6");
-    EXPECT_EQ(folder.read("a.log"), "6\r\n");
+    EXPECT_EQ(content(), "6\r\n");
+    options.values.clear();
+    fs::resize_file(folder.native() / "a.log", 100 * 1048576 + 1);
+    VxJnlPrint("7");
+    EXPECT_EQ(content(), "7\r\n") << "100 MiB without the option";
 }
 
 TEST_F(Journal, ABlankPathTurnsItOffUnlessTheHostKeepsIt)
 {
-    setPath("a.log");
-    HESKET::Talm::Ap::Base::Instance().SetFunction(41,
-                                                   reinterpret_cast<void *>(+[]() -> int32_t { return 1; }));
-    EXPECT_EQ(VxJnlPathSet(" "), 0u);
-    VxJnlPrint("kept");
-    HESKET::Talm::Ap::Base::Instance().SetFunction(41, nullptr);
-    EXPECT_EQ(VxJnlPathSet(""), 0u);
-    VxJnlPrint("off");
-    EXPECT_EQ(folder.read("a.log"), stamp() + "kept\r\n");
-    EXPECT_EQ(VxJnlPathSet(nullptr), 1u);
+    for (int32_t (*answer)() : {+[] { return 1; }, +[] { return 0; }, static_cast<int32_t (*)()>(nullptr)}) {
+        HESKET::Talm::Ap::Base::Instance().SetFunction(41, reinterpret_cast<void *>(answer));
+        setPath("a.log");
+        EXPECT_EQ(VxJnlPathSet(" "), 0u);
+        EXPECT_EQ(VxJnlPrint("kept"), 0u);
+        EXPECT_EQ(content(), stamp() + "kept\r\n");
+    }
 }
 
 TEST_F(Journal, PathsThatAreNoneAreRefusedAndTheJournalStays)
 {
-    setPath("a.log");
-    std::string before = session::journal.path;
-    EXPECT_EQ(setPath("none\\a.log"), 1u);
-    EXPECT_EQ(lastError(), "The directory " + folder.text("none") + " does not exist.");
-    folder.write("file", "");
-    EXPECT_EQ(setPath("file\\a.log"), 1u);
-    EXPECT_EQ(VxJnlPathSet(std::string(256, 'x').c_str()), 1u);
-    EXPECT_NE(lastError().find("At most 255 characters"), std::string::npos);
-    EXPECT_EQ(VxJnlPathSet("$VX_NO_SUCH_VARIABLE\\a"), 1u);
-    EXPECT_EQ(session::journal.path, before);
-}
-
-TEST_F(Journal, TheLongestPathIsTaken)
-{
-    std::string name(255 - folder.text().size() - 1, 'n');
-    EXPECT_EQ(setPath(name), 0u);
+    std::string longest(255 - folder.text().size() - 1, 'n');
+    ASSERT_EQ(setPath(longest), 0u);
+    for (auto [path, error] :
+         {std::pair{folder.text("none\\a"), "The directory " + folder.text("none") + " does not exist."},
+          {folder.text(longest + "n"), "At most 255 characters"},
+          {"$VX_NO_SUCH_VARIABLE\\a", "Unable to resolve"}}) {
+        EXPECT_EQ(VxJnlPathSet(path.c_str()), 1u);
+        EXPECT_NE(std::string(frame::errorState().pending.back().text).find(error), std::string::npos);
+    }
     EXPECT_EQ(VxJnlPrint("x"), 0u);
-    EXPECT_EQ(setPath(name + "n"), 1u);
-}
-
-TEST_F(Journal, AFileInTheRootIsInAFolderThatExists)
-{
-    EXPECT_EQ(VxJnlPathSet("\\journal-of-a-test"), 0u);
+    EXPECT_EQ(content(longest.c_str()), stamp() + "x\r\n");
     test::Environment map("VX_DRIVE_MAP", ("J=" + folder.native().string()).c_str());
-    EXPECT_EQ(VxJnlPathSet("J:\\a.log"), 0u);
-    EXPECT_EQ(VxJnlPrint("x"), 0u);
-    EXPECT_EQ(folder.read("a.log"), stamp() + "x\r\n");
+    EXPECT_EQ(VxJnlPathSet("J:\\a.log") + VxJnlPathSet("\\journal-of-a-test"), 0u) << "roots are folders";
 }
 
-TEST_F(Journal, TheSessionKnowsTheFilesItWrote)
+TEST_F(Journal, FilesInTurnAreKnownAndAFolderMayGoAndComeBack)
 {
-    setPath("a.log");
-    EXPECT_EQ(session::journal.firstWrite, 1);
-    VxJnlPrint("1");
-    EXPECT_EQ(session::journal.firstWrite, 0);
-    setPath("A.LOG");
-    EXPECT_EQ(session::journal.firstWrite, 0) << "the same path in other case is the same journal";
-    EXPECT_EQ(session::journal.path, folder.text("a.log"));
-    setPath("b.log");
-    EXPECT_EQ(session::journal.firstWrite, 1);
-    VxJnlPrint("2");
-    setPath("a.log");
-    EXPECT_EQ(session::journal.firstWrite, 0);
-    EXPECT_EQ(session::journal.fileCount, 2);
-    EXPECT_EQ(session::journal.files->text, folder.text("b.log"));
+    folder.write("d/b.log", "");
+    auto isNew = [&](const char *path) {
+        EXPECT_EQ(setPath(path), 0u);
+        int32_t first = session::journal.firstWrite;
+        EXPECT_EQ(VxJnlPrint(path), 0u);
+        return first;
+    };
+    EXPECT_EQ(isNew("a.log"), 1);
+    EXPECT_EQ(isNew("A.LOG"), 0) << "in other case it is the same journal";
+    EXPECT_EQ(isNew("d\\b.log"), 1);
+    EXPECT_EQ(isNew("a.log") + isNew("d\\b.log"), 0);
+    EXPECT_EQ(session::journal.files->text, folder.text("d\\b.log")) << "the newest first";
+    EXPECT_EQ(content(), stamp() + "a.log\r\nA.LOG\r\na.log\r\n");
+
+    fs::rename(folder.native() / "d", folder.native() / "e");
+    EXPECT_EQ(VxJnlPrint("lost"), 1u);
+    fs::rename(folder.native() / "e", folder.native() / "d");
+    session::journal.firstWrite = 1;
+    session::journal.fileCount = 1001;
+    test::CapturedOutput output(stderr);
+    EXPECT_EQ(VxJnlPrint("back"), 0u);
+    EXPECT_EQ(output.text(), "Too many journal files in this session.\n");
+    EXPECT_EQ(content("d/b.log"), "d\\b.log\r\nd\\b.log\r\nback\r\n") << "and still written";
     EXPECT_EQ(VxJnlExit(), 0u);
-    EXPECT_EQ(session::journal.files, nullptr);
-    EXPECT_STREQ(session::journal.path, "");
-    EXPECT_EQ(session::journal.firstWrite, 1);
+    EXPECT_TRUE(!session::journal.files && !*session::journal.path && session::journal.firstWrite);
 }
 
-TEST_F(Journal, BeyondAThousandFilesTheSessionSaysSoAndStillWrites)
-{
-    setPath("a.log");
-    for (int32_t count : {1000, 1001}) {
-        session::journal.fileCount = count;
-        session::journal.firstWrite = 1;
-        test::CapturedOutput output(stderr);
-        EXPECT_EQ(VxJnlPrint("x"), 0u);
-        EXPECT_EQ(output.text(), count == 1000 ? "" : "Too many journal files in this session.\n");
-        EXPECT_EQ(session::journal.fileCount, 1001);
-        EXPECT_EQ(session::journal.firstWrite, 0);
+/** A journal that is missing, one that grows, and one that is too large. */
+struct JournalContent : Journal, testing::WithParamInterface<std::string> {
+    void SetUp() override
+    {
+        Journal::SetUp();
+        options.values["SessionJournalSize"] = old == "large" ? "0" : "1";
+        setPath("a.log");
+        putBack();
     }
-    EXPECT_EQ(folder.read("a.log"), stamp() + "x\r\nx\r\n");
-}
 
-TEST_F(Journal, AFileHeldByAnotherProcessIsLeftAlone)
-{
-    folder.write("a.log", "theirs");
-    setPath("a.log");
-    FILE *held = nullptr;
-    ASSERT_EQ(os::openFile(folder.text("a.log").c_str(), "a", held), os::Error::none);
-    EXPECT_EQ(VxJnlPrint("x"), 1u);
-    fclose(held);
-    EXPECT_EQ(VxJnlPrint("x"), 0u);
-    EXPECT_EQ(folder.read("a.log"), "theirsx\r\n");
-}
-
-TEST_F(Journal, AWriteThatTheDiskDoesNotTakeIsTold)
-{
-    ASSERT_EQ(VxJnlPathSet("\\dev\\full"), 0u);
-    EXPECT_EQ(VxJnlPrint("x"), 1u);
-    EXPECT_STREQ(session::journal.path, "\\dev\\full");
-}
-
-TEST_F(Journal, EveryRefusalLeavesWholeLinesOnly)
-{
-    setPath("a.log");
-    std::string path = session::journal.path;
-    const char line[] = "a line that is too long for the string itself";
-    for (auto [kind, verb] : {std::pair{fault::Kind::allocation, (const char *)nullptr},
-                              {fault::Kind::verb, "openFile"},
-                              {fault::Kind::verb, "localTime"}}) {
+    void putBack()
+    {
         fs::remove(folder.native() / "a.log");
+        if (old != "missing")
+            folder.write("a.log", old);
         session::journal.firstWrite = 1;
-        uint32_t result = 0;
-        test::eachRefusal(
-            kind, verb, [&] { result = VxJnlPrint(line); },
-            [&](bool refused) {
-                std::string whole = stamp() + line + "\r\n";
-                bool there = fs::exists(folder.native() / "a.log");
-                EXPECT_EQ(there ? folder.read("a.log") : "", result == 0 ? whole : "");
-                EXPECT_TRUE(refused || result == 0);
-                EXPECT_EQ(session::journal.path, path);
-                if (there)
-                    fs::remove(folder.native() / "a.log");
-            });
     }
-    EXPECT_EQ(session::journal.firstWrite, 0);
+
+    /** Whether there is the old content after a failure, else the new. */
+    bool oldOrNew(uint32_t result) const
+    {
+        std::string before = old == "missing" ? stamp() : old == "old" ? old : "";
+        return content() == (result ? old : before + line + "\r\n");
+    }
+
+    const std::string old = GetParam();
+    const std::string line = "a line that is too long for the string itself";
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, JournalContent, testing::Values("missing", "old", "large"));
+
+TEST_P(JournalContent, IsTheOldOrTheNewWhateverIsRefused)
+{
+    uint32_t result = 0;
+    for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb})
+        test::eachRefusal(
+            kind, nullptr, [&] { result = VxJnlPrint(line.c_str()); },
+            [&](bool refused) {
+                EXPECT_TRUE(oldOrNew(result) && (refused || result == 0)) << content();
+                EXPECT_EQ(session::journal.path, folder.text("a.log"));
+                putBack();
+            });
+}
+
+TEST_P(JournalContent, IsTheOldOrTheNewOnADiskThatIsFullAtAnyByte)
+{
+    EXPECT_TRUE(test::inChild([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{0, RLIM_INFINITY};
+        uint32_t result = 1;
+        for (; result != 0 && limit.rlim_cur < 200; ++limit.rlim_cur) {
+            setrlimit(RLIMIT_FSIZE, &limit);
+            result = VxJnlPrint(line.c_str());
+            if (!oldOrNew(result))
+                return false;
+        }
+        return result == 0 && limit.rlim_cur > line.size();
+    }));
 }
 
 TEST_F(Journal, LinesOfTwoProcessesNeverMix)
 {
     setPath("a.log");
-    VxJnlPrint("start");
-    auto writeMany = [](const char *line) {
-        for (int written = 0; written < 200;)
-            written += VxJnlPrint(line) == 0;
+    auto writeMany = [](char letter) {
+        std::string line(9000, letter);
+        for (int written = 0; written < 100;)
+            written += VxJnlPrint(line.c_str()) == 0;
         return true;
     };
-    {
-        test::Child other([&] { return writeMany(std::string(9000, 'b').c_str()); });
-        writeMany(std::string(9000, 'a').c_str());
-        EXPECT_TRUE(other.succeeded());
-    }
-    std::string text = folder.read("a.log").substr(stamp().size() + 7);
-    ASSERT_EQ(text.size(), 400u * 9002);
+    VxJnlPrint("start");
+    test::Child other([&] { return writeMany('b'); });
+    writeMany('a');
+    EXPECT_TRUE(other.succeeded());
+    std::string text = content().substr(stamp().size() + 7);
+    ASSERT_EQ(text.size(), 200u * 9002);
     for (size_t i = 0; i < text.size(); i += 9002)
         ASSERT_EQ(text.substr(i, 9002), std::string(9000, text[i]) + "\r\n");
 }

@@ -22,6 +22,7 @@ Error errorOf(int code) noexcept
     case ENOSPC:
     case EDQUOT: return Error::noSpace;
     case ENOMEM: return Error::noMemory;
+    case EXDEV: return Error::otherDevice;
     case EINVAL:
     case EILSEQ: return Error::invalid;
     case ENOTSUP:

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,16 +10,14 @@
 #include <string_view>
 
 #include "platform/os/fault.h"
-#include "platform/os/native_path.h"
-#include "platform/os/posix/error.h"
+#include "platform/os/posix/native_call.h"
 #include "platform/os/posix/locks.h"
 #include "platform/os/posix/replace.h"
+#include "platform/os/posix/status.h"
 
 namespace vx::os {
 
 namespace {
-
-constexpr size_t nativeSize = 4096 + 1;
 
 /** What an fopen mode asks of open(2). */
 struct OpenMode {
@@ -96,22 +95,6 @@ bool prepare(int file, const char *name, const OpenMode &mode) noexcept
     return !mode.unlinkAtOnce || unlink(name) == 0;
 }
 
-/** errno for a path that has no native name. */
-Error refusePath(Error error) noexcept
-{
-    errno = error == Error::nameTooLong ? ENAMETOOLONG : error == Error::invalid ? EINVAL : ENOENT;
-    return error;
-}
-
-/** Run `call` on the native form of `path`; it answers as system calls do. */
-template <typename Call> Error withNative(const char *path, Call call) noexcept
-{
-    NativePath native(path);
-    if (native.error() != Error::none)
-        return refusePath(native.error());
-    return call(native.c_str()) < 0 ? errorOf(errno) : Error::none;
-}
-
 /** A native name in the toolkit's spelling, with errno where it does not fit. */
 Error spell(const char *native, char *out, size_t size) noexcept
 {
@@ -126,12 +109,9 @@ Error fileStatus(const char *path, FileStatus &out) noexcept
     VX_OS_VERB("fileStatus");
     struct stat status;
     Error error = withNative(path, [&](const char *name) { return stat(name, &status); });
-    if (error != Error::none)
-        return error;
-    out = {
-        status.st_dev,  status.st_ino,         status.st_mode,        static_cast<uint32_t>(status.st_nlink),
-        status.st_size, status.st_atim.tv_sec, status.st_mtim.tv_sec, status.st_ctim.tv_sec};
-    return Error::none;
+    if (error == Error::none)
+        out = statusOf(status);
+    return error;
 }
 
 Error access(const char *path, Access wanted) noexcept
@@ -178,16 +158,62 @@ Error removeFile(const char *path) noexcept
     return withNative(path, [](const char *name) { return unlink(name); });
 }
 
+Error renameFile(const char *from, const char *to) noexcept
+{
+    VX_OS_VERB("renameFile");
+    return withNatives(from, to, [](const char *a, const char *b) { return std::rename(a, b); });
+}
+
+Error linkFile(const char *existing, const char *name) noexcept
+{
+    VX_OS_VERB("linkFile");
+    return withNatives(existing, name, linkNative);
+}
+
 Error replaceFile(const char *path, const void *bytes, size_t size) noexcept
 {
     VX_OS_VERB("replaceFile");
     return withNative(path, [&](const char *name) { return replaceNative(name, bytes, size); });
 }
 
+Error appendWhole(FILE *stream, const void *bytes, size_t size) noexcept
+{
+    VX_OS_VERB("appendWhole");
+    int file = fileno(stream);
+    struct stat before;
+    if (fstat(file, &before) != 0)
+        return errorOf(errno);
+    ssize_t written = write(file, bytes, size);
+    if (written == static_cast<ssize_t>(size))
+        return Error::none;
+    // A file takes a part only when the device has no room for the rest.
+    Error error = written < 0 ? errorOf(errno) : Error::noSpace;
+    [[maybe_unused]] int cut = written > 0 ? ftruncate(file, before.st_size) : 0;
+    return error;
+}
+
 Error makeDirectory(const char *path) noexcept
 {
     VX_OS_VERB("makeDirectory");
     return withNative(path, [](const char *name) { return mkdir(name, 0777); });
+}
+
+Error removeDirectory(const char *path) noexcept
+{
+    VX_OS_VERB("removeDirectory");
+    return withNative(path, [](const char *name) { return rmdir(name); });
+}
+
+Error diskSpace(const char *path, int64_t &available, int64_t &total) noexcept
+{
+    VX_OS_VERB("diskSpace");
+    struct statvfs disk;
+    Error error = withNative(path, [&](const char *name) { return statvfs(name, &disk); });
+    if (error != Error::none)
+        return error;
+    available = static_cast<int64_t>(disk.f_bavail * disk.f_frsize);
+    total = static_cast<int64_t>(disk.f_blocks * disk.f_frsize);
+    return Error::none;
 }
 
 Error currentDirectory(char *out, size_t size) noexcept

@@ -67,4 +67,29 @@ void forget(SavedStream &before) noexcept
     before = SavedStream{};
 }
 
+Error seekStream(FILE *stream, int64_t offset, Origin origin) noexcept
+{
+    VX_OS_VERB("seekStream");
+    int whence = origin == Origin::begin ? SEEK_SET : origin == Origin::current ? SEEK_CUR : SEEK_END;
+    return fseeko(stream, offset, whence) != 0 ? errorOf(errno) : Error::none;
+}
+
+Error tellStream(FILE *stream, int64_t &position) noexcept
+{
+    VX_OS_VERB("tellStream");
+    off_t told = ftello(stream);
+    if (told < 0)
+        return errorOf(errno);
+    position = told;
+    return Error::none;
+}
+
+Error syncStream(FILE *stream) noexcept
+{
+    VX_OS_VERB("syncStream");
+    // What is no file cannot be synchronised, and need not be.
+    bool failed = std::fflush(stream) != 0 || (fsync(fileno(stream)) != 0 && errno != EINVAL);
+    return failed ? errorOf(errno) : Error::none;
+}
+
 }

@@ -1,0 +1,66 @@
+// A saved list of search paths with any bytes: its entries are canonical and
+// stand there once, and what is saved of it is what the next start reads.
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "files/dmpath.h"
+#include "vx/dmpath.h"
+#include "vx/str.h"
+
+namespace {
+
+const std::string &savedFile()
+{
+    static const std::string file = [] {
+        std::string name = "/dev/shm/vx-fuzz-" + std::to_string(getpid());
+        setenv("VX_FOLDER_14", ("\\dev\\shm\\vx-fuzz-" + std::to_string(getpid())).c_str(), 1);
+        std::atexit([] { std::remove(savedFile().c_str()); });
+        return name;
+    }();
+    return file;
+}
+
+std::vector<std::string> nextStart()
+{
+    vx::files::freeSearchPaths();
+    if (DmPathInit() != 0)
+        std::abort();
+    std::vector<std::string> entries;
+    char text[256];
+    for (int32_t first = 1; DmPathGet(&first, text, sizeof text) == 0;)
+        entries.emplace_back(text);
+    return entries;
+}
+
+/** A value of the environment may bring in a "$" that is none, and "\." at the end a blank in front of it. */
+bool isStorable(const std::string &entry)
+{
+    return entry.find_first_of("$\n\r") == entry.npos && !std::strchr(" \t\v\f", entry.back());
+}
+
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    FILE *file = std::fopen(savedFile().c_str(), "wb");
+    std::fwrite(data, 1, size, file);
+    std::fclose(file);
+    std::vector<std::string> entries = nextStart();
+    bool storable = true;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        storable &= isStorable(entries[i]);
+        for (size_t j = 0; j < i; ++j)
+            if (VxStrcasecmp(entries[i].c_str(), entries[j].c_str()) == 0)
+                std::abort();
+    }
+    if (DmPathSave(1) != 0 || (storable && nextStart() != entries))
+        std::abort();
+    return 0;
+}

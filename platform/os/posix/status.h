@@ -1,0 +1,21 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include "platform/os/os.h"
+
+namespace vx::os {
+
+inline FileStatus statusOf(const struct stat &status) noexcept
+{
+    return {status.st_dev,
+            status.st_ino,
+            status.st_mode,
+            static_cast<uint32_t>(status.st_nlink),
+            status.st_size,
+            status.st_atim.tv_sec,
+            status.st_mtim.tv_sec,
+            status.st_ctim.tv_sec};
+}
+
+}

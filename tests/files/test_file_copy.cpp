@@ -1,0 +1,237 @@
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "tests/files/toolkit_fixture.h"
+#include "tests/support/child.h"
+#include "tests/support/each_refusal.h"
+#include "vx/file.h"
+#include "vx/path.h"
+
+using namespace vx;
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+namespace {
+
+using FileCopy = test::ToolkitFixture;
+
+size_t entries(const fs::path &path)
+{
+    return static_cast<size_t>(std::distance(fs::directory_iterator(path), {}));
+}
+
+TEST_F(FileCopy, CopiesKeepTimesAndPermissions)
+{
+    folder.write("a", "text");
+    fs::permissions("a", fs::perms(0640));
+    fs::last_write_time("a", fs::file_time_type::clock::now() - std::chrono::hours(1000));
+    folder.write("b", "old");
+    for (const char *to : {"b", "fresh", "with\xC3\xA4.x"}) {
+        ASSERT_EQ(VxFileCpy("a", to), 0u);
+        EXPECT_EQ(folder.read(to), "text");
+        EXPECT_EQ(fs::status(to).permissions(), fs::perms(0640));
+        EXPECT_EQ(VxFileLastWrite(to), VxFileLastWrite("a"));
+    }
+    // More than one step, with a hole, which the kernel may copy as it likes.
+    fs::resize_file("b", 20'000'000);
+    ASSERT_EQ(VxFileCpy("b", "c"), 0u);
+    EXPECT_EQ(VxFileDiff("b", "c"), 0);
+    // Files of the kernel's own have bytes, though no size.
+    ASSERT_EQ(VxFileCpy("\\proc\\self\\limits", "a"), 0u);
+    EXPECT_NE(folder.read("a").find("Max open files"), std::string::npos);
+}
+
+TEST_F(FileCopy, WhatCannotBeCopiedLeavesEverythingAsItWas)
+{
+    folder.write("a", "text");
+    folder.write("b", "old");
+    fs::create_directory("d");
+    ASSERT_EQ(mkfifo("pipe", 0666), 0);
+    EXPECT_EQ(VxFileCpy("none", "b") + VxFileCpy("a", "none\\b") + VxFileCpy("d", "b") + VxFileCpy("a", "d") +
+                  VxFileCpy("a", "a") + VxFileCpy("pipe", "b") + VxFileCpy("a", "pipe") +
+                  VxFileCpy("\\dev\\zero", "b") + VxFileCpy(nullptr, "b") + VxFileCpy("a", nullptr),
+              10u);
+    FILE *held = nullptr;
+    ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
+    EXPECT_EQ(VxFileCpy("a", "b"), 1u) << "the target is being read";
+    VxFileClose(&held, 0);
+    EXPECT_EQ(folder.read("a") + folder.read("b"), "textold");
+    EXPECT_EQ(entries("."), 4u);
+    EXPECT_THAT(errors(), ElementsAre());
+}
+
+TEST_F(FileCopy, ALinkLeadsToTheCopyAndNamesMayBeAsLongAsTheyGet)
+{
+    std::string longest(255, 'n');
+    folder.write("a", "text");
+    folder.write(longest, "old");
+    fs::create_symlink(longest, "link");
+    ASSERT_EQ(VxFileCpy("a", "link"), 0u);
+    EXPECT_TRUE(fs::is_symlink("link"));
+    EXPECT_EQ(folder.read(longest), "text");
+    fs::create_symlink("later", "dangling");
+    ASSERT_EQ(VxFileCpy("a", "dangling"), 0u);
+    EXPECT_EQ(folder.read("dangling"), "text");
+}
+
+TEST_F(FileCopy, TwoFoldersAndANameMakeTheTwoPaths)
+{
+    folder.write("x/f", "text");
+    fs::create_directory("y");
+    EXPECT_EQ(VxFileCpy2("f", "x", "y\\"), 0u);
+    EXPECT_EQ(folder.read("y/f"), "text");
+    EXPECT_EQ(VxFileCpy2("f", std::string(510, 'x').c_str(), "y"), 1u);
+    EXPECT_EQ(errors().size(), 1u);
+    EXPECT_EQ(VxFileCpy2(nullptr, "x", "y") + VxFileCpy2("f", nullptr, "y"), 2u);
+}
+
+TEST_F(FileCopy, AppendingPutsOneFileBehindTheOther)
+{
+    folder.write("a", "one");
+    folder.write("b", "two");
+    EXPECT_EQ(VxFileConcat("b", "a"), 0u);
+    EXPECT_EQ(VxFileConcat("a", "new"), 0u);
+    EXPECT_EQ(folder.read("a") + folder.read("new"), "onetwoonetwo");
+    EXPECT_EQ(VxFileConcat("a", "a") + VxFileConcat("none", "fresh") + VxFileConcat("a", "\\dev\\null") +
+                  VxFileConcat(nullptr, "a"),
+              4u);
+    EXPECT_FALSE(fs::exists("fresh"));
+}
+
+TEST_F(FileCopy, MovingReplacesAndTellsWhoIsInTheWay)
+{
+    folder.write("x/a", "text");
+    folder.write("b", "old");
+    EXPECT_EQ(VxFileMv("x/a", "b"), 0u);
+    EXPECT_EQ(VxFileMv("b", "c"), 0u);
+    EXPECT_EQ(folder.read("c"), "text");
+    EXPECT_FALSE(fs::exists("x/a") || fs::exists("b"));
+
+    EXPECT_EQ(VxFileMv("x/none", "c") + VxFileMv("c", "none/c") + VxFileMv("x", "y"), 3u);
+    folder.write("b", "old");
+    FILE *held = nullptr;
+    ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
+    EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c"), 2u);
+    VxFileClose(&held, 0);
+    EXPECT_THAT(errors(),
+                ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c."))
+        << "a repeat within the second is counted, not filed";
+    EXPECT_EQ(folder.read("b") + folder.read("c"), "oldtext");
+}
+
+TEST_F(FileCopy, CleaningWritesTheFileAnewAndKeepsTheOldOne)
+{
+    folder.write("a", "text");
+    fs::create_hard_link("a", "first");
+    VxStat before, after, kept;
+    vxstat("a", &before);
+    ASSERT_EQ(VxFileClean("a"), 0u);
+    vxstat("a", &after);
+    vxstat("a.bak", &kept);
+    EXPECT_NE(after.inode, before.inode);
+    EXPECT_EQ(kept.inode, before.inode);
+    EXPECT_EQ(folder.read("a") + folder.read("a.bak"), "texttext");
+    ASSERT_EQ(VxFileClean("a"), 0u) << "over the old copy";
+    EXPECT_EQ(entries("."), 3u);
+
+    std::string longest(252, 'n');
+    folder.write(longest, "text");
+    EXPECT_EQ(VxFileClean("none") + VxFileClean(longest.c_str()) + VxFileClean(nullptr), 3u);
+    EXPECT_THAT(errors(), ElementsAre("Unable to clean the file none.",
+                                      "Unable to replace the file " + longest + " by its cleaned copy."));
+    EXPECT_EQ(entries("."), 4u);
+}
+
+// Whatever is refused: no content is lost, none is mixed, and no new file stays beside it.
+TEST_F(FileCopy, ARefusalAnywhereLeavesTheOldOrTheNewContent)
+{
+    const std::string source(100'000, 's');
+    const fs::path away =
+        (fs::exists("/dev/shm") ? "/dev/shm" : folder.native().parent_path()) /
+        ("vx-move-" + std::to_string(getpid())); // on another device, as far as there is one
+    std::string awayText = away.string();
+    VxPathCheck(awayText.data());
+    const struct {
+        const char *name;
+        std::function<uint32_t()> act;
+        fs::path target;
+        std::string before, after;
+        bool takesSource;
+    } cases[] = {
+        {"copy", [] { return VxFileCpy("a", "b"); }, "b", "old", source, false},
+        {"append", [] { return VxFileConcat("a", "b"); }, "b", "old", "old" + source, false},
+        {"move", [] { return VxFileMv("a", "b"); }, "b", "old", source, true},
+        {"move away", [&] { return VxFileMv("a", awayText.c_str()); }, away, "", source, true},
+        {"clean", [] { return VxFileClean("a"); }, "a", source, source, false},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        uint32_t result = 0;
+        auto prepare = [&] {
+            for (const auto &entry : fs::directory_iterator("."))
+                fs::remove(entry);
+            fs::remove(away);
+            folder.write("a", source);
+            folder.write("b", "old");
+        };
+        prepare();
+        test::eachRefusal(
+            fault::Kind::verb, nullptr, [&] { result = c.act(); },
+            [&](bool refused) {
+                std::ifstream stream(c.target, std::ios::binary);
+                std::string content(std::istreambuf_iterator<char>(stream), {});
+                EXPECT_TRUE(content == c.after || (result != 0 && content == c.before)) << content.size();
+                EXPECT_EQ(fs::exists("a"), !c.takesSource || result != 0) << "the source";
+                EXPECT_TRUE(refused || result == 0);
+                for (const auto &entry : fs::directory_iterator("."))
+                    EXPECT_EQ(entry.path().string().find(".vx-"), std::string::npos) << entry.path();
+                prepare();
+            });
+    }
+    fs::remove(away);
+}
+
+TEST_F(FileCopy, AFullDiskLeavesTheOldContent)
+{
+    folder.write("a", std::string(5000, 's'));
+    folder.write("b", "old");
+    EXPECT_TRUE(test::inChild([&] {
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{4000, 4000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return VxFileCpy("a", "b") == 1 && VxFileConcat("a", "b") == 1 && VxFileClean("a") == 1 &&
+               VxFileConcat("a", "c") == 1;
+    }));
+    EXPECT_EQ(folder.read("b"), "old");
+    EXPECT_EQ(folder.read("a").size(), 5000u);
+    EXPECT_EQ(entries("."), 2u);
+}
+
+TEST_F(FileCopy, WithoutRightsNothingIsTouched)
+{
+    folder.write("d/a", "text");
+    folder.write("d/secret", "text");
+    fs::permissions("d/a", fs::perms(0444));
+    fs::permissions("d/secret", fs::perms(0));
+    fs::permissions(folder.native(), fs::perms(0755));
+    EXPECT_TRUE(test::inChild([&] {
+        test::dropRights();
+        return VxFileCpy("d/a", "d/b") == 1 && VxFileClean("d/a") == 1 && VxFileMv("d/a", "d/b") == 1 &&
+               VxFileConcat("d/a", "d/b") == 1 && VxFileWrite("d/a") == 0 &&
+               VxFileCpy("d/secret", "d/a") == 1 && VxFileDiff("d/a", "d/secret") == -1;
+    }));
+    EXPECT_EQ(folder.read("d/a"), "text");
+    EXPECT_EQ(entries("d"), 2u);
+}
+
+}

@@ -1,0 +1,195 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "files/path_state.h"
+#include "tests/files/toolkit_fixture.h"
+#include "tests/support/child.h"
+#include "tests/support/code_page.h"
+#include "platform/os/fault.h"
+#include "vx/file.h"
+#include "vx/str.h"
+
+using namespace vx;
+namespace fs = std::filesystem;
+
+namespace {
+
+using FileNames = test::ToolkitFixture;
+
+TEST_F(FileNames, TheFirstFreeNumberNamesTheFile)
+{
+    char name[64];
+    EXPECT_EQ(VxFileUniqueName(".", "temp", "txt", name, sizeof name), 0u);
+    EXPECT_STREQ(name, "temp001.txt");
+    folder.write("temp001.txt", "");
+    folder.write("temp002.txt", "");
+    folder.write("temp004.txt", "");
+    EXPECT_EQ(VxFileUniqueName(folder.text().c_str(), "temp", "txt", name, 12), 0u);
+    EXPECT_STREQ(name, "temp003.txt");
+    EXPECT_EQ(VxFileUniqueName(".", "temp", "txt", name, 11), 1u);
+    EXPECT_EQ(VxFileUniqueName(nullptr, "t", "x", name, 64) + VxFileUniqueName(".", nullptr, "x", name, 64) +
+                  VxFileUniqueName(".", "t", nullptr, name, 64) + VxFileUniqueName(".", "t", "x", name, 0),
+              4u);
+    // 511 characters with the separator and "t001.x".
+    EXPECT_EQ(VxFileUniqueName(std::string(504, 'd').c_str(), "t", "x", name, sizeof name), 0u);
+    EXPECT_EQ(VxFileUniqueName(std::string(505, 'd').c_str(), "t", "x", name, sizeof name), 1u);
+
+    for (int n = 1; n < 999; ++n)
+        folder.write("t" + std::to_string(1000 + n).substr(1) + ".x", "");
+    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, sizeof name), 0u);
+    EXPECT_STREQ(name, "t999.x");
+    folder.write(name, "");
+    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, sizeof name), 1u);
+}
+
+TEST_F(FileNames, PatternsHoldOneNumberAndNothingElse)
+{
+    char name[64];
+    for (const char *expected : {"a01-b", "a02-b"}) {
+        EXPECT_EQ(VxFileUniqueName2(".", "a%02d-b", name, sizeof name), 0u);
+        EXPECT_STREQ(name, expected);
+        EXPECT_TRUE(fs::exists(expected));
+    }
+    EXPECT_EQ(VxFileUniqueName2(".", "%d", name, 2), 0u);
+    for (const char *pattern : {"", "a", "%", "%%", "%s", "%d%d", "%d%n", "%100d", "%-3d", "%ld", "%i"})
+        EXPECT_EQ(VxFileUniqueName2(".", pattern, name, sizeof name), 1u) << pattern;
+    EXPECT_EQ(VxFileUniqueName2("none", "%d", name, sizeof name) + VxFileUniqueName2(".", "%d", name, 1), 2u);
+}
+
+// Two processes take names from the same start at the same time.
+TEST_F(FileNames, NobodyGetsANameTwice)
+{
+    constexpr int processes = 4;
+    constexpr int names = 200;
+    auto take = [&] {
+        char name[64];
+        for (int i = 0; i < names; ++i)
+            if (VxFileTemp(".\\x", sizeof name, name) || VxFileUniqueName2(".", "u%d", name, sizeof name))
+                return false;
+        return true;
+    };
+    {
+        std::vector<std::unique_ptr<test::Child>> children;
+        for (int i = 0; i < processes; ++i)
+            children.push_back(std::make_unique<test::Child>(take));
+        for (auto &child : children)
+            EXPECT_TRUE(child->succeeded());
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2 * processes * names);
+}
+
+TEST_F(FileNames, TemporaryFilesLieBesideAPathAndNeedRoomForTheirName)
+{
+    fs::create_directory("d");
+    char name[300];
+    ASSERT_EQ(VxFileTemp("d/x.prt", sizeof name, name), 0u);
+    EXPECT_EQ(std::string(name).substr(0, 4), "d\\hk");
+    EXPECT_EQ(VxFileSize(name), 0);
+    EXPECT_TRUE(fs::exists("d/" + std::string(name + 2)));
+    ASSERT_EQ(VxFileTemp("x.prt", 10, name), 0u) << "room for 32767";
+    EXPECT_EQ(std::string(name).substr(0, 4), ".\\hk");
+    EXPECT_EQ(VxFileTemp("x.prt", 9, name) + VxFileTemp("none\\x", sizeof name, name) +
+                  VxFileTemp(nullptr, sizeof name, name),
+              3u);
+    auto before = std::distance(fs::directory_iterator("."), {});
+    fault::onlyVerb("syncStream");
+    fault::refuse(fault::Kind::verb, 1);
+    uint32_t refused = VxFileTemp("x", sizeof name, name);
+    fault::refuse(fault::Kind::verb, 0);
+    fault::onlyVerb(nullptr);
+    EXPECT_EQ(refused, 1u);
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), before);
+
+    FILE *stream = VxFileTmp();
+    ASSERT_NE(stream, nullptr);
+    EXPECT_GE(fputs("text", stream), 0);
+    char back[8] = "";
+    rewind(stream);
+    EXPECT_STREQ(fgets(back, sizeof back, stream), "text");
+    fclose(stream);
+}
+
+TEST_F(FileNames, TheExtensionStandsBehindTheLastPointOfTheName)
+{
+    const struct {
+        const char *name, *extension;
+    } cases[] = {{"a.txt", "txt"}, {"a.b.c", "c"},
+                 {"a", ""},        {"a.", ""},
+                 {".x", "x"},      {"d.x\\a", ""},
+                 {"d.x/a", ""},    {"d.x\\a.y", "y"},
+                 {"", ""},         {"a.0123456789abcdefgh", "0123456789abcde"}};
+    for (auto [name, extension] : cases)
+        EXPECT_STREQ(VxFileExt(name), extension) << name;
+    EXPECT_STREQ(VxFileExt(nullptr), "");
+    test::CodePageScope japanese(932);
+    EXPECT_STREQ(VxFileExt("a.x\x95\x5Cy"), "x\x95\x5Cy");
+    EXPECT_STREQ(VxFileExt("a.0123456789abcd\x95\x5C"), "0123456789abcd") << "cut behind a character";
+}
+
+TEST_F(FileNames, TheProductsExtensionsAreKnownIgnoringCase)
+{
+    for (const char *name : {"a.tlprt", "a.TLDRW", "a.Tl", "a.vx", "a.tld", "d\\a.tlprt"})
+        EXPECT_EQ(VxFileValidExt(name), 1) << name;
+    for (const char *name : {"a.txt", "a", "tlprt", "a.tlprtx", "a.tlprt\\b", "a.tlcam"})
+        EXPECT_EQ(VxFileValidExt(name), 0) << name;
+    EXPECT_EQ(VxFileValidExt(nullptr), 0);
+    EXPECT_EQ(VxFileValidExt_Viewer("a.TLD") + VxFileValidExt_Viewer("a.tlprt"), 1);
+}
+
+TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
+{
+    char name[16];
+    auto set = [&](auto function, const char *from, int32_t size, const char *ext) {
+        VxStrCpy(name, from, sizeof name);
+        return std::to_string(function(name, size, ext)) + name;
+    };
+    EXPECT_EQ(set(VxFileSetExt, "a.TLPRT", 16, "TlPRT"), "1a.TLPRT");
+    EXPECT_EQ(set(VxFileSetExt, "a.b.c", 16, "d"), "0a.b.d");
+    EXPECT_EQ(set(VxFileSetExt, "d.x\\a", 16, "e"), "0d.x\\a.e");
+    EXPECT_EQ(set(VxFileSetExt, "a", 4, "xy"), "1a") << "a byte too much";
+    EXPECT_EQ(set(VxFileSetExt, "a", 5, "xy"), "0a.xy");
+    EXPECT_EQ(set(VxFileSetExt2, "a.txt", 16, "vx"), "0a.txt.vx");
+    EXPECT_EQ(set(VxFileSetExt2, "a.TlPRT", 16, "TlPRT"), "0a.TlPRT");
+    EXPECT_EQ(set(VxFileSetExt2, "a.TlPRT", 4, "vx"), "1a.TlPRT");
+
+    auto cut = [&](auto function, const char *from) {
+        VxStrCpy(name, from, sizeof name);
+        return function(name) ? "!" : std::string(name);
+    };
+    EXPECT_EQ(cut(VxFileRmExt, "a.tlprt"), "a");
+    EXPECT_EQ(cut(VxFileRmExt, "a.txt"), "a.txt");
+    EXPECT_EQ(cut(VxFileRmExt2, "x.12"), "x.12");
+    EXPECT_EQ(cut(VxFileRmExt2, "x.txt"), "x");
+    EXPECT_EQ(cut(VxFileRmExt2, "x."), "x");
+    EXPECT_EQ(cut(VxFileRmExt2, "x.0"), "x.0");
+    EXPECT_EQ(cut(VxFileRmExt2, "x.-1"), "x");
+    EXPECT_EQ(VxFileSetExt(nullptr, 9, "x") +
+                  static_cast<int32_t>(VxFileRmExt(nullptr) + VxFileRmExt2(nullptr)),
+              3);
+}
+
+TEST_F(FileNames, FilesAreFoundBelowTheCurrentFolderAndThenTheRoot)
+{
+    folder.write("cur/d/both", "");
+    folder.write("root/d/both", "");
+    folder.write("root/d/one", "");
+    fs::current_path("cur");
+    VxStrCpy(files::pathState.root, folder.text("root\\").c_str(), sizeof files::pathState.root);
+    char out[300] = "kept";
+    EXPECT_EQ(VxFileFind("d", "none", out, sizeof out) + VxFileFind(nullptr, "one", out, sizeof out), 0);
+    EXPECT_STREQ(out, "kept");
+    EXPECT_EQ(VxFileFind("d", "both", out, sizeof out), 1);
+    EXPECT_EQ(out, folder.text("cur\\d\\both"));
+    EXPECT_EQ(VxFileFind("d\\", "one", out, sizeof out), 1);
+    EXPECT_EQ(out, folder.text("root\\d\\one"));
+    int32_t size = static_cast<int32_t>(folder.text("root\\d\\one").size());
+    EXPECT_EQ(VxFileFind("d", "one", out, size), 0);
+    EXPECT_STREQ(VxZip(0), "zip.exe");
+    EXPECT_STREQ(VxZip(1), "unzip.exe");
+}
+
+}

@@ -1,0 +1,130 @@
+#include <cstring>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/code_page.h"
+#include "vx/posix.hpp"
+
+using namespace vx;
+
+namespace {
+
+enum { separates = 1, noEscape = 2, pointLiteral = 4, ignoreCase = 16 };
+
+// Pattern and name with a bar between them.
+TEST(Match, PatternsMatchAndDoNot)
+{
+    const struct {
+        int32_t flags;
+        bool match;
+        const char *pairs;
+    } rows[] = {
+        {0, true,
+         R"(| abc|abc ?|a a?c|abc a?c|a?c ??|ab ?|\ *| *|abc **|abc a*|a *a|ba *a*|bab a*c|abcbc )"
+         R"(a*b*c|aXbYbZc *.*|a.b.c *.txt|x.txt *ab*ab*ab|abababab ?*?|ab [a]|a [abc]|c [a-c]|b )"
+         R"([a-cx-z]|y [a-c]*[0-9]|bend7 [!a]|b [^a]|b [a!]|! [a^]|^ []a]|] []a]|a [!]a]|b [a-]|- )"
+         R"([-a]|- [[]|[ [*?]|* [|[ [a|[a []|[] x[!|x[! *[|ab[ part[1].prt|part1.prt [[|[[ \*|* \a|a )"
+         R"(\\|\ \|\ a\|a\ \[a]|[a] [\]]|] [a\-c]|- [\a-\c]|b [\!a]|! [a\]|[a] *|a\b a[\\]b|a\b )"
+         R"(*c|a\b\c *|.a)"},
+        {0, false,
+         R"(|a a| abc|abd abc|abcd abcd|abc ?| ?|ab a*|ba *a|ab a*c|abcb a*b*c|acb *.*|a )"
+         R"(*.txt|x.txt.old *ab*ab*ab|ababa *?| ?*?|a [a]|b [a-c]|d [c-a]|b [!a]|a [^a-c]|b [!a]| )"
+         R"([!]a]|] [a-]|b [*?]|x [a|a part[1].prt|part[1].prt \*|a \?|a [a\-c]|b *.TXT|x.txt )"
+         R"([A-C]|b)"},
+        {separates, true, R"(?|/ *\\*|a\b *\*|a* *\\x*\\c|a\xy\c)"},
+        {separates, false, R"(?|\ *|a\b *\*|a\b a[\\]b|a\b a[!x]b|a\b *\\c|a\b\c)"},
+        {noEscape, true, R"(\*|\x \?|\x [\]|\)"},
+        {noEscape, false, R"(\*|* [\-]]|])"},
+        {separates | noEscape, true, R"(*\*|a\b *a*\b|xaya\b)"},
+        {pointLiteral, true, R"(.*|.a \.a|.a a*|a.b *.b|a.b a\\*|a\.b)"},
+        {pointLiteral, false, R"(*|.a ?a|.a [.]a|.a)"},
+        {pointLiteral | separates, true, R"(a\\.*|a\.b a\\b?c|a\b.c)"},
+        {pointLiteral | separates, false, R"(a\\*|a\.b *\\?b|a\.b)"},
+        {ignoreCase, true, R"(*.TXT|x.txt x|X [a-c]|B [A-C]|b \X|x)"},
+        {ignoreCase, false, R"([!A-C]|b)"},
+    };
+    for (const auto &row : rows) {
+        std::istringstream pairs(row.pairs);
+        for (std::string pair; pairs >> pair;) {
+            size_t bar = pair.find('|');
+            std::string pattern = pair.substr(0, bar);
+            EXPECT_EQ(VX::fnmatch(pattern.c_str(), pair.c_str() + bar + 1, row.flags) == 0, row.match)
+                << pair << " flags " << row.flags;
+        }
+    }
+    EXPECT_EQ(VX::fnmatch(nullptr, "a", 0) + VX::fnmatch("a", nullptr, 0), 2);
+}
+
+TEST(Match, CharactersOfSeveralBytesAreOne)
+{
+    {
+        test::CodePageScope utf8(65001);
+        EXPECT_EQ(VX::fnmatch("?", "\xC3\xA4", 0), 0);
+        EXPECT_EQ(VX::fnmatch("[\xC3\xA0-\xC3\xBC]", "\xC3\xA4", 0), 0);
+        EXPECT_EQ(VX::fnmatch("[\xC3\xA0-\xC3\xA2]", "\xC3\xA4", 0), 1);
+        EXPECT_EQ(VX::fnmatch("*\xC3\x84*", "x\xC3\xA4y", ignoreCase), 0);
+        EXPECT_EQ(VX::fnmatch("*\xA4", "\xC3\xA4", 0), 1) << "no match within a character";
+    }
+    // 0x5C as the second byte neither escapes nor separates.
+    test::CodePageScope japanese(932);
+    EXPECT_EQ(VX::fnmatch("\x95\x5C*", "\x95\x5C\x83\x5C", separates), 0);
+    EXPECT_EQ(VX::fnmatch("?", "\x95\x5C", separates), 0);
+    EXPECT_EQ(VX::fnmatch("[\x95\x5C]x", "\x95\x5Cx", 0), 0);
+}
+
+/** What a pattern of letters, "?", "*" and simple brackets means, by trying everything. */
+bool naive(const char *p, const char *s)
+{
+    if (!*p)
+        return !*s;
+    if (*p == '*')
+        return naive(p + 1, s) || (*s && *s != '\\' && naive(p, s + 1));
+    if (!*s)
+        return false;
+    if (*p == '[')
+        return (*s == p[1] || *s == p[2]) && *s != '\\' && naive(p + 4, s + 1);
+    return (*p == '?' ? *s != '\\' : *p == *s) && naive(p + 1, s + 1);
+}
+
+TEST(Match, RandomPatternsMatchAsTryingAllWaysDoes)
+{
+    auto seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    const char *pieces[] = {"a", "b", "?", "*", "*", "[ab]", "[b\\]", "\\"};
+    int matched = 0;
+    for (int round = 0; round < 100000; ++round) {
+        std::string pattern;
+        std::string name;
+        for (auto n = random() % 8; n > 0; --n)
+            pattern += pieces[random() % 8];
+        for (auto n = random() % 8; n > 0; --n)
+            name += "aabb\\"[random() % 5];
+        bool expected = naive(pattern.c_str(), name.c_str());
+        matched += expected;
+        ASSERT_EQ(VX::fnmatch(pattern.c_str(), name.c_str(), separates | noEscape) == 0, expected)
+            << pattern << " | " << name;
+    }
+    EXPECT_GT(matched, 100);
+}
+
+// Each of these would take longer than the world stands, were all ways tried.
+TEST(Match, HostilePatternsEnd)
+{
+    std::string name(20000, 'a');
+    std::string stars;
+    std::string open;
+    for (int i = 0; i < 2000; ++i) {
+        stars += "*a";
+        open += "*[";
+    }
+    EXPECT_EQ(VX::fnmatch((stars + "b").c_str(), name.c_str(), 0), 1);
+    EXPECT_EQ(VX::fnmatch((stars + "*").c_str(), name.c_str(), 0), 0);
+    EXPECT_EQ(VX::fnmatch((open + "\\]").c_str(), std::string(20000, '[').c_str(), 0), 1);
+    EXPECT_EQ(VX::fnmatch("*a*a*a*a*b", name.c_str(), ignoreCase), 1);
+}
+
+}

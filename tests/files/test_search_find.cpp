@@ -1,0 +1,398 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "files/dmpath.h"
+#include "platform/os/test_values.h"
+#include "tests/files/search_fixture.h"
+#include "tests/support/child.h"
+#include "tests/support/code_page.h"
+#include "tests/support/each_refusal.h"
+#include "tests/support/options.h"
+#include "vx/file.h"
+#include "vx/path.h"
+#include "vx/tools.h"
+
+using namespace vx;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::map<int32_t, std::string> answers; ///< of the host's functions; "" is no
+
+template <int32_t number> int32_t says()
+{
+    return answers[number].empty() ? 0 : 1;
+}
+
+template <int32_t number> void maps(const char *, char *out, int32_t size)
+{
+    snprintf(out, static_cast<size_t>(size), "%s", answers[number].c_str());
+}
+
+struct SearchFind : test::SearchFixture {
+    SearchFind() { answers.clear(); }
+
+    /** By DmPathFind, or in one entry. */
+    static std::string find(const std::string &name, int32_t size = 512, const char *entry = nullptr)
+    {
+        char buffer[512];
+        snprintf(buffer, sizeof buffer, "%s", name.c_str());
+        bool hit = (entry ? DmPathFindSubDir(entry, buffer, size) : DmPathFind(buffer, size)) != 0;
+        EXPECT_TRUE(hit || buffer == name) << "a miss changes nothing";
+        return hit ? buffer : "none";
+    }
+    static std::string findIn(const std::string &entry, const std::string &name)
+    {
+        return find(name, 512, entry.c_str());
+    }
+
+    static std::string general(const char *name, int32_t size = 512)
+    {
+        char out[512] = "?";
+        int32_t hit = DmFileFind(name, size, out);
+        EXPECT_EQ(hit, *out ? 1 : 0);
+        return out;
+    }
+
+    /** Let time go by; what changed on the disk since the last call changed before that. */
+    void pass(int64_t seconds)
+    {
+        const timespec times[] = {{now, 0}, {now, 0}};
+        struct stat status;
+        for (const auto &entry : fs::recursive_directory_iterator(folder.native()))
+            if (stat(entry.path().c_str(), &status) == 0 && status.st_mtime < longAhead)
+                utimensat(AT_FDCWD, entry.path().c_str(), times, 0);
+        now += seconds;
+        os::setTestClock(now * 1'000'000);
+    }
+
+    static constexpr int64_t longAhead = 4'000'000'000; ///< of the disk's own times
+    int64_t now = longAhead;
+
+    static int64_t foldersRead(const char *name)
+    {
+        fault::onlyVerb("openFolder");
+        fault::refuse(fault::Kind::verb, 0);
+        find(name);
+        fault::onlyVerb(nullptr);
+        return fault::calls(fault::Kind::verb);
+    }
+};
+
+TEST_F(SearchFind, PlacesAreTriedInTheirOrder)
+{
+    add(folder.text("first") + "\\...");
+    add(folder.text("second"));
+    DmPathActive((folder.text("active") + "\\...").c_str());
+    DmCompPathActive(folder.text("component/other").c_str());
+    host(28, says<28>), host(29, maps<29>), host(30, maps<30>), host(49, maps<49>);
+    host(50, says<50>), host(52, says<52>);
+    for (int32_t number : {29, 30, 49})
+        answers[number] = folder.text("host" + std::to_string(number) + "/f");
+    answers[28] = answers[50] = answers[52] = "yes";
+
+    EXPECT_EQ(find("f"), "none") << "what a host maps to must exist";
+    // Each place made now is to win over those made before.
+    for (const char *place : {"host29/f", "second/f", "first/b/f", "first/a/f", "first/f", "active/sub/f"}) {
+        folder.write(place, "");
+        EXPECT_EQ(find("f"), folder.text(place));
+    }
+    folder.write("f", "");
+    EXPECT_EQ(find("f"), "f");
+    folder.write("component/other", "");
+    EXPECT_EQ(find("f"), folder.text("component/other")) << "whatever its name";
+    DmPathActive(folder.text("active").c_str());
+    folder.write("active/f", "");
+    EXPECT_EQ(find("f"), folder.text("active/f"));
+    answers[52] = "";
+    folder.write("host49/f", "");
+    EXPECT_EQ(find("f"), folder.text("host49/f"));
+    folder.write("host30/f", "");
+    answers[52] = "yes";
+    EXPECT_EQ(find("f"), folder.text("host30/f"));
+    answers[50] = answers[52] = "";
+    EXPECT_EQ(find("f"), folder.text("active/f")) << "a host that says no is not asked";
+}
+
+TEST_F(SearchFind, TheSearchEndsWhereFlagsOptionsAndBuffersSaySo)
+{
+    folder.write("entry/f", "");
+    folder.write("entry/sub/g", "");
+    add(folder.text("entry"));
+    DmPathActive(folder.text("active").c_str());
+    std::string there = folder.text("entry/f");
+    EXPECT_EQ(find("f"), there);
+    DmPathCheckActiveOnlySet(1);
+    EXPECT_EQ(find("f"), "none");
+    EXPECT_EQ(general("f"), "");
+    DmPathActive("");
+    EXPECT_EQ(find("f"), there) << "no active path confines nothing";
+    DmPathSearchSet(0);
+    EXPECT_EQ(find("f"), "none");
+    DmPathSearchSet(1), DmPathCheckActiveOnlySet(0);
+    test::Options options;
+    options.values["AutoSearchInSearchPaths"] = "no";
+    EXPECT_EQ(find("f"), "none");
+    options.values.clear();
+    EXPECT_EQ(find("sub\\g") + find("") + findIn("", "f"), "nonenonenone");
+    EXPECT_EQ(find("entry\\f"), "entry\\f") << "a name with a folder is only tried as it is";
+
+    std::string deep = "entry/" + std::string(230, 'd');
+    std::string base = folder.text(deep) + "\\";
+    std::string longest(334 - base.size(), 'n');
+    for (const char *more : {"", "n"})
+        folder.write(deep + "/" + longest + more, "");
+    add(folder.text("entry") + "\\...");
+    EXPECT_EQ(find(longest, 335), base + longest);
+    EXPECT_EQ(find(longest, 334) + find(longest + "n"), "nonenone");
+    EXPECT_EQ(general(longest.c_str()), "") << "a canonical path has at most 255 bytes";
+}
+
+/** What the search is to find, looked for by other means. */
+std::string expected(const std::vector<std::string> &entries, const std::string &name)
+{
+    for (std::string entry : entries) {
+        std::replace(entry.begin(), entry.end(), '\\', '/');
+        bool deep = entry.ends_with("/...");
+        fs::path directory = deep ? entry.substr(0, entry.size() - 4) : entry;
+        std::set<fs::path> places{directory};
+        std::error_code none;
+        for (const auto &sub : fs::directory_iterator(directory, none))
+            if (deep && sub.is_directory(none))
+                places.insert(sub.path());
+        for (const fs::path &place : places)
+            if (fs::exists(place / name, none)) {
+                std::string text = (place / name).string();
+                std::replace(text.begin(), text.end(), '/', '\\');
+                return text;
+            }
+    }
+    return "none";
+}
+
+TEST_F(SearchFind, TheCacheNeverChangesAnAnswer)
+{
+    std::mt19937 random(20261121);
+    auto one = [&](std::initializer_list<const char *> of) {
+        return std::string(of.begin()[random() % of.size()]);
+    };
+    auto change = [&] {
+        std::string directory = one({"A", "B", "C"});
+        std::string entry = folder.text(directory) + one({"", "\\..."});
+        fs::path sub = folder.native() / directory / one({"s", "t", "u"});
+        std::error_code none;
+        fs::create_directory(folder.native() / directory);
+        auto act = random() % 10;
+        if (act == 0)
+            add(entry, random() % 2);
+        else if (act == 1)
+            DmPathDel(entry.c_str());
+        else if (act == 2)
+            fs::remove_all(sub);
+        else if (act == 3)
+            fs::remove_all(folder.native() / directory);
+        else if (act == 4)
+            fs::rename(sub, folder.native() / one({"A", "B", "C"}) / "v", none);
+        else if (act == 5)
+            fs::create_directory_symlink(one({".", "s", "../A", "nowhere"}), sub, none);
+        else if (act == 6)
+            fs::remove(sub / one({"f", "g"}), none);
+        else if (act == 7)
+            folder.write(directory + one({"/f", "/g"}), "");
+        else if (fs::create_directories(sub, none) || fs::is_directory(sub, none))
+            std::ofstream(sub / one({"f", "g"})).put('x');
+    };
+    ASSERT_EQ(DmFilePathCacheEnable(), 0u);
+    int found = 0;
+    for (int step = 0; step < 1500; ++step) {
+        change();
+        pass(static_cast<int64_t>(random() % 5));
+        DmPathActive("");
+        for (const char *name : {"f", "g"}) {
+            std::string right = expected(entries(), name);
+            ASSERT_EQ(find(name), right) << "step " << step;
+            char home[300];
+            bool known = DmFilePathCacheGet(name, home, sizeof home) != 0;
+            ASSERT_EQ(known ? std::string(home) + "\\" + name : "none", right) << "step " << step;
+            found += known;
+        }
+    }
+    EXPECT_GT(found, 500);
+}
+
+TEST_F(SearchFind, WhatIsRememberedIsNotReadAgainUntilItChanges)
+{
+    for (int i = 0; i < 5; ++i)
+        folder.write("entry/s" + std::to_string(i) + "/f" + std::to_string(i), "");
+    add(folder.text("entry") + "\\...");
+    DmPathActive("");
+    EXPECT_EQ(foldersRead("f4"), 1) << "without the cache";
+    pass(2);
+    EXPECT_EQ(DmFilePathCacheEnable() + DmFilePathCacheEnable(), 0u);
+    EXPECT_EQ(foldersRead("f4"), 1) << "it has just changed and may change again unseen";
+    pass(10);
+    EXPECT_EQ(foldersRead("f4"), 1);
+    EXPECT_EQ(foldersRead("f4"), 0);
+    folder.write("entry/s9/g", "");
+    EXPECT_EQ(foldersRead("g"), 1);
+    EXPECT_EQ(DmFilePathCacheDisable(), 0u);
+    pass(10);
+    foldersRead("f4");
+    EXPECT_EQ(foldersRead("f4"), 0) << "enabled twice";
+    char home[300];
+    EXPECT_EQ(DmFilePathCacheGet("f4", home, sizeof home), 1);
+    EXPECT_EQ(home, folder.text("entry/s4"));
+    EXPECT_EQ(DmFilePathCacheGet("f4", home, 4), 0);
+    EXPECT_EQ(DmFilePathCacheDisable(), 0u);
+    EXPECT_EQ(foldersRead("f4"), 1);
+    EXPECT_EQ(DmFilePathCacheGet("f4", home, sizeof home), 0);
+    EXPECT_EQ(DmFilePathCacheDisable(), 1u);
+}
+
+TEST_F(SearchFind, NamesOfSubdirectoriesFollowTheCodePage)
+{
+    folder.write("entry/\xE3\x82\xBD/f", ""); // a letter that ends in a backslash's byte in 932
+    std::string entry = folder.text("entry") + "\\...";
+    DmFilePathCacheEnable();
+    pass(10);
+    for (auto [number, letter] :
+         {std::pair{932, "\x83\x5C"}, {936, "\xA5\xBD"}, {65001, "\xE3\x82\xBD"}, {932, "\x83\x5C"}}) {
+        test::CodePageScope page(number);
+        EXPECT_EQ(findIn(entry, "f"), folder.text("entry") + "\\" + letter + "\\f");
+    }
+}
+
+TEST_F(SearchFind, UnreadableFoldersAndEveryRefusalAreAMissOrAHit)
+{
+    folder.write("closed/f", "");
+    folder.write("closed/s/g", "");
+    fs::permissions(folder.native(), fs::perms::all);
+    fs::permissions(folder.native() / "closed", fs::perms::group_exec | fs::perms::others_exec);
+    std::string closed = folder.text("closed") + "\\...";
+    EXPECT_TRUE(test::inChild([&] {
+        test::dropRights();
+        return findIn(closed, "f") == folder.text("closed/f") && findIn(closed, "g") == "none";
+    }));
+    folder.write("entry/s/f", "");
+    fs::create_directory_symlink(".", folder.native() / "entry/loop");
+    add(folder.text("entry") + "\\...");
+    DmPathActive("");
+    char name[300];
+    auto search = [&] {
+        snprintf(name, sizeof name, "f");
+        DmPathFind(name, sizeof name);
+    };
+    auto missOrHit = [&](bool refused) {
+        EXPECT_TRUE(name == folder.text("entry/s/f") || (refused && name[1] == '\0')) << name;
+    };
+    for (bool cached : {false, true}) {
+        for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb})
+            test::eachRefusal(kind, nullptr, search, missOrHit);
+        if (!cached)
+            test::eachRefusal(
+                fault::Kind::allocation, nullptr, [] { DmFilePathCacheEnable(); },
+                [&](bool refused) { EXPECT_EQ(files::searchPaths.cache.has_value(), !refused); });
+    }
+}
+
+TEST_F(SearchFind, TheGeneralLookUpAsksTheHostTheListTheRegistryAndProductData)
+{
+    static int32_t on = 1;
+    hostVariable(5, &on);
+    using Resolver = int32_t(const char *, const char *, char *, char *, int32_t, int32_t);
+    Resolver *resolve = [](const char *, const char *, char *path, char *, int32_t, int32_t) {
+        snprintf(path, 256, "%s", answers[69].c_str());
+        return answers[69].empty() ? 1 : 0;
+    };
+    host(69, resolve);
+    host(
+        63, +[](const char *locator) -> int32_t { return answers[63] == locator; });
+    EXPECT_EQ(general("f"), "");
+    answers[69] = "P:/a/../f";
+    EXPECT_EQ(general("f"), "P:\\f") << "canonical";
+    VxPathSet(folder.text("registered").c_str());
+    folder.write("registered/f", "");
+    EXPECT_EQ(general("f"), folder.text("registered/f"));
+    folder.write("sub/f", "");
+    EXPECT_EQ(general("sub/f"), folder.text("sub/f"));
+    add(folder.text("entry"));
+    folder.write("entry/f", "");
+    std::string entry = folder.text("entry/f");
+    EXPECT_EQ(general("f", static_cast<int32_t>(entry.size()) + 1), entry);
+    EXPECT_EQ(general("f", static_cast<int32_t>(entry.size())), "");
+    for (int32_t *flag : {&VgPathFindTPL, &VgPathFindBDL}) {
+        *flag = 1;
+        EXPECT_EQ(general("f"), folder.text("registered/f"));
+        *flag = 0;
+    }
+    answers[63] = "://f";
+    EXPECT_EQ(general("f"), "://f");
+    answers[63] = "vault:/f";
+    EXPECT_EQ(general("vault:/f"), "vault:/f");
+    EXPECT_EQ(general("f"), entry);
+    EXPECT_EQ(general(std::string(600, 'x').c_str()), "");
+}
+
+TEST_F(SearchFind, WhetherADirectoryIsThereIsKeptForFiveSeconds)
+{
+    constexpr int64_t start = 1'000'000'000'000;
+    int32_t okay = 0;
+    std::string path = folder.text("d");
+    std::string deep = path + "\\...";
+    os::setTestClock(start);
+    EXPECT_EQ(DmPathIsOkay(path.c_str()) + DmPathIsOkay(""), 0);
+    fs::create_directory(folder.native() / "d");
+    os::setTestClock(start + 4'999'999);
+    EXPECT_EQ(DmPathIsOkay(deep.c_str()), 0);
+    os::setTestClock(start + 5'000'000);
+    EXPECT_EQ(DmPathIsOkay(deep.c_str()), 1);
+    fs::remove(folder.native() / "d");
+    EXPECT_EQ(DmPathIsOkay(path.c_str()), 1);
+    os::setTestClock(start);
+    EXPECT_EQ(DmPathIsOkay(path.c_str()), 0) << "a clock that is set back keeps nothing";
+    fs::create_directory(folder.native() / "d");
+    files::freeSearchPaths();
+    test::eachRefusal(
+        fault::Kind::allocation, nullptr, [&] { okay = DmPathIsOkay(path.c_str()); },
+        [&](bool) { EXPECT_EQ(okay, 1); });
+}
+
+TEST_F(SearchFind, FilesAreReadAndRenamedWhereTheyAreFoundAndWrittenWhereTheyAreNamed)
+{
+    add(folder.text("entry"));
+    folder.write("entry/f", "found");
+    FILE *stream = nullptr;
+    ASSERT_EQ(DmFileRead("f", &stream), 0u);
+    EXPECT_EQ(fgetc(stream), 'f');
+    VxFileClose(&stream, 0);
+    ASSERT_EQ(DmFileWrite("f", &stream), 0u);
+    VxFileClose(&stream, 0);
+    EXPECT_EQ(folder.read("f") + folder.read("entry/f"), "found");
+    fs::remove(folder.native() / "f");
+    stream = stderr;
+    EXPECT_EQ(DmFileRead("none", &stream), 1u);
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(DmFileWrite("none\\f", &stream), 1u);
+
+    folder.write("entry/taken", "theirs");
+    for (auto [from, to] : {std::pair{"f", "taken"}, {"none", "g"}, {"f", "none/g"}, {"f", ""}})
+        EXPECT_EQ(DmFileRename(from, to), 1u) << from << ' ' << to;
+    EXPECT_EQ(folder.read("entry/f") + folder.read("entry/taken"), "foundtheirs");
+    EXPECT_EQ(DmFileRename("f", "g"), 0u);
+    EXPECT_EQ(folder.read("entry/g"), "found");
+    EXPECT_EQ(DmFileRename("g", "./h"), 0u);
+    EXPECT_EQ(folder.read("h"), "found");
+    EXPECT_FALSE(fs::exists(folder.native() / "entry/g"));
+}
+
+}
