@@ -117,6 +117,7 @@ Error openHandle(const char *path, uint32_t mode, Handle &out) noexcept
 
 Error closeHandle(Handle &handle) noexcept
 {
+    // Also where a test refuses it, since nobody can close it later.
     int file = descriptorOf(handle);
     handle = Handle{};
     int result = close(file);
@@ -194,6 +195,8 @@ Error copyTimesAndPermissions(Handle from, Handle to) noexcept
 
 Error beginReplacement(const char *path, Replacement &out) noexcept
 {
+    out.file = out.old = Handle{};
+    out.name[0] = '\0';
     VX_OS_VERB("beginReplacement");
     return withNative(path, [&](const char *name) { return beginNative(name, out); });
 }
