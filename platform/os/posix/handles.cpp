@@ -15,6 +15,7 @@
 #include "platform/os/posix/native_call.h"
 #include "platform/os/posix/replace.h"
 #include "platform/os/posix/status.h"
+#include "platform/os/posix/write_all.h"
 
 namespace vx::os {
 
@@ -62,21 +63,6 @@ ssize_t readSome(int file, void *bytes, size_t size, off_t offset) noexcept
         n = pread(file, bytes, size, offset);
     while (n < 0 && errno == EINTR);
     return n;
-}
-
-bool writeAll(int file, const char *bytes, size_t size, off_t offset) noexcept
-{
-    while (size > 0) {
-        ssize_t n = pwrite(file, bytes, size, offset);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return false;
-        bytes += n;
-        offset += n;
-        size -= static_cast<size_t>(n);
-    }
-    return true;
 }
 
 /** Whether the kernel will not copy between these two files itself. */
