@@ -96,13 +96,6 @@ bool prepare(int file, const char *name, const OpenMode &mode) noexcept
     return !mode.unlinkAtOnce || unlink(name) == 0;
 }
 
-/** errno for a path that has no native name. */
-Error refusePath(Error error) noexcept
-{
-    errno = error == Error::nameTooLong ? ENAMETOOLONG : error == Error::invalid ? EINVAL : ENOENT;
-    return error;
-}
-
 /** Run `call` on the native form of `path`; it answers as system calls do. */
 template <typename Call> Error withNative(const char *path, Call call) noexcept
 {
