@@ -17,5 +17,7 @@ install(FILES
     ${CMAKE_BINARY_DIR}/VxToolsConfigVersion.cmake
     DESTINATION ${package_dir})
 
+# From the file itself, so that an installed copy can be moved.
+file(RELATIVE_PATH VX_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/vxtools.pc.in ${CMAKE_BINARY_DIR}/vxtools.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/vxtools.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -17,7 +17,7 @@ function(vx_configure target)
                $<BUILD_INTERFACE:${export_dir}>
                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
         PRIVATE ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
-    target_link_libraries(${target} PUBLIC Boost::headers)
+    target_link_libraries(${target} PUBLIC Boost::headers PkgConfig::libtirpc)
     add_dependencies(${target} version_stamp)
 endfunction()
 
@@ -35,6 +35,8 @@ set_target_properties(vxtools PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "\$ORIGIN")
+# The XDR routines are for applications; the toolkit calls none, and brings them all the same.
+target_link_options(vxtools PRIVATE LINKER:--no-as-needed)
 target_link_options(vxtools PRIVATE LINKER:-Bsymbolic-functions
     LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/library_templates.map)
 set_property(TARGET vxtools APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/library_templates.map)

@@ -365,7 +365,7 @@ void EsSinkStandardError(int32_t on)
 int32_t EsSinkFile(const char *path)
 {
     std::FILE *opened = nullptr;
-    if (path && *path && !(opened = std::fopen(path, "ab")))
+    if (path && *path && !(opened = std::fopen(path, "abe")))
         return 1;
     std::FILE *before = nullptr;
     changeSinks([&](Log &state) { before = std::exchange(state.file, opened); });

@@ -17,7 +17,7 @@ def medians(paths):
         with open(path, encoding="utf-8") as file:
             for row in json.load(file)["benchmarks"]:
                 if row.get("aggregate_name") == "median":
-                    work, who = row["run_name"].split("/iterations:")[0].rsplit("/", 1)
+                    work, who = row["run_name"].split("/iterations:")[0].removesuffix("/real_time").rsplit("/", 1)
                     nanoseconds = row["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[row["time_unit"]]
                     found.setdefault(work, {})[who] = nanoseconds
     return found

@@ -1,6 +1,6 @@
 # Sourced by the scripts beside it: installs the Debian packages that are missing.
 
-build_packages=(g++ cmake ninja-build git ca-certificates pkg-config zlib1g-dev libboost-dev libedit-dev)
+build_packages=(g++ cmake ninja-build git ca-certificates pkg-config zlib1g-dev libboost-dev libedit-dev libtirpc-dev)
 test_packages=(libgtest-dev libgmock-dev python3 binutils locales)
 check_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libmimalloc-dev libmuparser-dev libabsl-dev libspdlog-dev libocct-foundation-dev)

@@ -1,5 +1,8 @@
 #include "platform/os/key_file.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace vx::os {
 
 namespace {
@@ -128,6 +131,27 @@ bool findSetting(std::string_view text, std::string_view key, std::string_view n
     if (place.found)
         value = decode(place.value);
     return place.found;
+}
+
+bool findSubkey(std::string_view text, std::string_view key, size_t n, std::string &name)
+{
+    std::vector<std::string_view> found;
+    while (!text.empty()) {
+        std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        std::string_view section = line.starts_with('[') ? sectionOf(line) : std::string_view();
+        if (section.size() <= key.size() || section[key.size()] != '\\' ||
+            !sameText(section.substr(0, key.size()), key))
+            continue;
+        section.remove_prefix(key.size() + 1);
+        std::string_view child = section.substr(0, section.find('\\'));
+        auto same = [&](std::string_view other) { return sameText(other, child); };
+        if (std::none_of(found.begin(), found.end(), same))
+            found.push_back(child);
+    }
+    if (n < found.size())
+        name = found[n];
+    return n < found.size();
 }
 
 bool canStandInKeyFile(std::string_view key, std::string_view name) noexcept

@@ -7,6 +7,7 @@
 // line breaks in values are encoded, as %0A and %0D (and the % of a text that
 // would read so as %25). What a line does not say in this way is kept as it is.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,9 @@ bool findSetting(std::string_view text, std::string_view key, std::string_view n
 
 /** Set the value of a name under a key, which is added when it is missing. */
 void putSetting(std::string &text, std::string_view key, std::string_view name, std::string_view value);
+
+/** The name of the n-th key directly below a key, in the order of the text; false when it has no more. */
+bool findSubkey(std::string_view text, std::string_view key, size_t n, std::string &name);
 
 /** Whether a value put under this key and name would be found again. */
 bool canStandInKeyFile(std::string_view key, std::string_view name) noexcept;

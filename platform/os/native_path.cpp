@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/os/native_text.h"
 #include "text/codepage.h"
 
 namespace vx::os {
@@ -102,18 +103,10 @@ NativePath::NativePath(const char *path) noexcept : error_(Error::none)
     }
 
     const text::CodePage &page = text::codePage();
+    CharRoom room;
     while (*path) {
         int bytes = text::charBytes(page, path);
-        char32_t c;
-        if (*path == '\\')
-            out.put("/");
-        else if (page.kind == text::CodePage::Kind::utf8 || !text::decode(page, path, bytes, c))
-            out.put({path, static_cast<size_t>(bytes)});
-        else {
-            char encoded[4];
-            int n = text::encode(*text::findCodePage(65001), c, encoded);
-            out.put({encoded, static_cast<size_t>(n)});
-        }
+        out.put(*path == '\\' ? "/" : utf8Char(page, path, bytes, room));
         path += bytes;
     }
     if (!out.finish())
@@ -144,19 +137,10 @@ Error fromNative(const char *native, char *out, size_t size) noexcept
 
     const text::CodePage &utf8 = *text::findCodePage(65001);
     const text::CodePage &page = text::codePage();
+    CharRoom room;
     while (*native) {
         int bytes = text::charBytes(utf8, native);
-        char32_t c;
-        char encoded[4];
-        if (*native == '/')
-            text.put("\\");
-        else if (page.kind == text::CodePage::Kind::utf8)
-            text.put({native, static_cast<size_t>(bytes)});
-        else if (text::decode(utf8, native, bytes, c)) {
-            int n = text::encode(page, c, encoded);
-            text.put(n ? std::string_view(encoded, static_cast<size_t>(n)) : "?");
-        } else
-            text.put("?");
+        text.put(*native == '/' ? "\\" : pageChar(page, native, bytes, room));
         native += bytes;
     }
     return text.finish() ? Error::none : Error::nameTooLong;

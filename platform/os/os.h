@@ -55,6 +55,14 @@ int64_t wallMicroseconds() noexcept;
 /** The local calendar time of `seconds`. */
 Error localTime(int64_t seconds, CalendarTime &out) noexcept;
 
+/** Microseconds of processor time that the process has used. */
+int64_t processorMicroseconds() noexcept;
+
+enum class TimeForm { date, time };
+
+/** The local date or time of day of `seconds` as the user's locale writes it. */
+Error localTimeText(int64_t seconds, TimeForm form, char *out, size_t size) noexcept;
+
 // ---------------------------------------------------------------- texts of the system
 
 /** What errno `code` means, or null when the system has no text for it. Valid until this thread's next call. */
@@ -326,6 +334,23 @@ Error restoreStandardError(SavedStream &before) noexcept;
 /** Release it without putting it back. */
 void forget(SavedStream &before) noexcept;
 
+/** What was written to standard error while it was captured; opaque to callers. */
+struct CapturedText {
+    intptr_t handle = -1;
+};
+
+/**
+ * Keep what this process and the programs that it starts write to standard
+ * error. However much that is, writing to it never waits. A failure leaves
+ * standard error as it was.
+ */
+Error captureStandardError(SavedStream &before, CapturedText &captured) noexcept;
+
+/** The first `size` bytes written so far, or all there are; `length` tells how many. */
+Error readCaptured(const CapturedText &captured, char *out, size_t size, size_t &length) noexcept;
+
+void forget(CapturedText &captured) noexcept;
+
 // ---------------------------------------------------------------- settings
 
 /**
@@ -345,6 +370,131 @@ Error readSetting(SettingsRoot root, const char *key, const char *name, char *ou
  * or with "[", "#" or ";" in front. On failure nothing has changed.
  */
 Error writeSetting(SettingsRoot root, const char *key, const char *name, const char *text) noexcept;
+
+/** The name of the n-th key directly below `key`, from 0; `notFound` when it has no more. */
+Error subkeyName(SettingsRoot root, const char *key, int32_t n, char *out, size_t size) noexcept;
+
+// ---------------------------------------------------------------- processors and threads
+
+/** How many processors this process may use; at least 1. */
+int32_t processorCount() noexcept;
+
+/** The processor that this thread runs on, counted from 0, negative when the system does not tell. */
+int32_t currentProcessor() noexcept;
+
+/** Processors by number, as many as fit; others are none. */
+class ProcessorSet {
+public:
+    static constexpr int32_t size = 1024;
+
+    void add(int32_t processor) noexcept
+    {
+        if (processor >= 0 && processor < size)
+            words_[processor / 64] |= uint64_t{1} << (processor % 64);
+    }
+    bool has(int32_t processor) const noexcept { return words_[processor / 64] >> (processor % 64) & 1; }
+
+private:
+    uint64_t words_[size / 64] = {};
+};
+
+/**
+ * Move this thread to a processor that is not among these, when it may use
+ * one. It is as free afterwards as it was: the system may move it again.
+ */
+Error leaveProcessors(const ProcessorSet &taken) noexcept;
+
+/** What a loop does that waits for another processor's next store. */
+void relaxProcessor() noexcept;
+
+/** A thread; stays where it is from startThread() to joinThread(). */
+struct Thread {
+    void (*main)(void *argument) noexcept = nullptr;
+    void *argument = nullptr;
+    bool runs = false;
+    uintptr_t handle = 0; ///< opaque to callers
+};
+
+/** Let a new thread run `main`; a failure leaves `runs` false. */
+Error startThread(Thread &thread) noexcept;
+
+/** Wait for its end. */
+void joinThread(Thread &thread) noexcept;
+
+// ---------------------------------------------------------------- programs
+
+/** Run a command by std::system and wait: its exit code, 128 and the signal's number for one. */
+Error runCommand(const char *command, int32_t &exitCode) noexcept;
+
+/**
+ * A path as a word of such a command, in the process code page; quoted where
+ * it holds what the shell gives a meaning.
+ */
+Error shellWord(const char *path, char *out, size_t size) noexcept;
+
+/** A program that was started; opaque to callers. */
+struct Program {
+    intptr_t handle = -1;
+};
+
+enum class Shown { yes, no };
+
+/**
+ * Start a program, without a shell, with the words of `arguments`, whose last
+ * is null. The first is the program: a path in the toolkit's spelling, or a
+ * name that is looked for where the system looks for programs. All words reach
+ * it as they are. It gets the standard streams and no other open file; one
+ * that is not shown has no window, no input, and its output goes nowhere.
+ */
+Error startProgram(const char *const *arguments, Shown shown, Program &program) noexcept;
+
+/** As startProgram(), not shown: a command in the shell that COMSPEC names, else in the system's. */
+Error startShell(const char *command, Program &program) noexcept;
+
+/** Wait for its end: its exit code, 128 and the signal's number for one. The program is then forgotten. */
+Error waitForProgram(Program &program, int32_t &exitCode) noexcept;
+
+/** Let it go on by itself. */
+void forget(Program &program) noexcept;
+
+/**
+ * Call `visit` for each process whose program can be told, with its full path,
+ * until it answers false.
+ */
+Error eachProcess(bool (*visit)(void *context, uint32_t id, const char *program), void *context) noexcept;
+
+// ---------------------------------------------------------------- the system and its user
+
+struct SystemDescription {
+    bool windows;           ///< what of the fields below stands for
+    char name[256];         ///< not Windows: the distribution and the kernel, in the process code page
+    int32_t version[3];     ///< Windows' or the kernel's: major, minor, build
+    bool server;            ///< Windows: a server edition
+    uint32_t productType;   ///< Windows: what GetProductInfo tells, else 0
+    bool has64Bits;
+};
+Error describeSystem(SystemDescription &out) noexcept;
+
+/** The login name of the user whom this process runs for. */
+Error userName(char *out, size_t size) noexcept;
+
+// ---------------------------------------------------------------- the desktop
+
+/** Put a file, given with its full path, in front of the user's recent documents. */
+Error addRecentDocument(const char *path) noexcept;
+
+struct Shortcut {
+    const char *target;
+    const char *const *arguments; ///< the last is null
+    const char *workFolder;       ///< may be empty
+    const char *description;      ///< may be empty
+};
+
+/**
+ * Make or replace a shortcut. The ending that shortcuts have on the system is
+ * put in place of another system's or behind a name without one.
+ */
+Error createShortcut(const char *path, const Shortcut &shortcut) noexcept;
 
 // ---------------------------------------------------------------- fatal signals
 

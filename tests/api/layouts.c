@@ -13,6 +13,7 @@
 #include "vx/queue.h"
 #include "vx/sort.h"
 #include "vx/posix.h"
+#include "vx/thread.h"
 #include "vx/tools.h"
 
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type " has " #bytes " bytes")
@@ -91,6 +92,13 @@ AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);
 
 AT(VxPathNode, next, 256);
+
+SIZE(VxThreadPool, 64);
+AT(VxThreadPool, stop, 24);
+AT(VxThreadPool, work, 40);
+AT(VxThreadPool, stride, 56);
+AT(VxThreadPool, workers, 60);
+SIZE(VxPoolArg, 16);
 
 AT(VxStat, size, 24);
 AT(VxStat64, size, 24);

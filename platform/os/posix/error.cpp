@@ -31,6 +31,12 @@ Error errorOf(int code) noexcept
     }
 }
 
+Error refusePath(Error error) noexcept
+{
+    errno = error == Error::nameTooLong ? ENAMETOOLONG : error == Error::invalid ? EINVAL : ENOENT;
+    return error;
+}
+
 const char *errorText(int32_t code) noexcept
 {
     return code >= 0 && code < errorTextCount() ? strerrordesc_np(code) : nullptr;

@@ -7,6 +7,9 @@ namespace vx::os {
 /** The Error for errno value `code`. */
 Error errorOf(int code) noexcept;
 
+/** Sets errno for a path that has no native name, and gives the error on. */
+Error refusePath(Error error) noexcept;
+
 }
 
 /** First line of a verb: fail here when a test refuses it. `result` is what the verb returns then. */

@@ -11,13 +11,6 @@ namespace vx::os {
 
 constexpr size_t nativeSize = 4096 + 1;
 
-/** errno for a path that has no native name. */
-inline Error refusePath(Error error) noexcept
-{
-    errno = error == Error::nameTooLong ? ENAMETOOLONG : error == Error::invalid ? EINVAL : ENOENT;
-    return error;
-}
-
 /** Run `call` on the native form of `path`; it answers as system calls do. */
 template <typename Call> Error withNative(const char *path, Call call) noexcept
 {

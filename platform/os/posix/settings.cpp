@@ -18,6 +18,7 @@
 #include "platform/os/posix/descriptor.h"
 #include "platform/os/posix/error.h"
 #include "platform/os/posix/locks.h"
+#include "platform/os/posix/native_file.h"
 #include "platform/os/posix/replace.h"
 
 namespace vx::os {
@@ -32,34 +33,6 @@ std::string fileName()
         return named;
     const char *home = std::getenv("HOME");
     return std::string(home ? home : "") + "/.config/vx/registry.ini";
-}
-
-/** The whole file; an absent one is empty. */
-Error readWhole(const std::string &name, std::string &text)
-{
-    Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.get() < 0)
-        return errno == ENOENT || errno == ENOTDIR ? Error::none : errorOf(errno);
-    char piece[4096];
-    for (;;) {
-        ssize_t n = read(file.get(), piece, sizeof piece);
-        if (n == 0)
-            return Error::none;
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return errorOf(errno);
-        text.append(piece, static_cast<size_t>(n));
-    }
-}
-
-/** The folders above `name` that are missing. */
-Error makeFolders(const std::string &name)
-{
-    for (size_t slash = name.find('/', 1); slash != name.npos; slash = name.find('/', slash + 1))
-        if (mkdir(name.substr(0, slash).c_str(), 0777) != 0 && errno != EEXIST)
-            return errorOf(errno);
-    return Error::none;
 }
 
 Error update(const std::string &name, std::string_view key, std::string_view setting, std::string_view value)
@@ -82,21 +55,13 @@ std::string sectionName(SettingsRoot root, const char *key)
     return root == SettingsRoot::machine ? std::string(machinePrefix) + key : std::string(key);
 }
 
-/** Run a body that may need memory. */
-template <typename Body> Error guarded(Body body) noexcept
+Error handOut(const std::string &text, char *out, size_t size) noexcept
 {
-    try {
-        return body();
-    } catch (const std::bad_alloc &) {
-        errno = ENOMEM;
-        return Error::noMemory;
-    }
-}
-
-Error fail(int code) noexcept
-{
-    errno = code;
-    return errorOf(code);
+    if (text.size() >= size)
+        return fail(ENAMETOOLONG);
+    text.copy(out, text.size());
+    out[text.size()] = '\0';
+    return Error::none;
 }
 
 }
@@ -116,11 +81,26 @@ Error readSetting(SettingsRoot root, const char *key, const char *name, char *ou
         std::string value;
         if (!findSetting(text, sectionName(root, key), name, value))
             return fail(ENOENT);
-        if (value.size() >= size)
-            return fail(ENAMETOOLONG);
-        value.copy(out, value.size());
-        out[value.size()] = '\0';
-        return Error::none;
+        return handOut(value, out, size);
+    });
+}
+
+Error subkeyName(SettingsRoot root, const char *key, int32_t n, char *out, size_t size) noexcept
+{
+    VX_OS_VERB("subkeyName");
+    if (!out || size == 0)
+        return fail(EINVAL);
+    out[0] = '\0';
+    if (!key || n < 0)
+        return fail(EINVAL);
+    return guarded([&] {
+        std::string text;
+        if (Error error = readWhole(fileName(), text); error != Error::none)
+            return error;
+        std::string name;
+        if (!findSubkey(text, sectionName(root, key), static_cast<size_t>(n), name))
+            return fail(ENOENT);
+        return handOut(name, out, size);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/os/os.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,6 +12,26 @@
 #include "platform/os/posix/error.h"
 
 namespace vx::os {
+
+namespace {
+
+/** Put an open file in the place of standard error. */
+Error divert(int file, SavedStream &before) noexcept
+{
+    std::fflush(stderr);
+    int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (saved < 0)
+        return errorOf(errno);
+    if (dup2(file, STDERR_FILENO) < 0) {
+        Error error = errorOf(errno);
+        close(saved);
+        return error;
+    }
+    before.handle = saved;
+    return Error::none;
+}
+
+}
 
 Error temporaryFolder(char *out, size_t size) noexcept
 {
@@ -37,18 +58,47 @@ Error redirectStandardError(const char *path, SavedStream &before) noexcept
     int file = open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
     if (file < 0)
         return errorOf(errno);
-    std::fflush(stderr);
-    int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    Error result = Error::none;
-    if (saved < 0 || dup2(file, STDERR_FILENO) < 0) {
-        result = errorOf(errno);
-        if (saved >= 0)
-            close(saved);
-    } else {
-        before.handle = saved;
-    }
+    Error result = divert(file, before);
     close(file);
     return result;
+}
+
+Error captureStandardError(SavedStream &before, CapturedText &captured) noexcept
+{
+    VX_OS_VERB("captureStandardError");
+    // A file without a name rather than a pipe: it takes everything at once,
+    // and a program that outlives the command can go on writing to it.
+    int file = memfd_create("standard error", MFD_CLOEXEC);
+    if (file < 0)
+        return errorOf(errno);
+    Error result = fcntl(file, F_SETFL, O_APPEND) != 0 ? errorOf(errno) : divert(file, before);
+    if (result == Error::none)
+        captured.handle = file;
+    else
+        close(file);
+    return result;
+}
+
+Error readCaptured(const CapturedText &captured, char *out, size_t size, size_t &length) noexcept
+{
+    VX_OS_VERB("readCaptured");
+    length = 0;
+    while (length < size) {
+        ssize_t n = pread(static_cast<int>(captured.handle), out + length, size - length,
+                          static_cast<off_t>(length));
+        if (n == 0)
+            break;
+        if (n < 0 && errno != EINTR)
+            return errorOf(errno);
+        length += n > 0 ? static_cast<size_t>(n) : 0;
+    }
+    return Error::none;
+}
+
+void forget(CapturedText &captured) noexcept
+{
+    close(static_cast<int>(captured.handle));
+    captured = CapturedText{};
 }
 
 Error restoreStandardError(SavedStream &before) noexcept

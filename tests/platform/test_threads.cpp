@@ -1,0 +1,241 @@
+#include "vx/thread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/os/test_values.h"
+#include "tests/support/faults.h"
+
+using namespace vx;
+
+namespace {
+
+struct Record {
+    std::atomic<int> calls{0};
+    std::thread::id thread;
+    uint32_t result = 0;
+    bool throws = false;
+};
+
+uint32_t work(void *record)
+{
+    auto self = static_cast<Record *>(record);
+    ++self->calls;
+    self->thread = std::this_thread::get_id();
+    if (self->throws)
+        throw std::runtime_error("thrown by the work");
+    return self->result;
+}
+
+using Records = std::vector<Record>;
+
+/** How many records were done by other threads than this one; each exactly `calls` times. */
+size_t doneElsewhere(const Records &records, int calls)
+{
+    std::set<std::thread::id> threads;
+    for (const Record &record : records) {
+        EXPECT_EQ(record.calls, calls) << &record - records.data();
+        if (record.thread != std::this_thread::get_id())
+            threads.insert(record.thread);
+    }
+    return threads.size();
+}
+
+constexpr int32_t stride = sizeof(Record);
+
+/** A pool on a machine of so many processors. */
+class PoolOf {
+public:
+    explicit PoolOf(int32_t processors)
+    {
+        os::setTestProcessorCount(processors);
+        EXPECT_EQ(HkAllocMulTrdPool(&pool), 0u);
+        os::setTestProcessorCount(0);
+    }
+    ~PoolOf() { HkFreeMulTrdPool(&pool); }
+    PoolOf(const PoolOf &) = delete;
+    PoolOf &operator=(const PoolOf &) = delete;
+
+    uint32_t run(Records &records) { return HkRunMulTrdPool(work, records.data(), stride, pool); }
+
+    VxThreadPool *pool = nullptr;
+};
+
+TEST(Threads, OfOneCallEachDoOneRecord)
+{
+    for (int32_t n : {0, 1, 2, 200}) {
+        Records records(static_cast<size_t>(n));
+        EXPECT_EQ(HkRunMulTrd(work, records.data(), stride, n), 0u);
+        // Their numbers may be used again once they have ended.
+        EXPECT_GE(doneElsewhere(records, 1), n > 0 ? 1u : 0u) << n;
+    }
+    EXPECT_EQ(HkRunMulTrd(work, nullptr, stride, -1), 0u);
+    EXPECT_EQ(HkRunMulTrd(nullptr, nullptr, stride, 1), 1u);
+}
+
+TEST(Threads, RunAtTheSameTime)
+{
+    // Each waits until the other has begun.
+    struct Pair {
+        std::atomic<int> *begun;
+    };
+    auto meet = +[](void *record) {
+        auto begun = static_cast<Pair *>(record)->begun;
+        ++*begun;
+        while (*begun < 2)
+            std::this_thread::yield();
+        return 0u;
+    };
+    std::atomic<int> begun{0};
+    Pair pair[2] = {{&begun}, {&begun}};
+    EXPECT_EQ(HkRunMulTrd(meet, pair, sizeof *pair, 2), 0u);
+    PoolOf two(2);
+    begun = 0;
+    EXPECT_EQ(HkRunMulTrdPool(meet, pair, sizeof *pair, two.pool), 0u);
+}
+
+TEST(ThreadPool, EveryWorkerDoesItsRecordOncePerDispatch)
+{
+    for (int32_t processors : {2, 4, 200}) {
+        PoolOf some(processors);
+        ASSERT_EQ(some.pool->workers, processors);
+        Records records(static_cast<size_t>(processors));
+        for (Record &record : records)
+            record.result = 7;
+        for (int dispatch = 1; dispatch <= 20; ++dispatch) {
+            ASSERT_EQ(some.run(records), 0u) << "results are the records' affair";
+            ASSERT_EQ(doneElsewhere(records, dispatch), records.size());
+        }
+    }
+}
+
+TEST(ThreadPool, OnOneProcessorTheCallerWorksAndGetsTheResult)
+{
+    PoolOf single(1);
+    EXPECT_EQ(single.pool->workers, 0);
+    Records records(2);
+    records[0].result = 42;
+    EXPECT_EQ(single.run(records), 42u);
+    EXPECT_EQ(records[0].thread, std::this_thread::get_id());
+    EXPECT_EQ(records[0].calls, 1);
+    EXPECT_EQ(records[1].calls, 0);
+    records[0].throws = true;
+    EXPECT_EQ(single.run(records), 1u);
+}
+
+TEST(ThreadPool, IsMadeAndFreedAThousandTimes)
+{
+    for (int round = 0; round < 1000; ++round) {
+        PoolOf some(2 + round % 3);
+        Records records(static_cast<size_t>(some.pool->workers));
+        ASSERT_EQ(round % 2 ? some.run(records) : 0u, 0u);
+        ASSERT_EQ(HkFreeMulTrdPool(&some.pool), 0u);
+        ASSERT_EQ(some.pool, nullptr);
+        doneElsewhere(records, round % 2);
+    }
+}
+
+TEST(ThreadPool, AHundredThousandDispatchesLoseNone)
+{
+    PoolOf two(2);
+    // Plain words: the pool alone orders the caller's and the workers' accesses.
+    struct Sum {
+        int64_t added = 0;
+        int64_t total = 0;
+    } sums[2];
+    auto add = +[](void *record) {
+        auto sum = static_cast<Sum *>(record);
+        sum->total += sum->added;
+        return 0u;
+    };
+    int64_t expected = 0;
+    for (int64_t dispatch = 1; dispatch <= 100000; ++dispatch) {
+        sums[0].added = dispatch;
+        sums[1].added = -dispatch;
+        expected += dispatch;
+        ASSERT_EQ(HkRunMulTrdPool(add, sums, sizeof *sums, two.pool), 0u);
+        ASSERT_EQ(sums[0].total, expected);
+        ASSERT_EQ(sums[1].total, -expected);
+        if (dispatch % 10000 == 0) // long enough for the workers to fall asleep
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+TEST(ThreadPool, AnExceptionFailsTheDispatchAndNothingElse)
+{
+    PoolOf three(3);
+    Records records(3);
+    records[1].throws = true;
+    EXPECT_EQ(three.run(records), 1u);
+    doneElsewhere(records, 1);
+    records[1].throws = false;
+    EXPECT_EQ(three.run(records), 0u);
+    EXPECT_EQ(doneElsewhere(records, 2), 3u) << "every worker lives on";
+
+    records[2].throws = true;
+    EXPECT_EQ(HkRunMulTrd(work, records.data(), stride, 3), 1u);
+    doneElsewhere(records, 3);
+}
+
+TEST(ThreadPool, WorkOfAThreadThatTheSystemRefusesIsDoneByTheCaller)
+{
+    test::refusingEachVerb(
+        [] {
+            Records records(3);
+            bool done = HkRunMulTrd(work, records.data(), stride, 3) == 0;
+            PoolOf three(3);
+            Records pooled(3);
+            done = done && three.run(pooled) == 0;
+            EXPECT_TRUE(done);
+            doneElsewhere(records, 1);
+            doneElsewhere(pooled, 1);
+        },
+        "startThread");
+    fault::refuseFrom(fault::Kind::verb, 1);
+    Records records(3);
+    PoolOf three(3);
+    fault::refuse(fault::Kind::verb, 0);
+    EXPECT_EQ(std::count(three.pool->threads, three.pool->threads + 3, nullptr), 3);
+    EXPECT_EQ(three.run(records), 0u);
+    EXPECT_EQ(doneElsewhere(records, 1), 0u);
+}
+
+TEST(ThreadPool, WithoutMemoryNothingIsMadeOrRun)
+{
+    VxThreadPool *pool = nullptr;
+    os::setTestProcessorCount(3);
+    test::refusingEachAllocation([&] {
+        uint32_t failed = HkAllocMulTrdPool(&pool);
+        EXPECT_EQ(failed != 0, pool == nullptr);
+        HkFreeMulTrdPool(&pool);
+    });
+    os::setTestProcessorCount(0);
+    Records records(3);
+    int completed = 0;
+    test::refusingEachAllocation([&] { completed += HkRunMulTrd(work, records.data(), stride, 3) == 0; });
+    doneElsewhere(records, completed);
+    EXPECT_EQ(completed, 1);
+}
+
+TEST(ThreadPool, NullPointersAreRefused)
+{
+    VxThreadPool *none = nullptr;
+    int word = 0;
+    EXPECT_EQ(HkAllocMulTrdPool(nullptr) + HkRunMulTrdPool(work, &word, 4, nullptr) +
+                  HkFreeMulTrdPool(nullptr) + HkFreeMulTrdPool(&none),
+              4u);
+    PoolOf two(2);
+    EXPECT_EQ(HkRunMulTrdPool(nullptr, &word, 4, two.pool), 1u);
+    EXPECT_EQ(TgMultiThreadEnabled, 1);
+}
+
+}

@@ -1,0 +1,111 @@
+#include "examples/parameter_table/parameter_table.h"
+
+#include <memory>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "vx/xdr.h"
+
+using namespace example;
+
+namespace {
+
+/** The bytes of a table's file. */
+std::string written(const ParameterTable &table)
+{
+    char *bytes = nullptr;
+    size_t size = 0;
+    std::FILE *file = open_memstream(&bytes, &size);
+    EXPECT_TRUE(writeTable(file, table));
+    std::fclose(file);
+    std::string all(bytes, size);
+    std::free(bytes);
+    return all;
+}
+
+ReadResult read(std::string bytes, ParameterTable &table)
+{
+    std::FILE *file = fmemopen(bytes.data(), bytes.size(), "rb");
+    ReadResult result = readTable(file, table);
+    std::fclose(file);
+    return result;
+}
+
+ParameterTable tableOf(size_t rows)
+{
+    constexpr unsigned seed = 904;
+    std::mt19937 random(seed);
+    ParameterTable table;
+    for (size_t i = 0; i < rows; ++i)
+        table.push_back({"p" + std::to_string(i), std::string(random() % 40, '+'), i % 2 ? "mm" : "",
+                         static_cast<double>(random()) / 7});
+    return table;
+}
+
+TEST(ParameterTableFile, GivesBackWhatWasWritten)
+{
+    for (size_t rows : {0u, 1u, 3u, 1000u}) {
+        ParameterTable table = tableOf(rows), back = tableOf(2);
+        EXPECT_EQ(read(written(table), back), ReadResult::done);
+        EXPECT_EQ(back, table);
+    }
+    std::FILE *full = std::fopen("/dev/full", "wb");
+    EXPECT_FALSE(writeTable(full, tableOf(3)));
+    std::fclose(full);
+    EXPECT_FALSE(writeTable(stderr, {{std::string(1001, 'x'), "", "", 0}}));
+}
+
+TEST(ParameterTableFile, AnyCutOrAlteredByteIsToldAndChangesNothing)
+{
+    const ParameterTable table = tableOf(3), before = tableOf(1);
+    const std::string whole = written(table);
+    constexpr size_t mark = 4, version = 8;
+    for (size_t at = 1; at < whole.size(); ++at) {
+        ParameterTable back = before;
+        EXPECT_NE(read(whole.substr(0, at), back), ReadResult::done) << at;
+        EXPECT_EQ(back, before);
+    }
+    for (size_t at = 0; at < whole.size(); ++at)
+        for (unsigned bit : {1u, 2u, 128u}) {
+            std::string altered = whole;
+            altered[at] = static_cast<char>(static_cast<unsigned char>(altered[at]) ^ bit);
+            ParameterTable back = before;
+            bool newer = at >= mark && at < version && !(at == version - 1 && bit == 1); // that makes it 0
+            ReadResult expected = at < mark ? ReadResult::noTable
+                                  : newer   ? ReadResult::newerVersion
+                                            : ReadResult::damaged;
+            EXPECT_EQ(read(altered, back), expected) << at;
+            EXPECT_EQ(back, before);
+            EXPECT_STRNE(textOf(expected), textOf(ReadResult::done));
+        }
+}
+
+TEST(Xdr, ArraysThatBreakOffAreFreedWithTheSameRoutine)
+{
+    int32_t numbers[] = {1, -2, 3};
+    char *array = reinterpret_cast<char *>(numbers);
+    u_int count = 3;
+    char bytes[64];
+    XDR stream;
+    auto element = reinterpret_cast<xdrproc_t>(xdr_int32_t);
+    xdrmem_create(&stream, bytes, sizeof bytes, XDR_ENCODE);
+    ASSERT_TRUE(xdr_array(&stream, &array, &count, 10, sizeof(int32_t), element));
+    u_int size = xdr_getpos(&stream);
+    EXPECT_EQ(size, 16u);
+    for (u_int length = 0; length <= size; length += 4) {
+        char *decoded = nullptr;
+        xdrmem_create(&stream, bytes, length, XDR_DECODE);
+        EXPECT_EQ(xdr_array(&stream, &decoded, &count, 10, sizeof(int32_t), element), length == size);
+        stream.x_op = XDR_FREE;
+        xdr_array(&stream, &decoded, &count, 10, sizeof(int32_t), element);
+    }
+    xdrmem_create(&stream, bytes, size, XDR_DECODE);
+    char *decoded = nullptr;
+    EXPECT_FALSE(xdr_array(&stream, &decoded, &count, 2, sizeof(int32_t), element))
+        << "one more than is allowed";
+    EXPECT_EQ(decoded, nullptr);
+}
+
+}
