@@ -61,6 +61,16 @@ VX_API uint32_t SolvBandMatSys(int32_t n, int32_t semi, const VxBndMat *band, in
 VX_API uint32_t VxSolveGenMat(const VxGenMat *a, int32_t count, double **rhs, double **solutions);
 VX_API uint32_t VxMatSolv(const VxGenMat *a, const double *b, double *x);
 
+/** What VxMatSolvReport found out about a system. */
+typedef struct VxSolveReport {
+    double reciprocalCondition; /**< 1 for a perfectly conditioned matrix, 0 for a singular one */
+    double backwardError;       /**< relative change of the data that makes the solutions exact */
+    int32_t rank;               /**< numerical rank: rows that do not depend on others */
+} VxSolveReport;
+
+VX_API uint32_t VxMatSolvReport(const VxGenMat *a, int32_t count, double **rhs, double **solutions,
+                                VxSolveReport *report, int32_t *dependentRows VX_DEFAULT(0));
+
 /* ---------------------------------------------------------------- dense factorisations */
 
 VX_API uint32_t VxMatFullLuD(VxGenMat *a, int32_t n, int32_t *pivot);
