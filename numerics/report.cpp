@@ -177,8 +177,8 @@ double System::reciprocalCondition()
         for (int32_t j = 0; j < n_; ++j)
             work_.get()[j] += std::fabs(scaled_.row[i][j]);
     const double norm = *std::max_element(work_.get(), work_.get() + n_);
-    const Outcome outcome
-        = eliminate(kernels(), lu_.row, n_, std::numeric_limits<double>::min(), pivot_.get());
+    const Outcome outcome =
+        eliminate(kernels(), lu_.row, n_, std::numeric_limits<double>::min(), pivot_.get());
     if (outcome != Outcome::done)
         return outcome == Outcome::singular ? 0 : -1;
     const double condition = norm * inverseNorm();
@@ -189,8 +189,8 @@ int32_t System::rank()
 {
     for (int32_t i = 0; i < n_; ++i)
         std::copy_n(scaled_.row[i], n_, lu_.row[i]);
-    const int32_t found
-        = eliminateCompletely(lu_.row, n_, n_, roundingLimit(n_), pivot_.get(), columnPivot_.get());
+    const int32_t found =
+        eliminateCompletely(lu_.row, n_, n_, roundingLimit(n_), pivot_.get(), columnPivot_.get());
     // The last pivot alone may look sound where the estimate saw that all together are not.
     return std::min(found, n_ - 1);
 }
@@ -252,8 +252,8 @@ using namespace vx::numerics;
 uint32_t VxMatSolvReport(const VxGenMat *a, int32_t count, double **rhs, double **solutions,
                          VxSolveReport *report, int32_t *dependentRows)
 {
-    if (!usable(a) || a->rows != a->columns || !report || !allThere(count, rhs) || !allThere(count, solutions)
-        || !allFinite(*a))
+    if (!usable(a) || a->rows != a->columns || !report || !allThere(count, rhs) ||
+        !allThere(count, solutions) || !allFinite(*a))
         return 1;
     const int32_t n = a->rows;
     System system(*a);

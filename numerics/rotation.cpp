@@ -187,10 +187,9 @@ uint32_t VxMat3MkRot(const double axis[3], double angle, double rot[3][3])
     const double xx = a.x * a.x;
     const double yy = a.y * a.y;
     const double zz = a.z * a.z;
-    const double made[3][3]
-        = {{1 - t * (yy + zz), t * a.x * a.y - s * a.z, t * a.x * a.z + s * a.y},
-           {t * a.x * a.y + s * a.z, 1 - t * (xx + zz), t * a.y * a.z - s * a.x},
-           {t * a.x * a.z - s * a.y, t * a.y * a.z + s * a.x, 1 - t * (xx + yy)}};
+    const double made[3][3] = {{1 - t * (yy + zz), t * a.x * a.y - s * a.z, t * a.x * a.z + s * a.y},
+                               {t * a.x * a.y + s * a.z, 1 - t * (xx + zz), t * a.y * a.z - s * a.x},
+                               {t * a.x * a.z - s * a.y, t * a.y * a.z + s * a.x, 1 - t * (xx + yy)}};
     for (size_t i = 0; i < 3; ++i)
         std::copy_n(made[i], 3, rot[i]);
     return 0;

@@ -128,7 +128,8 @@ uint32_t VxMatSolv2D(const double a[4], const double b[2], double tolerance, dou
         return 1;
     double found[2];
     const bool first = std::fabs(a[0]) > tolerance;
-    if (first ? solve2D(a, b[0], a + 2, b[1], tolerance, found) : solve2D(a + 2, b[1], a, b[0], tolerance, found))
+    if (first ? solve2D(a, b[0], a + 2, b[1], tolerance, found)
+              : solve2D(a + 2, b[1], a, b[0], tolerance, found))
         return 1;
     std::copy_n(found, 2, x);
     return 0;

@@ -26,7 +26,8 @@ struct Matrix : numerics::OwnGenMat {
                 row[i][j] = element(i, j);
     }
 
-    Matrix(const Matrix &other) : Matrix(other.rows, other.columns, [&](int32_t i, int32_t j) { return other.row[i][j]; })
+    Matrix(const Matrix &other)
+        : Matrix(other.rows, other.columns, [&](int32_t i, int32_t j) { return other.row[i][j]; })
     {
     }
 };

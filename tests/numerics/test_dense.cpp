@@ -59,7 +59,8 @@ TEST(Determinant, IsMultiplicativeAndZeroWhenSingular)
 TEST(NullVector, IsTakenToZero)
 {
     Random random(23);
-    for (auto [rows, columns, rank] : {std::tuple{3, 3, 2}, {3, 3, 0}, {6, 6, 3}, {2, 5, 2}, {5, 3, 2}, {40, 40, 39}}) {
+    for (auto [rows, columns, rank] :
+         {std::tuple{3, 3, 2}, {3, 3, 0}, {6, 6, 3}, {2, 5, 2}, {5, 3, 2}, {40, 40, 39}}) {
         Matrix left = test::randomMatrix(random, rows, std::max(rank, 1));
         Matrix right = test::randomMatrix(random, std::max(rank, 1), columns);
         OwnGenMat m;

@@ -114,7 +114,8 @@ TEST_F(Elimination, OfSmallIntegersIsThatOfThePlainLoops)
     // Ties between pivots, cancellation to exact zeros, and singular ones.
     for (int32_t n : orders())
         for (int32_t spread : {1, 3})
-            expectPlainResult(Matrix(n, n, [&](int32_t, int32_t) { return double(below(2 * spread + 1) - spread); }));
+            expectPlainResult(
+                Matrix(n, n, [&](int32_t, int32_t) { return double(below(2 * spread + 1) - spread); }));
 }
 
 TEST_F(Elimination, OfGradedMatricesIsThatOfThePlainLoops)
@@ -152,7 +153,9 @@ TEST_F(Elimination, KeepsInfinitiesFromExactZeros)
     for (int32_t n : orders()) {
         for (double odd : {inf, nan, 1e308}) {
             for (int32_t trial = 0; trial < (n < 100 ? 6 : 2); ++trial) {
-                Matrix m(n, n, [&](int32_t i, int32_t j) { return i == j ? 2 : below(8) == 0 ? uniform() : 0; });
+                Matrix m(n, n, [&](int32_t i, int32_t j) {
+                    return i == j ? 2 : below(8) == 0 ? uniform() : 0;
+                });
                 for (int32_t k = 0; k <= trial % 3; ++k)
                     m.row[below(n)][below(n)] = odd;
                 solvable += expectPlainResult(m) == Outcome::done;
@@ -181,7 +184,9 @@ TEST_F(Elimination, RefusesPivotsBelowTheToleranceOnly)
 {
     std::vector<int32_t> pivot(6);
     for (auto [last, expected] : {std::pair{1.001e-12, 0u}, std::pair{0.999e-12, 1u}}) {
-        Matrix m(6, 6, [l = last](int32_t i, int32_t j) { return i == j ? (i == 5 ? l : 1) : j == 5 ? 1 : 0; });
+        Matrix m(6, 6, [l = last](int32_t i, int32_t j) {
+            return i == j ? (i == 5 ? l : 1) : j == 5 ? 1 : 0;
+        });
         EXPECT_EQ(VxMatFullLuD(&m, 6, pivot.data()), expected);
     }
 }
@@ -234,7 +239,8 @@ TEST_F(Elimination, ProductsHaveTheBitsOfPlainSums)
             ASSERT_EQ(numerics::multiply(*kernels, a, b, product), Outcome::done);
             for (int32_t i = 0; i < product.rows; ++i)
                 for (int32_t j = 0; j < product.columns; ++j)
-                    ASSERT_EQ(product.row[i][j], expected.row[i][j]) << kernels->name << ": " << i << ", " << j;
+                    ASSERT_EQ(product.row[i][j], expected.row[i][j])
+                        << kernels->name << ": " << i << ", " << j;
         }
     }
 }

@@ -110,7 +110,8 @@ TEST(SolveReport, RefusedMemoryGivesFailure)
     Problem problem(random, m, 1);
     test::refusingEachAllocation([&] {
         VxSolveReport report{};
-        uint32_t result = VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, nullptr);
+        uint32_t result =
+            VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, nullptr);
         EXPECT_EQ(result, fault::refusals(fault::Kind::allocation) ? 1u : 0u);
     });
 }

@@ -12,7 +12,10 @@ using std::numbers::pi;
 
 class Small : public testing::Test {
 protected:
-    double uniform(double from = -1, double to = 1) { return std::uniform_real_distribution<double>(from, to)(random); }
+    double uniform(double from = -1, double to = 1)
+    {
+        return std::uniform_real_distribution<double>(from, to)(random);
+    }
     std::mt19937 random{4711};
 };
 
@@ -151,7 +154,8 @@ TEST_F(Small, RotationsComeBackAsAngleAndAxis)
             ASSERT_EQ(VxMat3MkRot(axis, angle, rot), 0u);
             ASSERT_EQ(VxMatAngAxis(rot, &foundAngle, found), 0u);
             EXPECT_NEAR(foundAngle, angle, 1e-14);
-            const double side = angle == pi && found[0] * axis[0] + found[1] * axis[1] + found[2] * axis[2] < 0 ? -1 : 1;
+            const double side =
+                angle == pi && found[0] * axis[0] + found[1] * axis[1] + found[2] * axis[2] < 0 ? -1 : 1;
             for (int32_t i = 0; i < 3; ++i)
                 EXPECT_NEAR(side * found[i], axis[i] / length, angle < 1e-6 ? 1e-6 : 1e-12);
         }
