@@ -619,6 +619,13 @@ void substitute(const double *const *lu, int32_t n, double *x)
 
 }
 
-const Kernels VX_KERNELS = {VX_KERNELS_NAME, eliminateSmall, eliminatePanel, pack, update, subtractProduct, substitute};
+}
+
+#include "numerics/row_kernel_code.h"
+
+namespace vx::numerics {
+
+const Kernels VX_KERNELS = {VX_KERNELS_NAME, eliminateSmall, eliminatePanel, pack,
+                            update,          subtractProduct, substitute,    &rowKernels};
 
 }
