@@ -24,7 +24,8 @@ bool prepared(VxGenMat *result, int32_t rows, int32_t columns, const VxGenMat *a
 }
 
 /** Where the largest magnitude stands among rows and columns from `first` on. */
-std::pair<int32_t, int32_t> largestElement(const double *const *row, int32_t rows, int32_t columns, int32_t first)
+std::pair<int32_t, int32_t> largestElement(const double *const *row, int32_t rows, int32_t columns,
+                                           int32_t first)
 {
     std::pair<int32_t, int32_t> place{first, first};
     double largest = 0;
@@ -56,8 +57,8 @@ void eliminateBelow(double *const *row, int32_t rows, int32_t columns, int32_t k
 
 }
 
-int32_t eliminateCompletely(double *const *row, int32_t rows, int32_t columns, double least, int32_t *rowPivot,
-                            int32_t *columnPivot)
+int32_t eliminateCompletely(double *const *row, int32_t rows, int32_t columns, double least,
+                            int32_t *rowPivot, int32_t *columnPivot)
 {
     std::iota(rowPivot, rowPivot + rows, 0);
     std::iota(columnPivot, columnPivot + columns, 0);
@@ -211,8 +212,8 @@ uint32_t VxMatGetNullVec(const VxGenMat *a, double *vec)
     Block<int32_t> columnPivot = allocate<int32_t>(a->columns);
     if (!rowPivot || !columnPivot || VxGenMatCopy(a, &lu))
         return 1;
-    const int32_t rank
-        = eliminateCompletely(lu.row, lu.rows, lu.columns, negligible, rowPivot.get(), columnPivot.get());
+    const int32_t rank =
+        eliminateCompletely(lu.row, lu.rows, lu.columns, negligible, rowPivot.get(), columnPivot.get());
     if (rank == a->columns)
         return 1;
     nullVector(lu, rank, columnPivot.get(), vec);

@@ -40,8 +40,8 @@ Outcome eliminate(const Kernels &kernels, double *const *row, int32_t n, double 
                   int32_t *sign = nullptr);
 
 /** Solve for one right-hand side; `x` may not be `b`. */
-void substitute(const Kernels &kernels, const double *const *lu, int32_t n, const int32_t *pivot, const double *b,
-                double *x);
+void substitute(const Kernels &kernels, const double *const *lu, int32_t n, const int32_t *pivot,
+                const double *b, double *x);
 
 /**
  * Solve in place for `count` right-hand sides, which are the columns of `row`,
@@ -60,7 +60,7 @@ Outcome invert(const VxGenMat &a, const VxGenMat &inverse);
  * Eliminate with complete pivoting up to pivots below `least`: the rank.
  * Row i was row rowPivot[i], column j was column columnPivot[j].
  */
-int32_t eliminateCompletely(double *const *row, int32_t rows, int32_t columns, double least, int32_t *rowPivot,
-                            int32_t *columnPivot);
+int32_t eliminateCompletely(double *const *row, int32_t rows, int32_t columns, double least,
+                            int32_t *rowPivot, int32_t *columnPivot);
 
 }

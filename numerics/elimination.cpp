@@ -27,7 +27,7 @@ ptrdiff_t wholeLines(ptrdiff_t doubles) noexcept
     return (doubles + 7) / 8 * 8;
 }
 
-/** The distance of panel columns: whole cache lines, but no power of two, at which they would evict each other. */
+/** The distance of a panel's columns: whole cache lines, but no power of two, lest they evict each other. */
 ptrdiff_t columnStride(int32_t rows) noexcept
 {
     ptrdiff_t stride = wholeLines(rows + panelPadding);
@@ -64,7 +64,12 @@ PackedPanel PanelWorkspace::panel(int32_t rows, int32_t width, bool triangle) co
 {
     for (int32_t c = 0; c < width; ++c)
         std::fill_n(column_ + c * stride_ + rows, panelPadding, 0.0);
-    return {{column_, stride_, rows, width, true}, triangle ? top_ : nullptr, tail_, tailDepth_, tailColumn_, nullptr};
+    return {{column_, stride_, rows, width, true},
+            triangle ? top_ : nullptr,
+            tail_,
+            tailDepth_,
+            tailColumn_,
+            nullptr};
 }
 
 namespace {

@@ -113,8 +113,8 @@ int32_t pivotPlace(const double *scale, const double *value, int32_t count)
 /** Rows of a small matrix, each padded with zeros to whole vectors. */
 struct SmallRows {
     alignas(VX_VECTOR_BYTES) double element[smallOrder * smallOrder];
-    alignas(VX_VECTOR_BYTES) double factor[smallOrder];             ///< the pivot row right of the pivot
-    alignas(VX_VECTOR_BYTES) double candidate[smallOrder + lanes];  ///< scale * |element| of the next column
+    alignas(VX_VECTOR_BYTES) double factor[smallOrder];            ///< the pivot row right of the pivot
+    alignas(VX_VECTOR_BYTES) double candidate[smallOrder + lanes]; ///< scale * |element| of the next column
     double *row[smallOrder];
 };
 
@@ -232,8 +232,8 @@ void subtractPartOfColumn(double *to, const double *l, double u, int32_t count)
         subtractPlain(to[i], l[i], u);
 }
 
-void exchangeRows(const Panel &panel, int32_t firstColumn, int32_t endColumn, const int32_t *swap, int32_t first,
-                  int32_t end)
+void exchangeRows(const Panel &panel, int32_t firstColumn, int32_t endColumn, const int32_t *swap,
+                  int32_t first, int32_t end)
 {
     for (int32_t c = firstColumn; c < endColumn; ++c) {
         double *column = panel.column + c * panel.stride;
@@ -276,8 +276,7 @@ void solveColumn(const Panel &panel, double *to, int32_t first, int32_t end)
 }
 
 /** Subtract columns `first` to `end` times the solved rows there from `columns` columns, below row `end`. */
-template <size_t columns>
-void subtractColumns(const Panel &panel, double *to, int32_t first, int32_t end)
+template <size_t columns> void subtractColumns(const Panel &panel, double *to, int32_t first, int32_t end)
 {
     const double *factor[columns];
     for (size_t c = 0; c < columns; ++c)
@@ -389,14 +388,14 @@ void pack(PackedPanel &packed)
     for (int32_t first = packed.top ? panel.width : 0; first < panel.rows; first += tileRows, ++group) {
         double *to = packed.tail + group * groupSize;
         packGroup(panel, first, to);
-        packed.tailDepth[group] = dropZeros(to, panel.width, packed.tailColumn + ptrdiff_t{group} * panel.width);
+        packed.tailDepth[group] =
+            dropZeros(to, panel.width, packed.tailColumn + ptrdiff_t{group} * panel.width);
     }
 }
 
 /** Subtract a group's multiples of packed rows of the strip from a tile. */
-template <bool listed>
-void subtractTile(const double *group, const double *strip, const int32_t *column, int32_t depth, double *const *row,
-                  ptrdiff_t at)
+template <bool listed> void subtractTile(const double *group, const double *strip, const int32_t *column,
+                                         int32_t depth, double *const *row, ptrdiff_t at)
 {
     Vec sum[tileRows][2];
     for (int32_t r = 0; r < tileRows; ++r) {
@@ -419,8 +418,8 @@ void subtractTile(const double *group, const double *strip, const int32_t *colum
 }
 
 /** The same for a tile at the edge, of which only some rows and columns are there. */
-void subtractEdge(const double *group, const double *strip, const int32_t *column, int32_t depth, double *const *row,
-                  ptrdiff_t at, int32_t rows, int32_t columns)
+void subtractEdge(const double *group, const double *strip, const int32_t *column, int32_t depth,
+                  double *const *row, ptrdiff_t at, int32_t rows, int32_t columns)
 {
     double tile[mostTileRows * mostTileColumns] = {};
     double *tileRow[mostTileRows];
@@ -551,8 +550,8 @@ void update(const PackedPanel &packed, double *const *row, int32_t first, int32_
     subtractTail(packed, row + width, packed.panel.rows - width, first, end, strip, kind);
 }
 
-void subtractProduct(const PackedPanel &packed, const double *const *factor, double *const *row, int32_t first,
-                     int32_t end, double *strip)
+void subtractProduct(const PackedPanel &packed, const double *const *factor, double *const *row,
+                     int32_t first, int32_t end, double *strip)
 {
     const Panel &panel = packed.panel;
     StripKind kind[stripColumns / tileColumns];
@@ -625,7 +624,7 @@ void substitute(const double *const *lu, int32_t n, double *x)
 
 namespace vx::numerics {
 
-const Kernels VX_KERNELS = {VX_KERNELS_NAME, eliminateSmall, eliminatePanel, pack,
-                            update,          subtractProduct, substitute,    &rowKernels};
+const Kernels VX_KERNELS = {VX_KERNELS_NAME, eliminateSmall,  eliminatePanel, pack,
+                            update,          subtractProduct, substitute,     &rowKernels};
 
 }

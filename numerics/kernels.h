@@ -31,20 +31,20 @@ constexpr int32_t panelPadding = 32;
 
 /** A block of columns, each contiguous, from the diagonal down. */
 struct Panel {
-    double *column;    ///< element (i, c) is column[c * stride + i]
-    ptrdiff_t stride;  ///< at least rows + panelPadding; what lies between holds zeros
+    double *column;   ///< element (i, c) is column[c * stride + i]
+    ptrdiff_t stride; ///< at least rows + panelPadding; what lies between holds zeros
     int32_t rows;
     int32_t width;
-    bool finite;       ///< no multiplier is infinite or NaN
+    bool finite; ///< no multiplier is infinite or NaN
 };
 
 /** The multipliers of a panel in the order in which register tiles take them. */
 struct PackedPanel {
     Panel panel;
-    double *top;         ///< the first `width` rows
-    double *tail;        ///< the rows below
-    int32_t *tailDepth;  ///< per group of rows: how many columns are not all zero
-    int32_t *tailColumn; ///< per group: which ones, `width` places each
+    double *top;            ///< the first `width` rows
+    double *tail;           ///< the rows below
+    int32_t *tailDepth;     ///< per group of rows: how many columns are not all zero
+    int32_t *tailColumn;    ///< per group: which ones, `width` places each
     const double *diagonal; ///< what the solved rows are divided by; null for a unit diagonal
 };
 

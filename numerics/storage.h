@@ -3,6 +3,7 @@
 // Matrices and blocks of numbers that free themselves, and the checks that
 // the entry points begin with.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -69,6 +70,12 @@ inline bool usable(const VxBndMat *m) noexcept
 inline bool isSquare(const VxGenMat *m, int32_t n) noexcept
 {
     return usable(m) && m->rows == n && m->columns == n;
+}
+
+/** Whether there are vectors, `count` of them, 1 or more. */
+inline bool allThere(int32_t count, const double *const *vectors) noexcept
+{
+    return vectors && count > 0 && std::find(vectors, vectors + count, nullptr) == vectors + count;
 }
 
 /** Elements that row `i` of a band matrix stores. */

@@ -65,8 +65,8 @@ void backwards(const Kernels &kernels, const double *const *lu, int32_t n, doubl
 
 }
 
-void substitute(const Kernels &kernels, const double *const *lu, int32_t n, const int32_t *pivot, const double *b,
-                double *x)
+void substitute(const Kernels &kernels, const double *const *lu, int32_t n, const int32_t *pivot,
+                const double *b, double *x)
 {
     for (int32_t i = 0; i < n; ++i)
         x[i] = b[pivot[i]];
@@ -99,8 +99,8 @@ Outcome multiply(const Kernels &kernels, const VxGenMat &a, const VxGenMat &b, c
         fill(packed.panel, [&](int32_t i, int32_t c) { return -a.row[i][first + c]; });
         kernels.pack(packed);
         for (int32_t at = 0; at < b.columns; at += stripColumns)
-            kernels.subtractProduct(packed, b.row + first, product.row, at, std::min(at + stripColumns, b.columns),
-                                    workspace.strip());
+            kernels.subtractProduct(packed, b.row + first, product.row, at,
+                                    std::min(at + stripColumns, b.columns), workspace.strip());
     }
     return Outcome::done;
 }

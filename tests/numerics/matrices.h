@@ -3,7 +3,9 @@
 // Matrices for the tests of numerics.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -24,7 +26,8 @@ struct Matrix : numerics::OwnGenMat {
                 row[i][j] = element(i, j);
     }
 
-    Matrix(const Matrix &other) : Matrix(other.rows, other.columns, [&](int32_t i, int32_t j) { return other.row[i][j]; })
+    Matrix(const Matrix &other)
+        : Matrix(other.rows, other.columns, [&](int32_t i, int32_t j) { return other.row[i][j]; })
     {
     }
 };
@@ -61,5 +64,43 @@ inline double largestDifference(const std::vector<double> &a, const std::vector<
         largest = std::max(largest, std::fabs(a[i] - b[i]));
     return largest;
 }
+
+/** A symmetric matrix whose elements reach `semi` places from the diagonal. */
+inline Matrix bandMatrix(int32_t n, int32_t semi)
+{
+    return Matrix(n, n, [semi](int32_t i, int32_t j) {
+        int32_t distance = std::abs(i - j);
+        return distance > semi ? 0 : distance == 0 ? 4 + 0.1 * i + semi : 1.0 / (1 + distance);
+    });
+}
+
+/** A system, its known solutions, and room for those that are computed. */
+struct Problem {
+    Problem(Random &random, const VxGenMat &a, int32_t count)
+    {
+        for (int32_t r = 0; r < count; ++r) {
+            expected.push_back(randomVector(random, a.columns));
+            right.push_back(times(a, expected.back()));
+            found.emplace_back(expected.back().size());
+        }
+        for (size_t r = 0; r < right.size(); ++r) {
+            rhs.push_back(right[r].data());
+            solutions.push_back(found[r].data());
+        }
+    }
+
+    int32_t count() const { return static_cast<int32_t>(rhs.size()); }
+
+    double error() const
+    {
+        double worst = 0;
+        for (size_t r = 0; r < found.size(); ++r)
+            worst = std::max(worst, largestDifference(found[r], expected[r]));
+        return worst;
+    }
+
+    std::vector<std::vector<double>> expected, right, found;
+    std::vector<double *> rhs, solutions;
+};
 
 }

@@ -61,7 +61,7 @@ bool same(double a, double b)
 }
 
 /** Every variant of the kernels against the plain loops. */
-void expectPlainResult(const Matrix &matrix)
+Outcome expectPlainResult(const Matrix &matrix)
 {
     const int32_t n = matrix.rows;
     Matrix plain(matrix);
@@ -71,15 +71,16 @@ void expectPlainResult(const Matrix &matrix)
         SCOPED_TRACE(testing::Message() << kernels->name << ", order " << n);
         Matrix lu(matrix);
         std::vector<int32_t> pivot(static_cast<size_t>(n));
-        ASSERT_EQ(numerics::eliminate(*kernels, lu.row, n, 1e-12, pivot.data()), expected);
+        EXPECT_EQ(numerics::eliminate(*kernels, lu.row, n, 1e-12, pivot.data()), expected);
         if (expected != Outcome::done)
             continue;
         EXPECT_EQ(pivot, plainPivot);
+        int32_t different = 0;
         for (int32_t i = 0; i < n; ++i)
-            for (int32_t j = 0; j < n; ++j)
-                ASSERT_TRUE(same(lu.row[i][j], plain.row[i][j]))
-                    << i << ", " << j << ": " << lu.row[i][j] << " for " << plain.row[i][j];
+            different += !std::equal(lu.row[i], lu.row[i] + n, plain.row[i], same);
+        EXPECT_EQ(different, 0) << "rows";
     }
+    return expected;
 }
 
 /** Orders on both sides of every change of method and of every tile. */
@@ -88,7 +89,7 @@ std::vector<int32_t> orders()
     std::vector<int32_t> out;
     for (int32_t n = 1; n <= 20; ++n)
         out.push_back(n);
-    for (int32_t n : {31, 63, 64, 65, 66, 71, 72, 73, 80, 95, 96, 97, 127, 128, 130, 161, 257, 300})
+    for (int32_t n : {31, 63, 64, 65, 66, 71, 72, 73, 80, 95, 96, 97, 127, 128, 130, 161, 300})
         out.push_back(n);
     return out;
 }
@@ -113,7 +114,8 @@ TEST_F(Elimination, OfSmallIntegersIsThatOfThePlainLoops)
     // Ties between pivots, cancellation to exact zeros, and singular ones.
     for (int32_t n : orders())
         for (int32_t spread : {1, 3})
-            expectPlainResult(Matrix(n, n, [&](int32_t, int32_t) { return double(below(2 * spread + 1) - spread); }));
+            expectPlainResult(
+                Matrix(n, n, [&](int32_t, int32_t) { return double(below(2 * spread + 1) - spread); }));
 }
 
 TEST_F(Elimination, OfGradedMatricesIsThatOfThePlainLoops)
@@ -150,13 +152,13 @@ TEST_F(Elimination, KeepsInfinitiesFromExactZeros)
     int32_t solvable = 0;
     for (int32_t n : orders()) {
         for (double odd : {inf, nan, 1e308}) {
-            for (int32_t trial = 0; trial < 6; ++trial) {
-                Matrix m(n, n, [&](int32_t i, int32_t j) { return i == j ? 2 : below(8) == 0 ? uniform() : 0; });
-                for (int32_t k = 0; k <= trial / 2; ++k)
+            for (int32_t trial = 0; trial < (n < 100 ? 6 : 2); ++trial) {
+                Matrix m(n, n, [&](int32_t i, int32_t j) {
+                    return i == j ? 2 : below(8) == 0 ? uniform() : 0;
+                });
+                for (int32_t k = 0; k <= trial % 3; ++k)
                     m.row[below(n)][below(n)] = odd;
-                expectPlainResult(m);
-                std::vector<int32_t> pivot(static_cast<size_t>(n));
-                solvable += plainElimination(m, pivot) == Outcome::done;
+                solvable += expectPlainResult(m) == Outcome::done;
             }
         }
     }
@@ -182,7 +184,9 @@ TEST_F(Elimination, RefusesPivotsBelowTheToleranceOnly)
 {
     std::vector<int32_t> pivot(6);
     for (auto [last, expected] : {std::pair{1.001e-12, 0u}, std::pair{0.999e-12, 1u}}) {
-        Matrix m(6, 6, [l = last](int32_t i, int32_t j) { return i == j ? (i == 5 ? l : 1) : j == 5 ? 1 : 0; });
+        Matrix m(6, 6, [l = last](int32_t i, int32_t j) {
+            return i == j ? (i == 5 ? l : 1) : j == 5 ? 1 : 0;
+        });
         EXPECT_EQ(VxMatFullLuD(&m, 6, pivot.data()), expected);
     }
 }
@@ -235,7 +239,8 @@ TEST_F(Elimination, ProductsHaveTheBitsOfPlainSums)
             ASSERT_EQ(numerics::multiply(*kernels, a, b, product), Outcome::done);
             for (int32_t i = 0; i < product.rows; ++i)
                 for (int32_t j = 0; j < product.columns; ++j)
-                    ASSERT_EQ(product.row[i][j], expected.row[i][j]) << kernels->name << ": " << i << ", " << j;
+                    ASSERT_EQ(product.row[i][j], expected.row[i][j])
+                        << kernels->name << ": " << i << ", " << j;
         }
     }
 }

@@ -107,7 +107,8 @@ TEST(Storage, BandsOfEveryWidthComeBackFromTheirExpansion)
             ASSERT_EQ(SymBnd2FullMat(&band, n, semi, &full), 0u);
             for (int32_t i = 0; i < n; ++i)
                 for (int32_t j = 0; j < n; ++j)
-                    EXPECT_EQ(full.row[i][j], std::abs(i - j) > semi ? 0 : band.row[std::min(i, j)][std::abs(i - j)])
+                    EXPECT_EQ(full.row[i][j],
+                              std::abs(i - j) > semi ? 0 : band.row[std::min(i, j)][std::abs(i - j)])
                         << i << ", " << j;
             int32_t width = -1;
             EXPECT_EQ(GetSemiBndWidth(&full, n, &width), 0u);
@@ -136,7 +137,7 @@ TEST(Storage, ConversionsRefuseAMismatch)
     EXPECT_EQ(GetSemiBndWidth(&full, 4, &width), 1u);
 }
 
-/** The semi-bandwidth of a 40 x 40 diagonal matrix, across two tiles of the symmetry test, with two elements set. */
+/** The semi-bandwidth of a 40 x 40 diagonal matrix with two elements set, in two tiles of the symmetry test. */
 int32_t widthWith(double upper, double lower)
 {
     OwnGenMat m;
@@ -180,8 +181,8 @@ TEST(Storage, RefusedMemoryLeavesNothing)
         OwnGenMat general, copy;
         OwnBndMat band;
         bool made = VxGenMatAlloc(6, 6, &general) == 0;
-        bool rest = made && VxGenMatClear(&general) == 0 && VxGenMatCopy(&general, &copy) == 0
-            && Full2SymBndMat(&general, 6, 1, &band) == 0;
+        bool rest = made && VxGenMatClear(&general) == 0 && VxGenMatCopy(&general, &copy) == 0 &&
+                    Full2SymBndMat(&general, 6, 1, &band) == 0;
         EXPECT_EQ(rest, fault::refusals(fault::Kind::allocation) == 0);
         EXPECT_EQ(made, general.row != nullptr);
     });
