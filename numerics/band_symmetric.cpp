@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "numerics/band.h"
 #include "numerics/kernel_choice.h"
 #include "numerics/solve.h"
 #include "numerics/storage.h"
@@ -21,45 +22,6 @@ constexpr size_t manyBytes = size_t{32} << 20;
 bool isBand(const VxBndMat *band, int32_t n, int32_t semi) noexcept
 {
     return usable(band) && band->size == n && semi >= 0 && band->width - 1 == semi;
-}
-
-/** Rows that the window takes before those that are done with leave it. */
-constexpr int32_t windowSlack = 64;
-
-/**
- * Factorise `matrix` into `factor`, of the same shape and perhaps the same,
- * and call done(first, end) for some rows after the other, while they are at
- * hand. False when a pivot is negligible, or there is no memory.
- */
-template <typename Done> bool factorise(const VxBndMat &matrix, const VxBndMat &factor, Done done)
-{
-    const RowKernels &kernel = *kernels().rows;
-    const int32_t n = matrix.size, semi = matrix.width - 1;
-    const ptrdiff_t stride = ptrdiff_t{semi} + 1 + bandPadding;
-    Block<double> rows = allocate<double>((int64_t{semi} + windowSlack) * stride);
-    Block<double> work = allocate<double>(bandWorkSize(semi));
-    if (!rows || !work)
-        return false;
-    BandWindow window{n, semi, 0, rows.get(), stride};
-    auto finish = [&](int32_t first, int32_t end) {
-        kernel.takeBandRows(window, first, end, factor.row);
-        done(first, end);
-    };
-    int32_t finished = 0;
-    for (int32_t first = 0; first < n; first += kernel.bandRows) {
-        const int32_t count = std::min(kernel.bandRows, n - first);
-        if (!kernel.eliminateBand(window, first, count, matrix.row, negligible, work.get()))
-            return false;
-        finish(finished, first);
-        finished = first;
-        if (first + count + kernel.bandRows - window.first > semi + windowSlack) {
-            const int32_t kept = std::min(finished, first + count - semi);
-            std::copy_n(rows.get() + (kept - window.first) * stride, (first + count - kept) * stride, rows.get());
-            window.first = kept;
-        }
-    }
-    finish(finished, n);
-    return true;
 }
 
 void copyVectors(int32_t n, int32_t count, double **from, double **to) noexcept
@@ -102,7 +64,7 @@ uint32_t solveBand(const VxBndMat &band, int32_t count, double **solutions)
     auto forward = [&](int32_t first, int32_t end) {
         kernel.bandForward(factor.row, n, semi, first, end, count, solutions);
     };
-    if (!factorise(band, factor, forward))
+    if (!factoriseBand(kernel, band, factor, forward))
         return 1;
     kernel.bandBackward(factor.row, n, semi, count, solutions);
     return 0;
@@ -128,7 +90,7 @@ uint32_t SolvBandMatSys(int32_t n, int32_t semi, const VxBndMat *band, int32_t c
 uint32_t VxMatBandGetLS(VxBndMat *band, int32_t n, int32_t semi)
 {
     auto keep = [](int32_t, int32_t) {};
-    return isBand(band, n, semi) && factorise(*band, *band, keep) ? 0 : 1;
+    return isBand(band, n, semi) && factoriseBand(*kernels().rows, *band, *band, keep) ? 0 : 1;
 }
 
 uint32_t VxMatBandFBS(const VxBndMat *factor, int32_t n, int32_t semi, const double *b, double *x)

@@ -6,6 +6,8 @@
 // stand in rows, and rotations are applied to them many sweeps at a time, a
 // strip of columns after the other.
 
+#include "numerics/svd.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -91,6 +93,8 @@ Reflector reflector(double alpha, double rest) noexcept
 /** The decomposition of a matrix with at least as many rows as columns. */
 class Decomposition {
 public:
+    explicit Decomposition(const RowKernels &kernel) noexcept : kernel_(kernel) {}
+
     /** `leftVectors` are asked for, from `columns` to `rows` of them. */
     bool prepare(int32_t rows, int32_t columns, int32_t leftVectors)
     {
@@ -367,7 +371,7 @@ private:
         sweeps_ = used_ = 0;
     }
 
-    const RowKernels &kernel_ = *kernels().rows;
+    const RowKernels &kernel_;
     int32_t rows_ = 0, columns_ = 0, leftVectors_ = 0;
     RowStore store_;
     Rows leftReflections_, rightReflections_;
@@ -437,12 +441,14 @@ void putInOrder(int32_t count, double *value, double **left, double **right, int
     }
 }
 
-uint32_t decompose(VxGenMat &a, double *w, const VxGenMat &v)
+}
+
+uint32_t decompose(const RowKernels &kernel, const VxGenMat &a, double *w, const VxGenMat &v)
 {
     const bool wide = a.rows < a.columns;
     const int32_t tall = std::max(a.rows, a.columns), narrow = std::min(a.rows, a.columns);
     int exponent = 0;
-    Decomposition decomposition;
+    Decomposition decomposition(kernel);
     if (!scaleOf(a, exponent) || !decomposition.prepare(tall, narrow, wide ? tall : narrow))
         return 1;
     copyIn(a, wide, exponent, decomposition.a);
@@ -459,8 +465,6 @@ uint32_t decompose(VxGenMat &a, double *w, const VxGenMat &v)
 
 }
 
-}
-
 using namespace vx::numerics;
 
 uint32_t VxMatSvd(VxGenMat *a, double *w, VxGenMat *v)
@@ -469,10 +473,10 @@ uint32_t VxMatSvd(VxGenMat *a, double *w, VxGenMat *v)
         return 1;
     const int32_t n = a->columns;
     if (v->row)
-        return isSquare(v, n) ? decompose(*a, w, *v) : 1;
+        return isSquare(v, n) ? decompose(*kernels().rows, *a, w, *v) : 1;
     if (VxGenMatAlloc(n, n, v))
         return 1;
-    if (decompose(*a, w, *v) == 0)
+    if (decompose(*kernels().rows, *a, w, *v) == 0)
         return 0;
     VxGenMatFree(v);
     return 1;
