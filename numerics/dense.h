@@ -39,6 +39,10 @@ private:
 Outcome eliminate(const Kernels &kernels, double *const *row, int32_t n, double least, int32_t *pivot,
                   int32_t *sign = nullptr);
 
+/** The same from `from` to `row`, which may be the same. */
+Outcome eliminate(const Kernels &kernels, const double *const *from, double *const *row, int32_t n,
+                  double least, int32_t *pivot);
+
 /** Solve for one right-hand side; `x` may not be `b`. */
 void substitute(const Kernels &kernels, const double *const *lu, int32_t n, const int32_t *pivot,
                 const double *b, double *x);

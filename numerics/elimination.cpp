@@ -75,12 +75,10 @@ PackedPanel PanelWorkspace::panel(int32_t rows, int32_t width, bool triangle) co
 namespace {
 
 /** The factors of implicit scaling; false when a row has no element of magnitude `least`. */
-bool rowScales(const double *const *row, int32_t n, double least, double *scale) noexcept
+bool rowScales(const Kernels &kernels, const double *const *row, int32_t n, double least, double *scale)
 {
     for (int32_t i = 0; i < n; ++i) {
-        double largest = 0;
-        for (int32_t j = 0; j < n; ++j)
-            largest = std::max(largest, std::fabs(row[i][j]));
+        const double largest = kernels.largestMagnitude(row[i], n);
         if (largest < least)
             return false;
         scale[i] = 1 / largest;
@@ -156,10 +154,12 @@ int32_t permutationSign(int32_t *pivot, int32_t n) noexcept
     return sign;
 }
 
-Outcome eliminateSmall(const Kernels &kernels, double *const *row, int32_t n, double least, int32_t *pivot)
+Outcome eliminateSmall(const Kernels &kernels, const double *const *from, double *const *row, int32_t n,
+                       double least, int32_t *pivot)
 {
     double scale[smallOrder];
-    if (!rowScales(row, n, least, scale) || !kernels.eliminateSmall(row, n, least, scale, pivot))
+    if (!rowScales(kernels, from, n, least, scale)
+        || !kernels.eliminateSmall(from, row, n, least, scale, pivot))
         return Outcome::singular;
     return Outcome::done;
 }
@@ -173,7 +173,7 @@ Outcome eliminateBlocked(const Kernels &kernels, double *const *row, int32_t n, 
     if (!scale || !swap || !workspace.reserve(n, width))
         return Outcome::noMemory;
     std::fill_n(scale.get() + n, panelPadding, 0.0);
-    if (!rowScales(row, n, least, scale.get()))
+    if (!rowScales(kernels, row, n, least, scale.get()))
         return Outcome::singular;
     if (!eliminatePanels(kernels, row, n, least, width, workspace, scale.get(), swap.get()))
         return Outcome::singular;
@@ -185,12 +185,21 @@ Outcome eliminateBlocked(const Kernels &kernels, double *const *row, int32_t n, 
 
 }
 
+Outcome eliminate(const Kernels &kernels, const double *const *from, double *const *row, int32_t n,
+                  double least, int32_t *pivot)
+{
+    if (n <= smallOrder)
+        return eliminateSmall(kernels, from, row, n, least, pivot);
+    std::iota(pivot, pivot + n, 0);
+    for (int32_t i = 0; from != row && i < n; ++i)
+        std::copy_n(from[i], n, row[i]);
+    return eliminateBlocked(kernels, row, n, least, pivot);
+}
+
 Outcome eliminate(const Kernels &kernels, double *const *row, int32_t n, double least, int32_t *pivot,
                   int32_t *sign)
 {
-    std::iota(pivot, pivot + n, 0);
-    Outcome outcome = n <= smallOrder ? eliminateSmall(kernels, row, n, least, pivot)
-                                      : eliminateBlocked(kernels, row, n, least, pivot);
+    const Outcome outcome = eliminate(kernels, row, row, n, least, pivot);
     if (sign && outcome == Outcome::done)
         *sign = permutationSign(pivot, n);
     return outcome;

@@ -8,7 +8,7 @@
 
 namespace vx::numerics {
 
-/** The widest kernels that this processor has. */
+/** The quickest kernels for this processor. */
 const Kernels &kernels() noexcept;
 
 /** All that this processor has, the baseline first. */

@@ -24,6 +24,14 @@ constexpr int32_t tileColumns = 2 * lanes;
 static_assert(tileRows <= mostTileRows && tileColumns <= mostTileColumns);
 static_assert(stripColumns % tileColumns == 0);
 
+#if VX_VECTOR_BYTES == 16
+constexpr Mask laneNumbers = {0, 1};
+#elif VX_VECTOR_BYTES == 32
+constexpr Mask laneNumbers = {0, 1, 2, 3};
+#else
+constexpr Mask laneNumbers = {0, 1, 2, 3, 4, 5, 6, 7};
+#endif
+
 inline Vec load(const double *p)
 {
     return *reinterpret_cast<const Unaligned *>(p);
@@ -108,97 +116,152 @@ int32_t pivotPlace(const double *scale, const double *value, int32_t count)
     return 0;
 }
 
-// ---------------------------------------------------------------- small matrices
-
-/** Rows of a small matrix, each padded with zeros to whole vectors. */
-struct SmallRows {
-    alignas(VX_VECTOR_BYTES) double element[smallOrder * smallOrder];
-    alignas(VX_VECTOR_BYTES) double factor[smallOrder];            ///< the pivot row right of the pivot
-    alignas(VX_VECTOR_BYTES) double candidate[smallOrder + lanes]; ///< scale * |element| of the next column
-    double *row[smallOrder];
-};
-
-int32_t copyIn(SmallRows &work, double *const *row, int32_t n)
+double largestMagnitude(const double *v, int32_t count)
 {
-    int32_t stride = (n + lanes - 1) / lanes * lanes;
-    for (int32_t i = 0; i < n; ++i) {
-        double *to = work.row[i] = work.element + ptrdiff_t{i} * stride;
-        for (int32_t j = 0; j < n; ++j)
-            to[j] = row[i][j];
-        for (int32_t j = n; j < stride; ++j)
-            to[j] = 0;
+    Vec best[2] = {};
+    int32_t i = 0;
+    for (; i + 2 * lanes <= count; i += 2 * lanes) {
+        for (int32_t k = 0; k < 2; ++k) {
+            Vec size = magnitude(load(v + i + k * lanes));
+            best[k] = size > best[k] ? size : best[k];
+        }
     }
-    return stride;
-}
-
-/** The last place of the largest candidate from `first` on. */
-int32_t largestCandidate(const double *candidate, int32_t first, int32_t n)
-{
-    Vec best = {};
-    int32_t i = first;
-    for (; i + lanes <= n; i += lanes) {
-        Vec v = load(candidate + i);
-        best = v > best ? v : best;
-    }
+    best[0] = best[1] > best[0] ? best[1] : best[0];
     double largest = 0;
     for (int32_t lane = 0; lane < lanes; ++lane)
-        largest = best[lane] > largest ? best[lane] : largest;
-    for (; i < n; ++i)
-        largest = candidate[i] > largest ? candidate[i] : largest;
-    for (i = n - 1; i > first; --i)
-        if (candidate[i] == largest)
-            break;
-    return i;
+        largest = best[0][lane] > largest ? best[0][lane] : largest;
+    for (; i < count; ++i)
+        largest = __builtin_fabs(v[i]) > largest ? __builtin_fabs(v[i]) : largest;
+    return largest;
+}
+
+// ---------------------------------------------------------------- small matrices
+
+/**
+ * A small matrix at work. Multipliers have a place of their own: a vector that
+ * holds an element just stored would have to wait for it.
+ */
+struct SmallMatrix {
+    /** Rows padded to whole vectors; one more, as the last place of the last row has a neighbour. */
+    alignas(VX_VECTOR_BYTES) double element[smallOrder * smallOrder + 1];
+    alignas(VX_VECTOR_BYTES) double factor[smallOrder];               ///< the pivot row right of the pivot
+    double multiplier[smallOrder * smallOrder];
+    double scale[smallOrder];
+    int32_t row[smallOrder]; ///< where in the two the i-th row now lies
+    int32_t stride;
+};
+
+void copyIn(SmallMatrix &work, const double *const *row, int32_t n, const double *scale, int32_t *pivot)
+{
+    work.stride = (n + lanes - 1) / lanes * lanes;
+    for (int32_t i = 0; i < n; ++i) {
+        double *to = work.element + i * work.stride;
+        work.row[i] = i * work.stride;
+        work.scale[i] = scale[i];
+        pivot[i] = i;
+        for (int32_t j = 0; j < n; ++j)
+            to[j] = row[i][j];
+        for (int32_t j = n; j < work.stride; ++j)
+            to[j] = 0;
+    }
+}
+
+void copyOut(const SmallMatrix &work, double *const *row, int32_t n)
+{
+    for (int32_t i = 0; i < n; ++i) {
+        for (int32_t j = 0; j < i; ++j)
+            row[i][j] = work.multiplier[work.row[i] + j];
+        for (int32_t j = i; j < n; ++j)
+            row[i][j] = work.element[work.row[i] + j];
+    }
+}
+
+/** Take the pivot row out, with zeros up to column `j`. */
+inline void takeFactor(SmallMatrix &work, int32_t j)
+{
+    const double *top = work.element + work.row[j];
+    for (int32_t c = (j + 1) / lanes * lanes; c < work.stride; c += lanes) {
+        Mask right = laneNumbers + int64_t{c} > int64_t{j};
+        Mask kept = reinterpret_cast<Mask>(load(top + c)) & right;
+        store(work.factor + c, reinterpret_cast<Vec>(kept));
+    }
 }
 
 /** Subtract a multiple of the pivot row right of column `j` from another one. */
-inline void subtractRow(double *to, double l, const double *factor, int32_t j, int32_t stride, bool finite)
+template <bool plain>
+inline void subtractRow(double *to, double l, const double *factor, int32_t j, int32_t stride)
 {
     if (l == 0)
         return;
-    if (!finite || !isFinite(l)) {
-        for (int32_t c = j + 1; c < stride; ++c)
-            subtractPlain(to[c], l, factor[c]);
-        return;
-    }
-    for (int32_t c = (j + 1) / lanes * lanes; c < stride; c += lanes)
+    for (int32_t c = j + 1; plain && c < stride; ++c)
+        subtractPlain(to[c], l, factor[c]);
+    for (int32_t c = (j + 1) / lanes * lanes; !plain && c < stride; c += lanes)
         *reinterpret_cast<Vec *>(to + c) -= l * *reinterpret_cast<const Vec *>(factor + c);
 }
 
-bool eliminateSmall(double *const *row, int32_t n, double least, double *scale, int32_t *pivot)
+/** The place of the largest scale * |element| met, the later of equal ones. */
+struct PivotSearch {
+    int32_t place;
+    double best = 0;
+
+    void look(double candidate, int32_t at)
+    {
+        place = candidate >= best ? at : place;
+        best = candidate > best ? candidate : best;
+    }
+};
+
+template <bool plain>
+bool eliminateRows(SmallMatrix &work, int32_t n, double least, int32_t *pivot)
 {
-    SmallRows work;
-    int32_t stride = copyIn(work, row, n);
+    double *scale = work.scale;
+    PivotSearch search{0};
     for (int32_t i = 0; i < n; ++i)
-        work.candidate[i] = scale[i] * __builtin_fabs(work.row[i][0]);
+        search.look(scale[i] * __builtin_fabs(work.element[work.row[i]]), i);
     for (int32_t j = 0; j < n; ++j) {
-        int32_t p = largestCandidate(work.candidate, j, n);
-        if (p != j) {
-            double *kept = work.row[j];
-            work.row[j] = work.row[p];
-            work.row[p] = kept;
-            exchange(scale[j], scale[p]);
-            exchange(pivot[j], pivot[p]);
+        if (search.place != j) {
+            exchange(work.row[j], work.row[search.place]);
+            exchange(scale[j], scale[search.place]);
+            exchange(pivot[j], pivot[search.place]);
         }
-        const double *top = work.row[j];
-        if (!(__builtin_fabs(top[j]) >= least))
+        const double top = work.element[work.row[j] + j];
+        if (!(__builtin_fabs(top) >= least))
             return false;
-        double reciprocal = 1 / top[j];
-        int32_t start = (j + 1) / lanes * lanes;
-        for (int32_t c = start; c < stride; ++c)
-            work.factor[c] = c > j ? top[c] : 0;
-        bool finite = start >= stride || finiteness(work.factor + start, stride - start) == 0;
+        const double reciprocal = 1 / top;
+        const double right = work.element[work.row[j] + j + 1];
+        takeFactor(work, j);
+        search = {j + 1};
         for (int32_t i = j + 1; i < n; ++i) {
-            double *to = work.row[i];
-            double l = to[j] *= reciprocal;
-            subtractRow(to, l, work.factor, j, stride, finite);
-            work.candidate[i] = scale[i] * __builtin_fabs(to[j + 1]);
+            double *to = work.element + work.row[i];
+            const double l = to[j] * reciprocal;
+            // What the next search looks at, without waiting for the row to be stored.
+            const double next = to[j + 1] - l * right;
+            work.multiplier[work.row[i] + j] = l;
+            subtractRow<plain>(to, l, work.factor, j, work.stride);
+            search.look(scale[i] * __builtin_fabs(plain ? to[j + 1] : next), i);
         }
     }
-    for (int32_t i = 0; i < n; ++i)
-        for (int32_t j = 0; j < n; ++j)
-            row[i][j] = work.row[i][j];
     return true;
+}
+
+/**
+ * Most matrices stay finite; whether this one did is seen in the end, since a
+ * factor that is not leaves its mark on every row that it meets. If it did
+ * not, elimination begins anew.
+ */
+bool eliminateSmall(const double *const *from, double *const *row, int32_t n, double least,
+                    const double *scale, int32_t *pivot)
+{
+    SmallMatrix work;
+    copyIn(work, from, n, scale, pivot);
+    bool regular = eliminateRows<false>(work, n, least, pivot);
+    if (finiteness(work.element, n * work.stride) != 0) {
+        copyIn(work, from, n, scale, pivot);
+        regular = eliminateRows<true>(work, n, least, pivot);
+    }
+    if (regular)
+        copyOut(work, row, n);
+    return regular;
 }
 
 // ---------------------------------------------------------------- panels
@@ -475,7 +538,7 @@ void solveStrip(const PackedPanel &packed, double *strip)
                     row[r][c] -= l * strip[ptrdiff_t{k} * tileColumns + c];
             }
             for (int32_t c = 0; packed.diagonal && c < tileColumns; ++c)
-                row[r][c] /= packed.diagonal[first + r];
+                row[r][c] *= packed.diagonal[first + r];
         }
     }
 }
@@ -489,7 +552,7 @@ void updatePlain(const PackedPanel &packed, double *const *row, int32_t first, i
             for (int32_t c = first; c < end; ++c)
                 subtractPlain(row[i][c], panel.column[k * panel.stride + i], row[k][c]);
         for (int32_t c = first; packed.diagonal && i < panel.width && c < end; ++c)
-            row[i][c] /= packed.diagonal[i];
+            row[i][c] *= packed.diagonal[i];
     }
 }
 
@@ -576,43 +639,55 @@ void subtractProduct(const PackedPanel &packed, const double *const *factor, dou
 /** Rows whose sums run side by side, so that none waits for its own last step. */
 constexpr int32_t sideBySide = 8;
 
+/** The rows `i` on, where all unknowns before them are known. */
+void substituteForwards(const double *const *lu, int32_t i, double *x)
+{
+    double sum[sideBySide];
+    for (int32_t r = 0; r < sideBySide; ++r)
+        sum[r] = x[i + r];
+    for (int32_t k = 0; k < i; ++k)
+        for (int32_t r = 0; r < sideBySide; ++r)
+            sum[r] -= lu[i + r][k] * x[k];
+    for (int32_t k = 0; k < sideBySide; ++k) {
+        x[i + k] = sum[k];
+        for (int32_t r = k + 1; r < sideBySide; ++r)
+            sum[r] -= lu[i + r][i + k] * sum[k];
+    }
+}
+
+/** The rows up to `i`, where all unknowns behind it are known. */
+void substituteBackwards(const double *const *lu, int32_t i, int32_t n, double *x)
+{
+    double sum[sideBySide], reciprocal[sideBySide];
+    for (int32_t r = 0; r < sideBySide; ++r) {
+        sum[r] = x[i - r];
+        reciprocal[r] = 1 / lu[i - r][i - r];
+    }
+    for (int32_t k = n - 1; k > i; --k)
+        for (int32_t r = 0; r < sideBySide; ++r)
+            sum[r] -= lu[i - r][k] * x[k];
+    for (int32_t k = 0; k < sideBySide; ++k) {
+        sum[k] *= reciprocal[k];
+        x[i - k] = sum[k];
+        for (int32_t r = k + 1; r < sideBySide; ++r)
+            sum[r] -= lu[i - r][i - k] * sum[k];
+    }
+}
+
 void substitute(const double *const *lu, int32_t n, double *x)
 {
     int32_t i = 0;
-    for (; i + sideBySide <= n; i += sideBySide) {
-        double sum[sideBySide];
-        for (int32_t r = 0; r < sideBySide; ++r)
-            sum[r] = x[i + r];
-        for (int32_t k = 0; k < i; ++k)
-            for (int32_t r = 0; r < sideBySide; ++r)
-                sum[r] -= lu[i + r][k] * x[k];
-        for (int32_t r = 0; r < sideBySide; ++r) {
-            for (int32_t k = 0; k < r; ++k)
-                sum[r] -= lu[i + r][i + k] * x[i + k];
-            x[i + r] = sum[r];
-        }
-    }
+    for (; i + sideBySide <= n; i += sideBySide)
+        substituteForwards(lu, i, x);
     for (; i < n; ++i)
         for (int32_t k = 0; k < i; ++k)
             x[i] -= lu[i][k] * x[k];
-    i = n;
-    for (; i >= sideBySide; i -= sideBySide) {
-        double sum[sideBySide];
-        for (int32_t r = 0; r < sideBySide; ++r)
-            sum[r] = x[i - 1 - r];
-        for (int32_t k = n - 1; k >= i; --k)
-            for (int32_t r = 0; r < sideBySide; ++r)
-                sum[r] -= lu[i - 1 - r][k] * x[k];
-        for (int32_t r = 0; r < sideBySide; ++r) {
-            for (int32_t k = i - 1; k > i - 1 - r; --k)
-                sum[r] -= lu[i - 1 - r][k] * x[k];
-            x[i - 1 - r] = sum[r] / lu[i - 1 - r][i - 1 - r];
-        }
-    }
-    for (--i; i >= 0; --i) {
+    for (i = n - 1; i >= sideBySide - 1; i -= sideBySide)
+        substituteBackwards(lu, i, n, x);
+    for (; i >= 0; --i) {
         for (int32_t k = n - 1; k > i; --k)
             x[i] -= lu[i][k] * x[k];
-        x[i] /= lu[i][i];
+        x[i] *= 1 / lu[i][i];
     }
 }
 
@@ -624,7 +699,7 @@ void substitute(const double *const *lu, int32_t n, double *x)
 
 namespace vx::numerics {
 
-const Kernels VX_KERNELS = {VX_KERNELS_NAME, eliminateSmall,  eliminatePanel, pack,
-                            update,          subtractProduct, substitute,     &rowKernels};
+const Kernels VX_KERNELS = {VX_KERNELS_NAME, largestMagnitude, eliminateSmall, eliminatePanel, pack,
+                            update,          subtractProduct,  substitute,     &rowKernels};
 
 }

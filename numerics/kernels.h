@@ -45,18 +45,22 @@ struct PackedPanel {
     double *tail;           ///< the rows below
     int32_t *tailDepth;     ///< per group of rows: how many columns are not all zero
     int32_t *tailColumn;    ///< per group: which ones, `width` places each
-    const double *diagonal; ///< what the solved rows are divided by; null for a unit diagonal
+    const double *diagonal; ///< what the solved rows are multiplied by; null for a unit diagonal
 };
 
 struct Kernels {
     const char *name;
 
+    /** The largest magnitude; NaN is passed over. */
+    double (*largestMagnitude)(const double *v, int32_t count);
+
     /**
-     * Eliminate a matrix of at most smallOrder rows in place. `scale` holds
-     * the rows' factors, `pivot` the permutation, both kept in step; a pivot
-     * below `least` ends it.
+     * Eliminate a matrix of at most smallOrder rows from `from` to `row`, which
+     * may be the same. `scale` holds the rows' factors; `pivot` receives the
+     * permutation. A pivot below `least` ends it.
      */
-    bool (*eliminateSmall)(double *const *row, int32_t n, double least, double *scale, int32_t *pivot);
+    bool (*eliminateSmall)(const double *const *from, double *const *row, int32_t n, double least,
+                           const double *scale, int32_t *pivot);
 
     /**
      * Eliminate a panel. `scale` belongs to its rows and has panelPadding

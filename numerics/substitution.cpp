@@ -57,7 +57,7 @@ void backwards(const Kernels &kernels, const double *const *lu, int32_t n, doubl
         PackedPanel packed = workspace.panel(n - first, std::min(panelWidth, n - first), true);
         fill(packed.panel, [&](int32_t i, int32_t c) { return lu[last - i][last - c]; });
         for (int32_t i = 0; i < packed.panel.width; ++i)
-            diagonal[static_cast<size_t>(i)] = lu[last - i][last - i];
+            diagonal[static_cast<size_t>(i)] = 1 / lu[last - i][last - i];
         packed.diagonal = diagonal.data();
         updateAll(kernels, packed, row + first, count, workspace.strip());
     }
@@ -116,11 +116,9 @@ Outcome invertTiny(const VxGenMat &a, const VxGenMat &inverse)
     double element[tiny * tiny], unit[tiny] = {}, column[tiny];
     double *row[tiny];
     int32_t pivot[tiny];
-    for (int32_t i = 0; i < n; ++i) {
+    for (int32_t i = 0; i < n; ++i)
         row[i] = element + i * n;
-        std::copy_n(a.row[i], n, row[i]);
-    }
-    Outcome outcome = eliminate(kernels(), row, n, negligible, pivot);
+    Outcome outcome = eliminate(kernels(), a.row, row, n, negligible, pivot);
     for (int32_t j = 0; outcome == Outcome::done && j < n; ++j) {
         unit[j] = 1;
         substitute(kernels(), row, n, pivot, unit, column);
@@ -140,9 +138,9 @@ Outcome invert(const VxGenMat &a, const VxGenMat &inverse)
         return invertTiny(a, inverse);
     OwnGenMat lu;
     Block<int32_t> pivot = allocate<int32_t>(n);
-    if (!pivot || VxGenMatCopy(&a, &lu))
+    if (!pivot || VxGenMatAlloc(n, n, &lu))
         return Outcome::noMemory;
-    Outcome outcome = eliminate(kernels(), lu.row, n, negligible, pivot.get());
+    Outcome outcome = eliminate(kernels(), a.row, lu.row, n, negligible, pivot.get());
     if (outcome != Outcome::done)
         return outcome;
     for (int32_t i = 0; i < n; ++i) {
