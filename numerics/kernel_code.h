@@ -75,7 +75,13 @@ void substitute(const double *const *lu, int32_t n, double *x)
 
 }
 
+}
+
+#include "numerics/row_kernel_code.h"
+
+namespace vx::numerics {
+
 const Kernels VX_KERNELS = {VX_KERNELS_NAME, largestMagnitude, eliminateSmall, eliminatePanel, pack,
-                            update,          subtractProduct,  substitute};
+                            update,          subtractProduct,  substitute,     &rowKernels};
 
 }

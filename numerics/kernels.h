@@ -12,6 +12,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "numerics/row_kernels.h"
+
 namespace vx::numerics {
 
 /** Orders up to this are eliminated in one go, without panels. */
@@ -81,6 +83,8 @@ struct Kernels {
 
     /** Solve in place with the unit lower triangle, then with the upper one. */
     void (*substitute)(const double *const *lu, int32_t n, double *x);
+
+    const RowKernels *rows;
 };
 
 extern const Kernels baselineKernels;
