@@ -3,12 +3,15 @@
 
 #include "vx/mem.h"
 
+#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <utility>
 
+#include "heap/allocate.h"
 #include "heap/heap_state.h"
 #include "platform/os/fault.h"
 #include "platform/os/os.h"
@@ -40,7 +43,7 @@ void count(int64_t bytes) noexcept
     used.store(used.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
 }
 
-void *request(int32_t size) noexcept
+void *request(int64_t size) noexcept
 {
     if (fault::refused(fault::Kind::allocation))
         return nullptr;
@@ -87,6 +90,15 @@ uint32_t refusedResize(int32_t size)
 HeapState &state() noexcept
 {
     return heapState;
+}
+
+uint32_t allocate(int64_t bytes, void **block)
+{
+    constexpr int64_t largest = std::numeric_limits<int32_t>::max();
+    if (bytes <= largest)
+        return VxMemAlloc(static_cast<int32_t>(std::max(bytes, int64_t{0})), block);
+    *block = request(bytes);
+    return *block ? 0 : outOfMemory(static_cast<int32_t>(largest));
 }
 
 }

@@ -98,6 +98,13 @@ struct MemoryStatus {
 };
 Error memoryStatus(MemoryStatus &out) noexcept;
 
+/**
+ * Ask for the largest pages that the system has in place of the usual ones, in
+ * a block of many megabytes that is about to be filled. Nothing changes but
+ * the time that takes; a failure can be ignored.
+ */
+Error preferLargePages(void *block, size_t size) noexcept;
+
 /** Bytes that the heap really gave for `block`, which malloc made. */
 size_t usableSize(const void *block) noexcept;
 

@@ -79,6 +79,21 @@ Error memoryStatus(MemoryStatus &out) noexcept
     return Error::none;
 }
 
+Error preferLargePages(void *block, size_t size) noexcept
+{
+    VX_OS_VERB("preferLargePages");
+#ifdef MADV_HUGEPAGE
+    const auto page = static_cast<uintptr_t>(pageSize());
+    const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + page - 1) / page * page;
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + size) / page * page;
+    if (start >= end)
+        return Error::invalid;
+    return madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE) == 0 ? Error::none : errorOf(errno);
+#else
+    return Error::unsupported;
+#endif
+}
+
 size_t usableSize(const void *block) noexcept
 {
     return malloc_usable_size(const_cast<void *>(block));

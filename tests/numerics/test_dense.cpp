@@ -1,0 +1,115 @@
+#include <cmath>
+#include <numeric>
+#include <tuple>
+
+#include <gtest/gtest.h>
+
+#include "tests/numerics/matrices.h"
+
+namespace {
+
+using namespace vx;
+using numerics::OwnGenMat;
+using test::Matrix;
+using test::Random;
+
+TEST(Inverse, TimesItsMatrixIsTheIdentity)
+{
+    Random random(21);
+    for (int32_t n : {1, 4, 16, 17, 65, 100}) {
+        Matrix m = test::randomMatrix(random, n);
+        OwnGenMat inverse, product;
+        ASSERT_EQ(VxMatGetInv(&m, &inverse), 0u);
+        ASSERT_EQ(VxMatMult(&m, &inverse, &product), 0u);
+        for (int32_t i = 0; i < n; ++i)
+            for (int32_t j = 0; j < n; ++j)
+                EXPECT_NEAR(product.row[i][j], i == j, 1e-10);
+    }
+    Matrix singular(3, 3, [](int32_t i, int32_t j) { return i + j; });
+    OwnGenMat none;
+    EXPECT_EQ(VxMatGetInv(&singular, &none), 1u);
+    EXPECT_EQ(none.row, nullptr);
+    EXPECT_EQ(VxMatGetInv(&singular, &singular), 1u);
+}
+
+TEST(Determinant, IsMultiplicativeAndZeroWhenSingular)
+{
+    Random random(22);
+    for (int32_t n : {1, 2, 3, 7, 30}) {
+        Matrix a = test::randomMatrix(random, n);
+        Matrix b = test::randomMatrix(random, n);
+        OwnGenMat product;
+        ASSERT_EQ(VxMatMult(&a, &b, &product), 0u);
+        double detA = 0, detB = 0, both = 0;
+        ASSERT_EQ(VxMatGetDet(&a, &detA), 0u);
+        ASSERT_EQ(VxMatGetDet(&b, &detB), 0u);
+        ASSERT_EQ(VxMatGetDet(&product, &both), 0u);
+        EXPECT_NEAR(both / (detA * detB), 1, 1e-9);
+    }
+    double det = 7;
+    Matrix exchange(3, 3, [](int32_t i, int32_t j) { return j == (i + 1) % 3 ? 2 : 0; });
+    exchange.row[0][1] = -2;
+    EXPECT_EQ(VxMatGetDet(&exchange, &det), 0u);
+    EXPECT_EQ(det, -8);
+    Matrix singular(3, 3, [](int32_t i, int32_t j) { return i + j; });
+    EXPECT_EQ(VxMatGetDet(&singular, &det), 0u);
+    EXPECT_EQ(det, 0);
+}
+
+TEST(NullVector, IsTakenToZero)
+{
+    Random random(23);
+    for (auto [rows, columns, rank] :
+         {std::tuple{3, 3, 2}, {3, 3, 0}, {6, 6, 3}, {2, 5, 2}, {5, 3, 2}, {40, 40, 39}}) {
+        Matrix left = test::randomMatrix(random, rows, std::max(rank, 1));
+        Matrix right = test::randomMatrix(random, std::max(rank, 1), columns);
+        OwnGenMat m;
+        ASSERT_EQ(VxMatMult(&left, &right, &m), 0u);
+        if (rank == 0)
+            VxGenMatClear(&m);
+        std::vector<double> vec(static_cast<size_t>(columns)), zero(static_cast<size_t>(rows));
+        ASSERT_EQ(VxMatGetNullVec(&m, vec.data()), 0u) << rows << " x " << columns;
+        EXPECT_NEAR(std::inner_product(vec.begin(), vec.end(), vec.begin(), 0.0), 1, 1e-12);
+        EXPECT_LT(test::largestDifference(test::times(m, vec), zero), 1e-12);
+    }
+    Matrix regular = test::bandMatrix(4, 1);
+    double vec[4];
+    EXPECT_EQ(VxMatGetNullVec(&regular, vec), 1u);
+}
+
+TEST(CompletePivoting, SolvesWithItsOwnSubstitution)
+{
+    Random random(24);
+    for (int32_t n : {1, 3, 30}) {
+        Matrix m = test::randomMatrix(random, n);
+        Matrix lu(m);
+        std::vector<int32_t> rowPivot(static_cast<size_t>(n)), columnPivot(rowPivot);
+        ASSERT_EQ(VxMatFullPvtLuD(&lu, n, rowPivot.data(), columnPivot.data()), 0u);
+        for (int32_t i = 1; i < n; ++i)
+            for (int32_t j = 0; j < i; ++j)
+                EXPECT_LE(std::fabs(lu.row[i][j]), 1);
+        std::vector<double> x = test::randomVector(random, n), found(x.size());
+        std::vector<double> b = test::times(m, x);
+        ASSERT_EQ(VxMatFullPvtFBS(&lu, n, rowPivot.data(), columnPivot.data(), b.data(), found.data()), 0u);
+        EXPECT_LT(test::largestDifference(x, found), 1e-11);
+    }
+}
+
+TEST(Transpose, ExchangesRowsAndColumns)
+{
+    Random random(25);
+    Matrix m = test::randomMatrix(random, 19, 34);
+    OwnGenMat transposed;
+    ASSERT_EQ(VxMatGetXpose(&m, &transposed), 0u);
+    ASSERT_EQ(transposed.rows, 34);
+    for (int32_t i = 0; i < 19; ++i)
+        for (int32_t j = 0; j < 34; ++j)
+            EXPECT_EQ(transposed.row[j][i], m.row[i][j]);
+    EXPECT_EQ(VxMatGetXpose(&m, &m), 1u);
+    OwnGenMat wrong;
+    ASSERT_EQ(VxGenMatAlloc(19, 34, &wrong), 0u);
+    EXPECT_EQ(VxMatGetXpose(&m, &wrong), 1u);
+    EXPECT_EQ(VxMatMult(&m, &m, &wrong), 1u);
+}
+
+}

@@ -1,0 +1,248 @@
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "numerics/dense.h"
+#include "numerics/kernel_choice.h"
+#include "tests/numerics/matrices.h"
+
+namespace {
+
+using namespace vx;
+using numerics::Outcome;
+using test::Matrix;
+using test::Random;
+
+/** The column-wise loops that the blocked elimination has to agree with, bit for bit. */
+Outcome plainElimination(VxGenMat &a, std::vector<int32_t> &pivot)
+{
+    const int32_t n = a.rows;
+    std::vector<double> scale;
+    for (int32_t i = 0; i < n; ++i) {
+        pivot[static_cast<size_t>(i)] = i;
+        double largest = 0;
+        for (int32_t j = 0; j < n; ++j)
+            largest = std::fabs(a.row[i][j]) > largest ? std::fabs(a.row[i][j]) : largest;
+        if (largest < 1e-12)
+            return Outcome::singular;
+        scale.push_back(1 / largest);
+    }
+    for (int32_t j = 0; j < n; ++j) {
+        int32_t p = j;
+        double best = 0;
+        for (int32_t i = 0; i < n; ++i) {
+            for (int32_t k = 0; k < std::min(i, j); ++k)
+                if (a.row[i][k] != 0 && a.row[k][j] != 0)
+                    a.row[i][j] -= a.row[i][k] * a.row[k][j];
+            double candidate = i < j ? -1 : scale[static_cast<size_t>(i)] * std::fabs(a.row[i][j]);
+            if (i >= j && candidate >= best) {
+                best = candidate;
+                p = i;
+            }
+        }
+        if (p != j) {
+            std::swap_ranges(a.row[p], a.row[p] + n, a.row[j]);
+            std::swap(scale[static_cast<size_t>(p)], scale[static_cast<size_t>(j)]);
+            std::swap(pivot[static_cast<size_t>(p)], pivot[static_cast<size_t>(j)]);
+        }
+        if (!(std::fabs(a.row[j][j]) >= 1e-12))
+            return Outcome::singular;
+        for (int32_t i = j + 1; i < n; ++i)
+            a.row[i][j] *= 1 / a.row[j][j];
+    }
+    return Outcome::done;
+}
+
+bool same(double a, double b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+/** Every variant of the kernels against the plain loops. */
+Outcome expectPlainResult(const Matrix &matrix)
+{
+    const int32_t n = matrix.rows;
+    Matrix plain(matrix);
+    std::vector<int32_t> plainPivot(static_cast<size_t>(n));
+    const Outcome expected = plainElimination(plain, plainPivot);
+    for (const numerics::Kernels *kernels : numerics::availableKernels()) {
+        SCOPED_TRACE(testing::Message() << kernels->name << ", order " << n);
+        Matrix lu(matrix);
+        std::vector<int32_t> pivot(static_cast<size_t>(n));
+        EXPECT_EQ(numerics::eliminate(*kernels, lu.row, n, 1e-12, pivot.data()), expected);
+        if (expected != Outcome::done)
+            continue;
+        EXPECT_EQ(pivot, plainPivot);
+        int32_t different = 0;
+        for (int32_t i = 0; i < n; ++i)
+            different += !std::equal(lu.row[i], lu.row[i] + n, plain.row[i], same);
+        EXPECT_EQ(different, 0) << "rows";
+    }
+    return expected;
+}
+
+/** Orders on both sides of every change of method and of every tile. */
+std::vector<int32_t> orders()
+{
+    std::vector<int32_t> out;
+    for (int32_t n = 1; n <= 20; ++n)
+        out.push_back(n);
+    for (int32_t n : {31, 63, 64, 65, 66, 71, 72, 73, 80, 95, 96, 97, 127, 128, 130, 161, 300})
+        out.push_back(n);
+    return out;
+}
+
+class Elimination : public testing::Test {
+protected:
+    static constexpr uint32_t seed = 20261;
+    Elimination() { RecordProperty("seed", static_cast<int>(seed)); }
+    double uniform() { return std::uniform_real_distribution<double>(-1, 1)(random); }
+    int32_t below(int32_t n) { return std::uniform_int_distribution<int32_t>(0, n - 1)(random); }
+    Random random{seed};
+};
+
+TEST_F(Elimination, OfRandomMatricesIsThatOfThePlainLoops)
+{
+    for (int32_t n : orders())
+        expectPlainResult(test::randomMatrix(random, n));
+}
+
+TEST_F(Elimination, OfSmallIntegersIsThatOfThePlainLoops)
+{
+    // Ties between pivots, cancellation to exact zeros, and singular ones.
+    for (int32_t n : orders())
+        for (int32_t spread : {1, 3})
+            expectPlainResult(
+                Matrix(n, n, [&](int32_t, int32_t) { return double(below(2 * spread + 1) - spread); }));
+}
+
+TEST_F(Elimination, OfGradedMatricesIsThatOfThePlainLoops)
+{
+    for (int32_t n : orders())
+        expectPlainResult(Matrix(n, n, [&](int32_t i, int32_t j) {
+            return uniform() * std::pow(10, 20.0 * (i - j) / n) + (i == j ? 1e-3 : 0);
+        }));
+}
+
+TEST_F(Elimination, OfNearlySingularMatricesIsThatOfThePlainLoops)
+{
+    for (int32_t n : orders()) {
+        Matrix m = test::randomMatrix(random, n);
+        for (int32_t j = 0; j < n && n > 2; ++j)
+            m.row[n - 1][j] = m.row[0][j] - m.row[n / 2][j] + 1e-11 * uniform();
+        expectPlainResult(m);
+    }
+}
+
+TEST_F(Elimination, OfSparseMatricesIsThatOfThePlainLoops)
+{
+    for (int32_t n : orders())
+        for (int32_t perRow : {1, 4})
+            expectPlainResult(Matrix(n, n, [&](int32_t i, int32_t j) {
+                return i == (j * 7 + 3) % n || below(n) < perRow ? uniform() : 0;
+            }));
+}
+
+TEST_F(Elimination, KeepsInfinitiesFromExactZeros)
+{
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    int32_t solvable = 0;
+    for (int32_t n : orders()) {
+        for (double odd : {inf, nan, 1e308}) {
+            for (int32_t trial = 0; trial < (n < 100 ? 6 : 2); ++trial) {
+                Matrix m(n, n, [&](int32_t i, int32_t j) {
+                    return i == j ? 2 : below(8) == 0 ? uniform() : 0;
+                });
+                for (int32_t k = 0; k <= trial % 3; ++k)
+                    m.row[below(n)][below(n)] = odd;
+                solvable += expectPlainResult(m) == Outcome::done;
+            }
+        }
+    }
+    EXPECT_GT(solvable, 50);
+}
+
+TEST_F(Elimination, TellsTheSignOfItsPermutation)
+{
+    for (int32_t n : {1, 2, 5, 40, 100}) {
+        Matrix m = test::randomMatrix(random, n);
+        std::vector<int32_t> pivot(static_cast<size_t>(n));
+        int32_t sign = 0;
+        ASSERT_EQ(VxMatLuD(&m, n, pivot.data(), &sign), 0u);
+        int32_t inversions = 0;
+        for (size_t i = 0; i < pivot.size(); ++i)
+            for (size_t j = 0; j < i; ++j)
+                inversions += pivot[j] > pivot[i];
+        EXPECT_EQ(sign, inversions % 2 ? -1 : 1);
+    }
+}
+
+TEST_F(Elimination, RefusesPivotsBelowTheToleranceOnly)
+{
+    std::vector<int32_t> pivot(6);
+    for (auto [last, expected] : {std::pair{1.001e-12, 0u}, std::pair{0.999e-12, 1u}}) {
+        Matrix m(6, 6, [l = last](int32_t i, int32_t j) {
+            return i == j ? (i == 5 ? l : 1) : j == 5 ? 1 : 0;
+        });
+        EXPECT_EQ(VxMatFullLuD(&m, 6, pivot.data()), expected);
+    }
+}
+
+TEST_F(Elimination, ManyRightHandSidesHaveTheBitsOfOne)
+{
+    for (int32_t n : {5, 8, 33, 64, 65, 129, 200}) {
+        for (int32_t count : {1, 3, 16, 17, 300}) {
+            SCOPED_TRACE(testing::Message() << "order " << n << ", " << count << " right-hand sides");
+            Matrix lu = test::randomMatrix(random, n);
+            Matrix many = test::randomMatrix(random, n, count);
+            std::vector<int32_t> pivot(static_cast<size_t>(n));
+            ASSERT_EQ(VxMatFullLuD(&lu, n, pivot.data()), 0u);
+            for (size_t i = 0; i < pivot.size(); ++i)
+                pivot[i] = static_cast<int32_t>(i);
+            std::vector<std::vector<double>> one;
+            for (int32_t c = 0; c < count; ++c) {
+                std::vector<double> b, x(static_cast<size_t>(n));
+                for (int32_t i = 0; i < n; ++i)
+                    b.push_back(many.row[i][c]);
+                ASSERT_EQ(VxMatFullFBS(&lu, n, pivot.data(), b.data(), x.data()), 0u);
+                one.push_back(x);
+            }
+            for (const numerics::Kernels *kernels : numerics::availableKernels()) {
+                Matrix together(many);
+                ASSERT_EQ(numerics::substituteMany(*kernels, lu.row, n, together.row, count), Outcome::done);
+                for (int32_t c = 0; c < count; ++c)
+                    for (int32_t i = 0; i < n; ++i)
+                        ASSERT_EQ(together.row[i][c], one[static_cast<size_t>(c)][static_cast<size_t>(i)])
+                            << kernels->name << ": " << i << ", " << c;
+            }
+        }
+    }
+}
+
+TEST_F(Elimination, ProductsHaveTheBitsOfPlainSums)
+{
+    for (auto [m, k, n] : {std::tuple{1, 1, 1}, {3, 7, 5}, {8, 64, 16}, {70, 65, 33}, {20, 130, 300}}) {
+        Matrix a = test::randomMatrix(random, m, k);
+        Matrix b = test::randomMatrix(random, k, n);
+        a.row[0][0] = 0;
+        Matrix expected(m, n, [&](int32_t i, int32_t j) {
+            double sum = 0;
+            for (int32_t l = 0; l < a.columns; ++l)
+                sum += a.row[i][l] * b.row[l][j];
+            return sum;
+        });
+        for (const numerics::Kernels *kernels : numerics::availableKernels()) {
+            Matrix product(m, n, [](int32_t, int32_t) { return 7; });
+            ASSERT_EQ(numerics::multiply(*kernels, a, b, product), Outcome::done);
+            for (int32_t i = 0; i < product.rows; ++i)
+                for (int32_t j = 0; j < product.columns; ++j)
+                    ASSERT_EQ(product.row[i][j], expected.row[i][j])
+                        << kernels->name << ": " << i << ", " << j;
+        }
+    }
+}
+
+}

@@ -1,0 +1,221 @@
+#include <cmath>
+#include <numbers>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "numerics/storage.h"
+
+namespace {
+
+using std::numbers::pi;
+
+class Small : public testing::Test {
+protected:
+    double uniform(double from = -1, double to = 1)
+    {
+        return std::uniform_real_distribution<double>(from, to)(random);
+    }
+    std::mt19937 random{4711};
+};
+
+TEST_F(Small, TwoEquationsTakeTheFirstRowUnlessItIsNegligible)
+{
+    double x[2];
+    const double b[2] = {3, 4};
+    const double usual[4] = {2, 1, 1, 1};
+    EXPECT_EQ(VxMatSolv2D(usual, b, 1e-12, x), 0u);
+    EXPECT_EQ(x[0], -1);
+    EXPECT_EQ(x[1], 5);
+    // With the first row as pivot row nothing would be left of the second.
+    const double tiny[4] = {1e-20, 1, 1, 1};
+    EXPECT_EQ(VxMatSolv2D(tiny, b, 1e-12, x), 0u);
+    EXPECT_EQ(x[0], 1);
+    EXPECT_EQ(x[1], 3);
+    EXPECT_EQ(VxMatSolv2D(tiny, b, 0, x), 0u);
+    EXPECT_EQ(x[0], 0);
+}
+
+TEST_F(Small, TwoEquationsFailWithinTheCallersTolerance)
+{
+    const double b[2] = {1, 1};
+    double x[2];
+    const double close[4] = {1, 1, 1, 1.5};
+    EXPECT_EQ(VxMatSolv2D(close, b, 0.49, x), 0u);
+    EXPECT_EQ(VxMatSolv2D(close, b, 0.5, x), 1u);
+    const double noFirstUnknown[4] = {0, 1, 0, 2};
+    EXPECT_EQ(VxMatSolv2D(noFirstUnknown, b, 1e-12, x), 1u);
+    EXPECT_EQ(VxMatSolv2D(nullptr, b, 1e-12, x), 1u);
+}
+
+TEST_F(Small, ThreeEquationsAreSolvedWhateverTheirOrder)
+{
+    int32_t order[3] = {0, 1, 2};
+    do {
+        const double row[3][3] = {{0, 1e-9, 2}, {3, 1, 1}, {0, -4, 1}};
+        const double expected[3] = {1, -2, 3};
+        double a[9], b[3], x[3];
+        for (int32_t i = 0; i < 3; ++i) {
+            b[i] = 0;
+            for (int32_t j = 0; j < 3; ++j) {
+                a[3 * i + j] = row[order[i]][j];
+                b[i] += a[3 * i + j] * expected[j];
+            }
+        }
+        ASSERT_EQ(VxMatSolv3D(a, b, 1e-12, x), 0u);
+        for (int32_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(x[i], expected[i], 1e-14);
+        EXPECT_EQ(VxMatSolv3D(a, b, 2.0005, x), 1u);
+    } while (std::next_permutation(order, order + 3));
+}
+
+TEST_F(Small, LineFitsDespiteLargeOffsets)
+{
+    double x[50], y[50], slope, intercept;
+    for (int32_t i = 0; i < 50; ++i) {
+        x[i] = 1e6 + 1e-3 * i;
+        y[i] = 5 - 2 * (x[i] - 1e6) + (i % 2 ? 0.25 : -0.25);
+    }
+    ASSERT_EQ(VxLinLS2D(50, x, y, &slope, &intercept), 0u);
+    // The residuals of a least-squares line are at right angles to 1 and to x.
+    double sum = 0, moment = 0;
+    for (int32_t i = 0; i < 50; ++i) {
+        double residual = y[i] - (intercept + slope * 1e6 + slope * (x[i] - 1e6));
+        sum += residual;
+        moment += residual * 1e3 * (x[i] - 1e6);
+    }
+    EXPECT_NEAR(sum, 0, 1e-4);
+    EXPECT_NEAR(moment, 0, 1e-3);
+    for (double &same : x)
+        same = 17;
+    EXPECT_EQ(VxLinLS2D(50, x, y, &slope, &intercept), 1u);
+    EXPECT_EQ(VxLinLS2D(1, x, y, &slope, &intercept), 1u);
+}
+
+TEST_F(Small, TrigonometricFitFindsItsCoefficients)
+{
+    double angle[40], value[40], coef[3];
+    for (int32_t i = 0; i < 40; ++i) {
+        angle[i] = uniform(0.3, 1.1);
+        value[i] = 2 - 3 * std::cos(angle[i]) + 0.5 * std::sin(angle[i]);
+    }
+    ASSERT_EQ(VxTrigLS(40, angle, value, coef), 0u);
+    EXPECT_NEAR(coef[0], 2, 1e-12);
+    EXPECT_NEAR(coef[1], -3, 1e-12);
+    EXPECT_NEAR(coef[2], 0.5, 1e-12);
+    // Two places on the circle do not tell three coefficients apart.
+    for (int32_t i = 0; i < 40; ++i)
+        angle[i] = i % 2 ? 1 : 1 + 2 * pi * (i % 3);
+    for (int32_t i = 0; i < 40; i += 2)
+        angle[i] = 2;
+    EXPECT_EQ(VxTrigLS(40, angle, value, coef), 1u);
+    EXPECT_EQ(VxTrigLS(2, angle, value, coef), 1u);
+}
+
+TEST_F(Small, LocalCoordinatesLeadBackToTheirPoint)
+{
+    for (int32_t trial = 0; trial < 500; ++trial) {
+        const double far = trial % 2 ? 1e6 : 0;
+        double corner[4][2] = {{0, 0}, {4, 0}, {4, 3}, {0, 3}};
+        for (auto &c : corner) {
+            c[0] += far + uniform();
+            c[1] += far + uniform();
+        }
+        const double u = uniform();
+        const double v = uniform();
+        const double weight[4] = {(1 - u) * (1 - v) / 4, (1 + u) * (1 - v) / 4, (1 + u) * (1 + v) / 4,
+                                  (1 - u) * (1 + v) / 4};
+        double point[2] = {0, 0}, local[2];
+        for (int32_t i = 0; i < 4; ++i) {
+            point[0] += weight[i] * corner[i][0];
+            point[1] += weight[i] * corner[i][1];
+        }
+        ASSERT_EQ(SolvQfemLcnts(corner, point, local), 0u) << trial;
+        EXPECT_NEAR(local[0], u, far > 0 ? 1e-8 : 1e-12);
+        EXPECT_NEAR(local[1], v, far > 0 ? 1e-8 : 1e-12);
+    }
+    const double flat[4][2] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}};
+    const double point[2] = {1, 0};
+    double local[2];
+    EXPECT_EQ(SolvQfemLcnts(flat, point, local), 1u);
+}
+
+// ---------------------------------------------------------------- rotations
+
+TEST_F(Small, RotationsComeBackAsAngleAndAxis)
+{
+    for (double angle : {1e-9, 1e-3, 1.0, pi / 2, 3.0, pi - 1e-9, pi}) {
+        for (int32_t trial = 0; trial < 50; ++trial) {
+            double axis[3] = {uniform(), uniform(), uniform()}, found[3], foundAngle, rot[3][3];
+            if (trial < 3)
+                for (int32_t i = 0; i < 3; ++i)
+                    axis[i] = i == trial ? 2 : 0;
+            const double length = std::hypot(axis[0], axis[1], axis[2]);
+            ASSERT_EQ(VxMat3MkRot(axis, angle, rot), 0u);
+            ASSERT_EQ(VxMatAngAxis(rot, &foundAngle, found), 0u);
+            EXPECT_NEAR(foundAngle, angle, 1e-14);
+            const double side =
+                angle == pi && found[0] * axis[0] + found[1] * axis[1] + found[2] * axis[2] < 0 ? -1 : 1;
+            for (int32_t i = 0; i < 3; ++i)
+                EXPECT_NEAR(side * found[i], axis[i] / length, angle < 1e-6 ? 1e-6 : 1e-12);
+        }
+    }
+}
+
+TEST_F(Small, QuarterTurnAboutZTakesXToY)
+{
+    const double z[3] = {0, 0, 5};
+    VxMat3x4 m{};
+    ASSERT_EQ(VxMatMkRot(z, pi / 2, &m), 0u);
+    EXPECT_NEAR(m.m[0][0], 0, 1e-15);
+    EXPECT_NEAR(m.m[1][0], 1, 1e-15);
+    EXPECT_NEAR(m.m[0][1], -1, 1e-15);
+    EXPECT_EQ(m.m[2][2], 1);
+    EXPECT_EQ(m.kind, 0);
+    ASSERT_EQ(VxMatMkRot(z, 0, &m), 0u);
+    EXPECT_EQ(m.kind, 1);
+    const double none[3] = {0, 0, 0};
+    EXPECT_EQ(VxMatMkRot(none, 1, &m), 1u);
+}
+
+TEST_F(Small, OnlyRotationsHaveAngleAndAxis)
+{
+    double angle, axis[3];
+    const double identity[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    const double mirror[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, -1}};
+    const double stretched[3][3] = {{1.001, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    EXPECT_EQ(VxMatAngAxis(identity, &angle, axis), 0u);
+    EXPECT_EQ(angle, 0);
+    EXPECT_EQ(axis[2], 1);
+    EXPECT_EQ(VxMatAngAxis(mirror, &angle, axis), 1u);
+    EXPECT_EQ(VxMatAngAxis(stretched, &angle, axis), 1u);
+}
+
+TEST_F(Small, IncrementLeadsFromOneTransformToTheOther)
+{
+    for (int32_t trial = 0; trial < 50; ++trial) {
+        const double x[3] = {uniform(), uniform(), uniform()}, y[3] = {uniform(), uniform(), uniform()};
+        const double origin[3] = {uniform() * 100, uniform() * 100, uniform()};
+        VxMat3x4 from{}, to{}, increment{};
+        ASSERT_EQ(VxMatMkXform(origin, x, y, &from), 0u);
+        ASSERT_EQ(VxMatMkXform(x, y, origin, &to), 0u);
+        ASSERT_EQ(VxMatGetIncr(&from, &to, &increment), 0u);
+        for (int32_t i = 0; i < 3; ++i) {
+            for (int32_t j = 0; j < 4; ++j) {
+                double composed = j == 3 ? increment.m[i][3] : 0;
+                for (int32_t k = 0; k < 3; ++k)
+                    composed += increment.m[i][k] * from.m[k][j];
+                EXPECT_NEAR(composed, to.m[i][j], 1e-12);
+            }
+        }
+        double determinant = 0, axis[3], rot[3][3];
+        for (int32_t i = 0; i < 3; ++i)
+            std::copy_n(from.m[i], 3, rot[i]);
+        EXPECT_EQ(VxMatAngAxis(rot, &determinant, axis), 0u) << "the axes are no right-handed frame";
+    }
+    const double x[3] = {1, 2, 3}, parallel[3] = {-2, -4, -6};
+    VxMat3x4 out{};
+    EXPECT_EQ(VxMatMkXform(x, x, parallel, &out), 1u);
+}
+
+}

@@ -1,0 +1,226 @@
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "numerics/kernel_choice.h"
+#include "numerics/svd.h"
+#include "tests/numerics/matrices.h"
+#include "tests/support/faults.h"
+
+using namespace vx;
+using namespace vx::numerics;
+using namespace vx::test;
+
+namespace {
+
+constexpr double epsilon = std::numeric_limits<double>::epsilon();
+
+/** |a' a - I| over the first `count` columns. */
+double lossOfOrthogonality(const VxGenMat &a, int32_t count)
+{
+    double worst = 0;
+    for (int32_t i = 0; i < count; ++i)
+        for (int32_t j = 0; j <= i; ++j) {
+            double sum = i == j ? -1 : 0;
+            for (int32_t k = 0; k < a.rows; ++k)
+                sum += a.row[k][i] * a.row[k][j];
+            worst = std::max(worst, std::fabs(sum));
+        }
+    return worst;
+}
+
+/** Check that u w v' is `a`, that the vectors are orthonormal and the values in order: the values. */
+std::vector<double> expectDecomposed(const Matrix &a)
+{
+    const int32_t m = a.rows, n = a.columns;
+    Matrix u(a);
+    OwnGenMat v;
+    std::vector<double> w(static_cast<size_t>(n));
+    EXPECT_EQ(VxMatSvd(&u, w.data(), &v), 0u);
+    const double limit = 4 * epsilon * std::max(m, n);
+    for (int32_t i = 0; i < m; ++i)
+        for (int32_t j = 0; j < n; ++j) {
+            double sum = 0;
+            for (int32_t k = 0; k < n; ++k)
+                sum += u.row[i][k] * w[static_cast<size_t>(k)] * v.row[j][k];
+            EXPECT_LE(std::fabs(sum - a.row[i][j]), limit * w[0]) << i << " " << j;
+        }
+    EXPECT_LE(lossOfOrthogonality(u, std::min(m, n)), limit);
+    EXPECT_LE(lossOfOrthogonality(v, n), limit);
+    EXPECT_TRUE(std::is_sorted(w.rbegin(), w.rend()));
+    EXPECT_GE(w.back(), 0);
+    for (int32_t j = m; j < n; ++j) {
+        EXPECT_EQ(w[static_cast<size_t>(j)], 0);
+        for (int32_t i = 0; i < m; ++i)
+            EXPECT_EQ(u.row[i][j], 0);
+    }
+    return w;
+}
+
+/** Two random reflections around given values. */
+Matrix withValues(Random &random, const std::vector<double> &values)
+{
+    const auto n = static_cast<int32_t>(values.size());
+    auto reflection = [&] {
+        std::vector<double> v = randomVector(random, n);
+        double square = 0;
+        for (double x : v)
+            square += x * x;
+        return Matrix(n, n, [=](int32_t i, int32_t j) {
+            return (i == j) - 2 * v[static_cast<size_t>(i)] * v[static_cast<size_t>(j)] / square;
+        });
+    };
+    Matrix left = reflection(), right = reflection();
+    return Matrix(n, n, [&](int32_t i, int32_t j) {
+        double sum = 0;
+        for (int32_t k = 0; k < n; ++k)
+            sum += left.row[i][k] * values[static_cast<size_t>(k)] * right.row[k][j];
+        return sum;
+    });
+}
+
+}
+
+TEST(Svd, EveryShapeIsDecomposed)
+{
+    Random random(92);
+    for (int32_t m : {1, 2, 3, 7, 8, 9, 16, 33, 70})
+        for (int32_t n : {1, 2, 3, 5, 8, 17, 40, 70}) {
+            SCOPED_TRACE(testing::Message() << m << " x " << n);
+            expectDecomposed(randomMatrix(random, m, n));
+        }
+}
+
+TEST(Svd, DifficultMatricesAreDecomposed)
+{
+    Random random(93);
+    struct Case {
+        const char *name;
+        std::function<double(int32_t, int32_t)> element;
+    };
+    for (const Case &one : {
+             Case{"zero", [](int32_t, int32_t) { return 0.0; }},
+             Case{"unit", [](int32_t i, int32_t j) { return i == j ? 1.0 : 0.0; }},
+             Case{"ones", [](int32_t, int32_t) { return 1.0; }},
+             Case{"Hilbert", [](int32_t i, int32_t j) { return 1.0 / (i + j + 1); }},
+             Case{"Vandermonde", [](int32_t i, int32_t j) { return std::pow((i + 1) / 20.0, j); }},
+             Case{"graded", [](int32_t i, int32_t j) { return std::pow(10.0, -i - j); }},
+             Case{"graded upwards", [](int32_t i, int32_t j) { return std::pow(10.0, (i + j) / 2.0 - 19); }},
+             Case{"Jordan block", [](int32_t i, int32_t j) { return j == i + 1 ? 1.0 : 0.0; }},
+             Case{"bidiagonal with zeros", [](int32_t i, int32_t j) { return i == j ? i % 3 : j == i + 1 ? 1 : 0; }},
+             Case{"triangle of ones", [](int32_t i, int32_t j) { return i == j ? 1 : j > i ? -1 : 0; }},
+             Case{"tiny", [](int32_t i, int32_t j) { return 1e-300 * (i * j % 7 + 1); }},
+             Case{"huge", [](int32_t i, int32_t j) { return 1e300 * (i * j % 7 - 3); }},
+             Case{"one column", [](int32_t i, int32_t j) { return j == 4 ? i - 3.0 : 0.0; }},
+         }) {
+        SCOPED_TRACE(one.name);
+        expectDecomposed(Matrix(20, 20, one.element));
+        expectDecomposed(Matrix(23, 20, one.element));
+        expectDecomposed(Matrix(9, 20, one.element));
+    }
+}
+
+TEST(Svd, ValuesAreThoseThatWerePutIn)
+{
+    Random random(94);
+    std::vector<double> values(30);
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = i < 10 ? 5 : i < 20 ? std::pow(2.0, -static_cast<double>(i)) : 0;
+    std::vector<double> w = expectDecomposed(withValues(random, values));
+    for (size_t i = 0; i < values.size(); ++i)
+        EXPECT_NEAR(w[i], values[i], 1e-14);
+}
+
+TEST(Svd, ResultsDoNotDependOnTheKernel)
+{
+    Random random(95);
+    for (auto [m, n] : {std::pair{6, 6}, {50, 31}, {12, 40}}) {
+        Matrix a = randomMatrix(random, m, n);
+        std::vector<Matrix> us, vs;
+        std::vector<std::vector<double>> ws;
+        for (const Kernels *kernels : availableKernels()) {
+            us.emplace_back(a);
+            vs.push_back(Matrix(n, n, [](int32_t, int32_t) { return 0.0; }));
+            ws.emplace_back(static_cast<size_t>(n));
+            ASSERT_EQ(decompose(*kernels->rows, us.back(), ws.back().data(), vs.back()), 0u);
+            SCOPED_TRACE(kernels->name);
+            EXPECT_EQ(ws.back(), ws.front());
+            for (int32_t i = 0; i < m; ++i)
+                EXPECT_TRUE(std::equal(us.back().row[i], us.back().row[i] + n, us.front().row[i]));
+            for (int32_t i = 0; i < n; ++i)
+                EXPECT_TRUE(std::equal(vs.back().row[i], vs.back().row[i] + n, vs.front().row[i]));
+        }
+    }
+}
+
+TEST(Svd, SubstitutionGivesTheShortestOfTheBestSolutions)
+{
+    Random random(96);
+    // Columns 3 to 5 repeat columns 0 to 2: the best solutions share each value between the two.
+    Matrix half = randomMatrix(random, 12, 3);
+    Matrix a(12, 6, [&](int32_t i, int32_t j) { return half.row[i][j % 3]; });
+    std::vector<double> x = randomVector(random, 3), w(6);
+    x.insert(x.end(), x.begin(), x.begin() + 3);
+    std::vector<double> b = times(a, x);
+    Matrix u(a);
+    OwnGenMat v;
+    ASSERT_EQ(VxMatSvd(&u, w.data(), &v), 0u);
+    std::vector<double> found(6);
+    ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
+    EXPECT_LT(largestDifference(found, x), 1e-13);
+    // A part of b that no column reaches changes nothing.
+    std::vector<double> off = randomVector(random, 12);
+    for (int32_t j = 0; j < 3; ++j) {
+        double along = 0;
+        for (int32_t i = 0; i < 12; ++i)
+            along += u.row[i][j] * off[static_cast<size_t>(i)];
+        for (int32_t i = 0; i < 12; ++i)
+            off[static_cast<size_t>(i)] -= along * u.row[i][j];
+    }
+    for (size_t i = 0; i < 12; ++i)
+        b[i] += off[i];
+    ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
+    EXPECT_LT(largestDifference(found, x), 1e-13);
+    std::fill(w.begin(), w.end(), 0.0);
+    ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
+    EXPECT_EQ(found, std::vector<double>(6));
+}
+
+TEST(Svd, WhatIsNoNumberOrDoesNotFitIsRefused)
+{
+    Random random(97);
+    Matrix a = randomMatrix(random, 4, 3), wrong = randomMatrix(random, 4, 4);
+    OwnGenMat v;
+    std::vector<double> w(3), x(4);
+    EXPECT_EQ(VxMatSvd(&a, w.data(), &wrong), 1u);
+    EXPECT_EQ(VxMatSvd(&a, nullptr, &v), 1u);
+    EXPECT_EQ(VxMatSvdFBS(&a, w.data(), &wrong, x.data(), x.data()), 1u);
+    for (double bad : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+        a.row[2][1] = bad;
+        EXPECT_EQ(VxMatSvd(&a, w.data(), &v), 1u);
+        EXPECT_EQ(v.row, nullptr) << "nothing stays allocated";
+    }
+}
+
+TEST(Svd, EveryRefusedAllocationIsAFailure)
+{
+    Random random(98);
+    const Matrix a = randomMatrix(random, 6, 5);
+    std::vector<double> w(5), b(6, 1.0), x(5);
+    OwnGenMat u, v;
+    VxGenMatCopy(&a, &u);
+    refusingEachAllocation([&] {
+        VxGenMatFree(&v);
+        for (int32_t i = 0; i < 6; ++i)
+            std::copy_n(a.row[i], 5, u.row[i]);
+        uint32_t failed = VxMatSvd(&u, w.data(), &v);
+        EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0 ? 1u : 0u);
+        EXPECT_EQ(v.row == nullptr, failed != 0);
+    });
+    refusingEachAllocation([&] {
+        uint32_t failed = VxMatSvdFBS(&u, w.data(), &v, b.data(), x.data());
+        EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0 ? 1u : 0u);
+    });
+}
