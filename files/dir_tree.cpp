@@ -22,11 +22,6 @@ struct Identity {
     bool operator==(const Identity &) const = default;
 };
 
-bool statusOf(const std::string &path, os::FileStatus &status) noexcept
-{
-    return os::fileStatus(path.c_str(), status) == os::Error::none;
-}
-
 bool isFolder(const os::FileStatus &status) noexcept
 {
     return (status.mode & typeMask) == folderType;
@@ -36,16 +31,6 @@ bool isFolder(const os::FileStatus &status) noexcept
 class TreeCopy {
 public:
     TreeCopy(bool overwrite, Identity target) : overwrite_(overwrite) { around_.push_back(target); }
-
-    /** Copy what is in a folder into another that exists. */
-    bool contents(const std::string &from, const std::string &to)
-    {
-        std::vector<Entry> entries;
-        bool whole = readFolder(from.c_str(), entries);
-        for (const Entry &entry : entries)
-            whole &= item(inFolder(from, entry.name), inFolder(to, entry.name));
-        return whole;
-    }
 
     /** Copy a folder with all in it, unless it is one of those around it, to which a link led. */
     bool folder(const std::string &from, const os::FileStatus &status, const std::string &to)
@@ -63,12 +48,23 @@ public:
     }
 
 private:
-    bool item(const std::string &from, const std::string &to)
+    /** Copy what is in a folder into another that exists. */
+    bool contents(const std::string &from, const std::string &to)
+    {
+        std::vector<Entry> entries;
+        bool whole = readFolder(from.c_str(), entries);
+        for (const Entry &entry : entries)
+            whole &= item(entry, inFolder(from, entry.name), inFolder(to, entry.name));
+        return whole;
+    }
+
+    bool item(const Entry &entry, const std::string &from, const std::string &to)
     {
         os::FileStatus status;
+        os::Error error = os::fileStatus(from.c_str(), status);
         // A link to nothing, or gone since it was listed.
-        if (!statusOf(from, status))
-            return true;
+        if (error != os::Error::none)
+            return entry.link || error == os::Error::notFound;
         if (isFolder(status))
             return folder(from, status, to);
         if (!overwrite_ && VxFileExists(to.c_str()))

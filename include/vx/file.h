@@ -279,7 +279,7 @@ VX_API uint32_t VxFileUniqueName2(const char *dir, const char *pattern, char *ou
  */
 VX_API uint32_t VxFileTemp(const char *path, int32_t size, char *out);
 
-/** Open a new file in the system's folder for such, mode "w+b", that is deleted when it is closed; or null. */
+/** Open a new file in the system's temporary folder, mode "w+b", that is deleted when closed; or null. */
 VX_API FILE *VxFileTmp(void);
 
 /* ---------------------------------------------------------------- extensions */
@@ -291,10 +291,13 @@ VX_API FILE *VxFileTmp(void);
  */
 VX_API const char *VxFileExt(const char *name);
 
-/** Whether the extension is one of the product's, ignoring case: VgViewerExt, VgHK..., VgVXExt (vx/tools.h). */
+/**
+ * Whether the extension is one of the product's, ignoring case: VgViewerExt,
+ * VgHKExt, VgVXExt, VgHKPrtExt or VgHKDrwExt (vx/tools.h).
+ */
 VX_API int32_t VxFileValidExt(const char *name);
 
-/** Whether it is VgViewerExt, ignoring case. */
+/** Whether the extension is VgViewerExt, ignoring case. */
 VX_API int32_t VxFileValidExt_Viewer(const char *name);
 
 /**

@@ -233,7 +233,7 @@ enum HandleMode : uint32_t {
     createNew = 0x10, ///< fail with `exists` when there is one; else an existing file is opened
 };
 
-/** Open a file, held as openFile() holds it. Folders are refused; without an access it is that for reading. */
+/** Open a file, held as openFile() holds it; to read it where no access is named. Folders are refused. */
 Error openHandle(const char *path, uint32_t mode, Handle &out) noexcept;
 
 /** Close it, in any case, and forget it; the error is that of writing late. */

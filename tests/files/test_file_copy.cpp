@@ -30,6 +30,13 @@ size_t entries(const fs::path &path)
     return static_cast<size_t>(std::distance(fs::directory_iterator(path), {}));
 }
 
+/** A name on another device than the temporary folder's, as far as there is one. */
+fs::path elsewhere()
+{
+    fs::path device = fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path();
+    return device / ("vx-away-" + std::to_string(getpid()));
+}
+
 TEST_F(FileCopy, CopiesKeepTimesAndPermissions)
 {
     folder.write("a", "text");
@@ -150,15 +157,21 @@ TEST_F(FileCopy, CleaningWritesTheFileAnewAndKeepsTheOldOne)
     EXPECT_THAT(errors(), ElementsAre("Unable to clean the file none.",
                                       "Unable to replace the file " + longest + " by its cleaned copy."));
     EXPECT_EQ(entries("."), 4u);
+
+    // Between two devices there are no second names, and the old content is copied.
+    const fs::path away = elsewhere();
+    std::ofstream(away) << "text";
+    fs::create_symlink(away, "link");
+    EXPECT_EQ(VxFileClean("link"), 0u);
+    EXPECT_EQ(folder.read("link.bak") + folder.read("link"), "texttext");
+    fs::remove(away);
 }
 
 // Whatever is refused: no content is lost, none is mixed, and no new file stays beside it.
 TEST_F(FileCopy, ARefusalAnywhereLeavesTheOldOrTheNewContent)
 {
     const std::string source(100'000, 's');
-    const fs::path away =
-        (fs::exists("/dev/shm") ? "/dev/shm" : folder.native().parent_path()) /
-        ("vx-move-" + std::to_string(getpid())); // on another device, as far as there is one
+    const fs::path away = elsewhere();
     std::string awayText = away.string();
     VxPathCheck(awayText.data());
     const struct {

@@ -54,13 +54,6 @@ TEST_F(Folders, OneIsMadeOrAllOfAChain)
     EXPECT_EQ(VxDirsMk("x\\y/z"), 0u);
     EXPECT_TRUE(fs::is_directory("x/y/z"));
     EXPECT_THAT(errors(), ElementsAre());
-    uint32_t result = 0;
-    test::eachRefusal(
-        fault::Kind::verb, "makeDirectory", [&] { result = VxDirMk("n"); },
-        [&](bool refused) {
-            EXPECT_EQ(result, refused ? 1u : 0u);
-            EXPECT_EQ(fs::exists("n"), !refused);
-        });
 }
 
 TEST_F(Folders, ListsAreInOrderIgnoringCaseAndToldApart)
@@ -72,15 +65,13 @@ TEST_F(Folders, ListsAreInOrderIgnoringCaseAndToldApart)
     EXPECT_THAT(listed(VxFileList, ".", "*.TXT"), ElementsAre("A.TXT", "a.txt", "b.txt"));
     EXPECT_THAT(listed(VxFileList, ".", "*"), ElementsAre("A.TXT", "a.txt", "b.txt", "c.prt"));
     EXPECT_THAT(listed(VxFileGlob, ".\\", "[c-e]*", nullptr, nullptr), ElementsAre("c.prt", "D.d", "e"));
-    struct Seen {
-        std::string names;
-    } seen;
+    std::string seen;
     auto filter = [](const char *dir, const char *name, void *context) -> int32_t {
-        static_cast<Seen *>(context)->names += dir + std::string(name) + " ";
+        *static_cast<std::string *>(context) += dir + std::string(name) + " ";
         return name[0] == 'D';
     };
     EXPECT_THAT(listed(VxFileGlob, "./", "*.*", filter, &seen), ElementsAre("D.d"));
-    EXPECT_EQ(seen.names, "./A.TXT ./a.txt ./b.txt ./c.prt ./D.d ");
+    EXPECT_EQ(seen, "./A.TXT ./a.txt ./b.txt ./c.prt ./D.d ");
     EXPECT_THAT(listed(VxFileList, "D.d", "*.y"), ElementsAre());
     EXPECT_THAT(listed(VxFileList, "none", "*"), ElementsAre("(none)"));
     EXPECT_THAT(listed(VxDirList, "b.txt"), ElementsAre("(none)"));
@@ -259,7 +250,7 @@ TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
             kind, nullptr, [&] { result = VxDirCpy("d", "copy"); },
             [&](bool refused) {
                 EXPECT_TRUE(refused || result == 0);
-                EXPECT_TRUE(result == 1 || fs::exists("copy/a/b/f") || refused);
+                EXPECT_TRUE(result == 1 || (fs::exists("copy/a/b/f") && fs::exists("copy/c/f")));
                 fs::remove_all("copy");
             });
     }

@@ -15,6 +15,7 @@
 #include "platform/os/posix/native_call.h"
 #include "platform/os/posix/replace.h"
 #include "platform/os/posix/status.h"
+#include "platform/os/posix/write_all.h"
 
 namespace vx::os {
 
@@ -64,21 +65,6 @@ ssize_t readSome(int file, void *bytes, size_t size, off_t offset) noexcept
     return n;
 }
 
-bool writeAll(int file, const char *bytes, size_t size, off_t offset) noexcept
-{
-    while (size > 0) {
-        ssize_t n = pwrite(file, bytes, size, offset);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return false;
-        bytes += n;
-        offset += n;
-        size -= static_cast<size_t>(n);
-    }
-    return true;
-}
-
 /** Whether the kernel will not copy between these two files itself. */
 bool copiedByHand(int code) noexcept
 {
@@ -117,6 +103,7 @@ Error openHandle(const char *path, uint32_t mode, Handle &out) noexcept
 
 Error closeHandle(Handle &handle) noexcept
 {
+    // Also where a test refuses it, since nobody can close it later.
     int file = descriptorOf(handle);
     handle = Handle{};
     int result = close(file);
@@ -194,6 +181,8 @@ Error copyTimesAndPermissions(Handle from, Handle to) noexcept
 
 Error beginReplacement(const char *path, Replacement &out) noexcept
 {
+    out.file = out.old = Handle{};
+    out.name[0] = '\0';
     VX_OS_VERB("beginReplacement");
     return withNative(path, [&](const char *name) { return beginNative(name, out); });
 }

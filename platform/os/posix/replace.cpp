@@ -15,6 +15,7 @@
 
 #include "platform/os/posix/descriptor.h"
 #include "platform/os/posix/locks.h"
+#include "platform/os/posix/write_all.h"
 
 namespace vx::os {
 
@@ -106,20 +107,6 @@ bool begin(const char *name, Replacement &out) noexcept
     return takePermissions(out.old, file);
 }
 
-bool writeAll(int file, const char *bytes, size_t size) noexcept
-{
-    while (size > 0) {
-        ssize_t written = write(file, bytes, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return false;
-        bytes += written;
-        size -= static_cast<size_t>(written);
-    }
-    return true;
-}
-
 /** Have the names of the folder of `name` on the device; a folder that cannot be asked is let be. */
 void syncFolderOf(const char *name) noexcept
 {
@@ -173,8 +160,7 @@ int replaceNative(const char *name, const void *bytes, size_t size) noexcept
     if (beginNative(name, replacement) != 0)
         return -1;
     int file = static_cast<int>(replacement.file.value);
-    bool done =
-        writeAll(file, static_cast<const char *>(bytes), size) && commitNative(replacement, true) == 0;
+    bool done = writeAll(file, bytes, size, 0) && commitNative(replacement, true) == 0;
     dropReplacement(replacement);
     return done ? 0 : -1;
 }
