@@ -100,6 +100,8 @@ bool keepAs(const char *name, os::Handle content, const char *backup) noexcept
 
 bool Successor::fillFrom(os::Handle source) noexcept
 {
+    // Before there is anything in it, too: who may not read the file may not read its copy meanwhile.
+    os::copyTimesAndPermissions(source, replacement_.file);
     if (!copyAll(source, replacement_.file, 0))
         return false;
     os::Error error = os::copyTimesAndPermissions(source, replacement_.file);
