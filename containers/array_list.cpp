@@ -186,7 +186,7 @@ bool resizeBlock(VxList &list, int64_t bytes)
     return true;
 }
 
-/** More slots in the one block. Above a page it gets room for further ones, else each growth would copy it. */
+/** More slots in the one block. Above a page it gets room for others, else each growth would copy it. */
 uint32_t growBlock(VxList &list, int32_t extra)
 {
     int64_t had = int64_t{list.capacity} * list.elemSize;

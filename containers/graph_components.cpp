@@ -108,6 +108,7 @@ bool readEdges(VxGraph &graph, Flat &flat)
 /** The nodes and their edges, in the order of their lists. */
 bool readNodes(VxGraph &graph, Flat &flat)
 {
+    bool valid = true;
     Runs<Way> &ways = flat.ways;
     flat.live.resize(at(flat.nodes));
     ways.first.reserve(at(flat.nodes) + 1);
@@ -121,16 +122,14 @@ bool readNodes(VxGraph &graph, Flat &flat)
         VxList *list = node->edges;
         if (!holds<int32_t>(list))
             return false;
-        for (int32_t j = 0; j < list->count; ++j) {
-            int32_t edge = *recordAt<int32_t>(list, j);
-            if (edge < none || edge >= flat.edges)
-                return false;
+        forEach<int32_t>(*list, [&](int32_t, int32_t edge) {
+            valid = valid && edge >= none && edge < flat.edges;
             if (edge != none)
                 ways.items.push_back({none, edge});
-        }
+        });
     }
     ways.first.push_back(static_cast<int32_t>(ways.items.size()));
-    return true;
+    return valid;
 }
 
 /** Where the ways lead: a pass of its own, in which the processor looks up many edges at once. */

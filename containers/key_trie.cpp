@@ -70,14 +70,10 @@ bool KeyTrie::widen()
         return true;
     }
     auto wide = static_cast<Cell *>(VxMemZero(block, bytes));
-    uint32_t done = 0;
-    while (done < cells && spread(table_[done], wide + done))
-        ++done;
-    bool complete = done == cells;
-    for (uint32_t i = 0; !complete && i <= done; ++i)
-        for (uint32_t j = 0; j < 16 && !isBranch(table_[i]); ++j)
-            giveBackBlock(wide[i + j * cells]);
-    if (!complete) {
+    for (uint32_t done = 0; done < cells; ++done) {
+        if (spread(table_[done], wide + done))
+            continue;
+        takeBack(wide, done + 1);
         VxMemFree(&block);
         return false;
     }
@@ -109,6 +105,14 @@ bool KeyTrie::spread(Cell cell, Cell *first)
             return false;
     }
     return true;
+}
+
+/** Give back the buckets that spread() made for the first cells of the table. */
+void KeyTrie::takeBack(const Cell *wide, uint32_t cells) noexcept
+{
+    for (uint32_t i = 0; i < cells; ++i)
+        for (uint32_t j = 0; j < 16 && !isBranch(table_[i]); ++j)
+            giveBackBlock(wide[i + j * (mask_ + 1)]);
 }
 
 /** Give back a cell's branch or bucket, whose nodes are elsewhere. */

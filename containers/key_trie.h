@@ -124,6 +124,7 @@ private:
 
     bool widen();
     bool spread(Cell cell, Cell *first);
+    void takeBack(const Cell *wide, uint32_t cells) noexcept;
     void giveBackBlock(Cell cell) noexcept;
     void giveBackTable() noexcept;
     Cell *cellFor(int32_t key, uint32_t &shift) noexcept;

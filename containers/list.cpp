@@ -38,7 +38,7 @@ inline void *elementNear(const VxList &list, int32_t index) noexcept
     return list.layout == keyed ? keyedElement(list, index) : nullptr;
 }
 
-/** VxListGetPtr where there is more to it: kept apart, since what it saves would be saved for every element. */
+/** VxListGetPtr where there is more to it; inside, it would have each look-up save registers. */
 [[gnu::noinline]] uint32_t getPtr(VxList *list, int32_t index, void **ptr)
 {
     if (!ptr)

@@ -112,8 +112,8 @@ TEST(Sort, insertsFindsAndDeletesAsAVectorDoes)
         int32_t keys = 1 + static_cast<int32_t>(random() % 20);
         for (int32_t step = 0; step < 60; ++step) {
             Record record{static_cast<int32_t>(random()) % keys, step};
-            bool known = std::any_of(model.begin(), model.end(),
-                                     [&](Record r) { return r.key == record.key; });
+            bool known =
+                std::any_of(model.begin(), model.end(), [&](Record r) { return r.key == record.key; });
             void *found = nullptr;
             EXPECT_EQ(VxSortFind(table.data(), table.count, sizeof record, &record, byKey, &found), known);
             EXPECT_EQ(found != nullptr, known);
@@ -155,9 +155,9 @@ TEST(Sort, deletionIsToldOfTheRecordOnceWhileItStands)
                   0);
         EXPECT_EQ(witness.calls, 1);
         key.key = 5;
-        EXPECT_EQ(remove(table.data(), &table.count, sizeof key, &key, byKeyWithContext, nullptr, context,
-                         nullptr),
-                  1);
+        EXPECT_EQ(
+            remove(table.data(), &table.count, sizeof key, &key, byKeyWithContext, nullptr, context, nullptr),
+            1);
         EXPECT_THAT(table.held(), ElementsAre(Record{1, 10}));
     }
 }
