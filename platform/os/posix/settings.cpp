@@ -26,12 +26,19 @@ namespace {
 
 constexpr std::string_view machinePrefix = "HKEY_LOCAL_MACHINE\\";
 
+Error fail(int code) noexcept
+{
+    errno = code;
+    return errorOf(code);
+}
+
+/** Empty for a user without a home. */
 std::string fileName()
 {
     if (const char *named = std::getenv("VX_REGISTRY_FILE"); named && *named)
         return named;
     const char *home = std::getenv("HOME");
-    return std::string(home ? home : "") + "/.config/vx/registry.ini";
+    return home && *home ? std::string(home) + "/.config/vx/registry.ini" : std::string();
 }
 
 /** The whole file; an absent one is empty. */
@@ -64,6 +71,8 @@ Error makeFolders(const std::string &name)
 
 Error update(const std::string &name, std::string_view key, std::string_view setting, std::string_view value)
 {
+    if (name.empty())
+        return fail(ENOENT);
     if (Error error = makeFolders(name); error != Error::none)
         return error;
     // A file of its own, since the store itself is replaced while it is held.
@@ -91,12 +100,6 @@ template <typename Body> Error guarded(Body body) noexcept
         errno = ENOMEM;
         return Error::noMemory;
     }
-}
-
-Error fail(int code) noexcept
-{
-    errno = code;
-    return errorOf(code);
 }
 
 }
