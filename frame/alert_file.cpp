@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "text/codepage.h"
+#include "text/str_case.h"
 #include "vx/lang.h"
 
 namespace vx::frame {
@@ -12,11 +13,6 @@ namespace vx::frame {
 namespace {
 
 constexpr size_t maxLine = 255;
-
-char lower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 std::string_view skipBlanks(std::string_view text) noexcept
 {
@@ -45,7 +41,7 @@ bool beginsWithTag(std::string_view line, std::string_view tag) noexcept
 {
     return !tag.empty() && line.size() >= tag.size() &&
            std::equal(tag.begin(), tag.end(), line.begin(),
-                      [](char a, char b) { return lower(a) == lower(b); });
+                      [](char a, char b) { return text::lowerAscii(a) == text::lowerAscii(b); });
 }
 
 bool parseAlertLine(std::string_view line, std::string_view tag, AlertEntry &entry) noexcept

@@ -118,6 +118,11 @@ TEST_F(Settings, WithoutAFileOfItsOwnTheStoreLiesInTheUsersHome)
     EXPECT_EQ(get("k", "n"), "(none)");
     EXPECT_EQ(set("k", "n", "x"), os::Error::none);
     EXPECT_EQ(folder.read(".config/vx/registry.ini"), "[k]\nn=x\n");
+    for (const char *noHome : {"", static_cast<const char *>(nullptr)}) {
+        test::Environment homeless("HOME", noHome);
+        EXPECT_EQ(set("k", "n", "x"), os::Error::notFound);
+        EXPECT_EQ(get("k", "n"), "(none)");
+    }
 }
 
 TEST_F(Settings, ProcessesThatWriteAtOnceKeepEachOthersValues)

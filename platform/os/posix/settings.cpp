@@ -27,16 +27,19 @@ namespace {
 
 constexpr std::string_view machinePrefix = "HKEY_LOCAL_MACHINE\\";
 
+/** Empty for a user without a home. */
 std::string fileName()
 {
     if (const char *named = std::getenv("VX_REGISTRY_FILE"); named && *named)
         return named;
     const char *home = std::getenv("HOME");
-    return std::string(home ? home : "") + "/.config/vx/registry.ini";
+    return home && *home ? std::string(home) + "/.config/vx/registry.ini" : std::string();
 }
 
 Error update(const std::string &name, std::string_view key, std::string_view setting, std::string_view value)
 {
+    if (name.empty())
+        return fail(ENOENT);
     if (Error error = makeFolders(name); error != Error::none)
         return error;
     // A file of its own, since the store itself is replaced while it is held.
