@@ -4,7 +4,7 @@ build_packages=(g++ cmake ninja-build git ca-certificates pkg-config zlib1g-dev 
 test_packages=(libgtest-dev libgmock-dev python3 binutils locales)
 check_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libmimalloc-dev libmuparser-dev libabsl-dev libspdlog-dev libocct-foundation-dev
-    libeigen3-dev libopenblas-dev)
+                libeigen3-dev libopenblas-dev liblapack-dev)
 
 # need_packages PACKAGE...: make sure that these are installed, or end with a message
 need_packages()

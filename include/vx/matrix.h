@@ -148,6 +148,12 @@ VX_API uint32_t SolvLinSystem(uint32_t form, int32_t n, const void *matrix, int3
 VX_API uint32_t SolvFullMatSys(int32_t n, const VxGenMat *matrix, int32_t count, double **rhs,
                                double **solutions);
 
+/**
+ * Solve with a symmetric band matrix of semi-bandwidth band->width - 1, which
+ * stays as it is: for n < 5 by the inverse of the full matrix, else by L D L'
+ * without exchanges, as VxMatBandGetLS. Right-hand sides are worked on
+ * together; each solution has the bits that it would have alone.
+ */
 VX_API uint32_t SolvBandMatSys(int32_t n, int32_t semi, const VxBndMat *band, int32_t count, double **rhs,
                                double **solutions);
 
@@ -262,24 +268,112 @@ VX_API uint32_t VxMatGetXpose(const VxGenMat *a, VxGenMat *transposed);
 /** The product a b; allocated where product->row is null, else of the right shape and neither operand. */
 VX_API uint32_t VxMatMult(const VxGenMat *a, const VxGenMat *b, VxGenMat *product);
 
-/* ---------------------------------------------------------------- band factorisations */
+/* ---------------------------------------------------------------- band factorisations
+ *
+ * Two families. Symmetric bands are factorised as L D L' without exchanging
+ * rows: quick, and stable for definite matrices and for those with a dominant
+ * diagonal. Others may meet a small pivot and lose digits, or fail although
+ * they are regular.
+ *
+ * General bands, with `lower` diagonals below the main one and `upper` above,
+ * stand in a VxGenMat of n rows and lower + upper + 1 columns: element (i, j)
+ * is row[i][lower + j - i]. Places outside the matrix hold 0. Elimination
+ * exchanges rows, which brings in elements further right; it takes `lower`
+ * more columns, all 0 at first.
+ */
 
+/**
+ * Factorise a symmetric band matrix in place: row[i][0] becomes the pivot
+ * D(i), row[i][k] the multiplier L(i + k, i). What SolvBandMatSys does first.
+ */
 VX_API uint32_t VxMatBandGetLS(VxBndMat *band, int32_t n, int32_t semi);
+
+/** Solve with what VxMatBandGetLS left; x may be b. */
 VX_API uint32_t VxMatBandFBS(const VxBndMat *factor, int32_t n, int32_t semi, const double *b, double *x);
+
+/**
+ * The band of a general matrix; elements outside it are dropped.
+ *
+ * @param lower, upper  0 to n - 1
+ * @param band          allocated where band->row is null, else of the right shape
+ */
 VX_API uint32_t VxMatBandMk(const VxGenMat *full, int32_t n, int32_t lower, int32_t upper, VxGenMat *band);
+
+/**
+ * VxMatBandMk with the room that VxMatBandPvtLuD needs: 2 lower + upper + 1
+ * columns.
+ *
+ * @param pivot  receives 0 to n - 1: nothing exchanged
+ */
 VX_API uint32_t VxMatBandMkPvt(const VxGenMat *full, int32_t n, int32_t lower, int32_t upper,
                                VxGenMat *band, int32_t *pivot);
+
+/**
+ * The row, from `column` down to `lower` below it, with the largest magnitude
+ * in a column; the later of equal ones. 1 when even that counts as zero.
+ */
 VX_API uint32_t VxMatBandGetPvt(const VxGenMat *band, int32_t n, int32_t column, int32_t lower,
                                 int32_t *pivotRow);
+
+/**
+ * Factorise in place what VxMatBandMkPvt made, with the pivots of
+ * VxMatBandGetPvt. The upper factor, with up to lower + upper elements right
+ * of the diagonal, takes its own place, the multipliers theirs left of it, not
+ * moved by later exchanges.
+ *
+ * @param pivot  receives the row that each row in turn was exchanged with:
+ *               other than elsewhere, not a permutation
+ */
 VX_API uint32_t VxMatBandPvtLuD(VxGenMat *band, int32_t n, int32_t lower, int32_t upper, int32_t *pivot);
+
+/** Solve with what VxMatBandPvtLuD left; x may be b. */
 VX_API uint32_t VxMatBandPvtFBS(const VxGenMat *band, int32_t n, int32_t lower, int32_t upper,
                                 const int32_t *pivot, const double *b, double *x);
+
+/**
+ * Solve with three diagonals, without exchanging rows.
+ *
+ * @param lower  n elements: lower[i] stands left of diag[i]; lower[0] is not read
+ * @param upper  n elements: upper[i] stands right of diag[i]; the last is not read
+ * @param x      may be rhs
+ * @return 1 too when a pivot, the first diagonal element to begin with, counts as zero
+ */
 VX_API uint32_t VxMatSolvTriDag(int32_t n, const double *lower, const double *diag, const double *upper,
                                 const double *rhs, double *x);
 
 /* ---------------------------------------------------------------- singular values */
 
+/**
+ * The singular value decomposition a = U W V', for any shape.
+ *
+ * Reflections make the matrix bidiagonal, with one pass through it for each
+ * column (G. Howell, J. Demmel, C. Fulton, S. Hammarling, K. Marmol: Cache
+ * efficient bidiagonalization using BLAS 2.5 operators). Implicit QR sweeps
+ * make that diagonal (G. Golub, C. Reinsch: Singular value decomposition and
+ * least squares solutions), without a shift where that would spoil small values
+ * (J. Demmel, W. Kahan: Accurate singular values of bidiagonal matrices). An
+ * element above the diagonal counts as zero when it is not larger than
+ * 2.2e-16 times the sum of the two values beside it.
+ *
+ * @param a  m x n; becomes U, whose columns are orthonormal. For m < n the last
+ *           n - m columns become 0.
+ * @param w  receives n values, none negative, from the largest down; for m < n
+ *           the last n - m are 0
+ * @param v  receives V, n x n and orthogonal; allocated where v->row is null,
+ *           else of the right shape
+ * @return 0, or 1 also for an element that is infinite or not a number, and
+ *         when the values do not settle in 30 sweeps for each
+ */
 VX_API uint32_t VxMatSvd(VxGenMat *a, double *w, VxGenMat *v);
+
+/**
+ * Solve with what VxMatSvd left. Of the x that make |a x - b| least, it is the
+ * shortest: values up to 1e-12 times the largest count as zero, so a singular
+ * or non-square matrix is no failure.
+ *
+ * @param b  m elements
+ * @param x  n elements; may be b where there is room for both
+ */
 VX_API uint32_t VxMatSvdFBS(const VxGenMat *u, const double *w, const VxGenMat *v, const double *b,
                             double *x);
 

@@ -294,16 +294,15 @@ TEST(CooMatrix, LosesNothingWhenMemoryIsRefused)
         fault::Kind::allocation, nullptr,
         [&] {
             matrix = CooMatrix();
-            insert(matrix, {{1, 0, 2}, {2, 0, 3}, {0, 0, 1}});
             try {
+                insert(matrix, {{1, 0, 2}, {2, 0, 3}, {0, 0, 1}});
                 matrix.Mirror();
             } catch (const std::bad_alloc &) {
                 thrown = true;
             }
         },
         [&](bool refused) {
-            if (!refused)
-                EXPECT_EQ(matrix.Size(), 5);
+            EXPECT_TRUE(refused || matrix.Size() == 5);
         });
 }
 
