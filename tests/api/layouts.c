@@ -7,6 +7,7 @@
 #include "vx/graph.h"
 #include "vx/id.h"
 #include "vx/intset.h"
+#include "vx/matrix.h"
 #include "vx/parse.h"
 #include "vx/path.h"
 #include "vx/pool.h"
@@ -90,6 +91,12 @@ AT(VxDirEnt, name, 19);
 
 AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);
+SIZE(VxGenMat, 16);
+AT(VxGenMat, row, 8);
+SIZE(VxSymMat, 16);
+AT(VxSymMat, row, 8);
+SIZE(VxBndMat, 16);
+AT(VxBndMat, row, 8);
 
 AT(VxPathNode, next, 256);
 
