@@ -35,11 +35,8 @@
 
 #include "vx/types.h"
 
-#if defined(_WIN32) && !defined(_WIN64)
-#define VX_STDCALL __stdcall
-#else
+/** How the system calls the function that a thread begins with; 64-bit systems know only one way. */
 #define VX_STDCALL
-#endif
 
 VX_C_BEGIN
 

@@ -58,11 +58,11 @@ struct Span {
     bool found() const noexcept { return end > begin; }
 };
 
-/** The start tag at `begin`, to behind its ">"; quotes may hold such. */
+/** The start tag at `begin`, to behind its ">"; quotes may hold such, but no "<". */
 Span tagAt(std::string_view list, size_t begin) noexcept
 {
     char quote = '\0';
-    for (size_t i = begin; i < list.size(); ++i) {
+    for (size_t i = begin; i < list.size() && (i == begin || list[i] != '<'); ++i) {
         if (quote)
             quote = list[i] == quote ? '\0' : quote;
         else if (list[i] == '"' || list[i] == '\'')
@@ -156,7 +156,7 @@ void noteInBookmark(std::string &list, Span bookmark, const RecentUse &use)
     if (application.found())
         countUse(list, application, use);
     else if (end < bookmark.end)
-        list.insert(list.rfind('\n', end) + 1, applicationText(use));
+        list.insert(list.find_last_not_of(" \t", end - 1) + 1, applicationText(use));
     setAttribute(list, bookmark.begin, "modified", use.time);
     setAttribute(list, bookmark.begin, "visited", use.time);
 }
@@ -167,7 +167,7 @@ size_t endOf(std::string_view list) noexcept
     size_t end = list.rfind(listEnd);
     bool whole = end != list.npos && list.find_first_not_of(" \t\r\n", end + listEnd.size()) == list.npos;
     size_t start = list.find("<xbel");
-    return whole && start < end && tagAt(list, start).end <= end ? end : list.npos;
+    return whole && start < end && tagAt(list, start).found() ? end : list.npos;
 }
 
 }

@@ -99,6 +99,17 @@ TEST_F(Recent, WhatOthersNotedStays)
     EXPECT_EQ(count(list, "count=\"1\""), 2u) << list;
 }
 
+TEST_F(Recent, AListInOneLineStaysWellFormed)
+{
+    std::string list = "<xbel><bookmark href=\"a\"><bookmark:applications></bookmark:applications></bookmark>"
+                       "<bookmark href=\"b\"/></xbel>";
+    for (const char *uri : {"a", "b", "c", "b"})
+        EXPECT_TRUE(os::noteRecentUse(list, {uri, "app", "cmd", "time"}));
+    EXPECT_TRUE(isWellFormed(list)) << list;
+    EXPECT_EQ(count(list, "<bookmark:application "), 3u);
+    EXPECT_EQ(count(list, "count=\"2\""), 1u);
+}
+
 TEST_F(Recent, AListThatIsNoneIsNotTouched)
 {
     for (const char *bad :

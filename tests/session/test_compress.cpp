@@ -182,6 +182,20 @@ TEST_F(Compress, ExpansionIsThatOfSingleBytesWhateverRoomThereIs)
     }
 }
 
+TEST_F(Compress, TenMegabytesGoThereAndBack)
+{
+    std::mt19937 random(seed + 4);
+    Bytes source = textOf(1 << 20, random), noise = noiseOf(5 << 20, random);
+    source.insert(source.end(), noise.begin(), noise.end());
+    source.resize(10 << 20);
+    std::vector<intptr_t> progress;
+    auto out = compressed(source);
+    ASSERT_TRUE(out);
+    EXPECT_TRUE(out == test::deflateOneByte(source, progress));
+    EXPECT_EQ(progressSeen, progress);
+    EXPECT_TRUE(expanded(*out, static_cast<int32_t>(source.size())) == source);
+}
+
 TEST_F(Compress, TruncatedInputGivesWhatSingleBytesGiveAtEveryLength)
 {
     for (const Bytes &source : smallSources()) {
