@@ -254,6 +254,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 {
     if (!usage || !isArea(index))
         return 1;
+    mergeWaiting();
     const AreaState &area = stateOf(index);
     *usage = {"", area.requests, area.frees, area.bytes, area.peakBytes, area.grossBytes, 0, 0};
     VxStrCpy(usage->name, area.name, sizeof usage->name);
@@ -266,6 +267,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 
 void VxHpStatistics(int32_t on)
 {
+    mergeWaiting();
     manager().statistics = on != 0;
 }
 

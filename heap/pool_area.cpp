@@ -88,6 +88,7 @@ void clearArea(int32_t index)
     entryOf(index) = VxHsmArea{};
     stateOf(index) = AreaState{};
     stateOf(index).heads = payloadOf(headLink(index, 0));
+    stateOf(index).headsLink = headLink(index, 0);
     stateOf(index).index = index;
     stateOf(index).tag = areaTag - index;
 }

@@ -32,6 +32,7 @@ struct AreaState {
     uint64_t mayHave = 0;    ///< bit k: list k may have a block; clear: it has none
     Carving carving;
     int32_t index = 0;
+    Link headsLink = nullLink; ///< names the first of them
     int32_t tag = areaTag; ///< the trailer of its blocks
     int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
     uint32_t chunks = 0;       ///< the first of its chunks

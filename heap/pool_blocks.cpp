@@ -2,9 +2,11 @@
 // each block stands in this file, so that the compiler sees it whole.
 //
 // With many blocks alive the time goes into cache misses, and into branches
-// that nobody can foretell: whether a neighbour is free. So a block that is
-// given back touches its own two lines and those that its neighbours' lists
-// need, and merges without asking: an absent neighbour is a block of no bytes.
+// that nobody can foretell: whether a neighbour is free. So a block merges
+// without asking, as an absent neighbour is a block of no bytes; and blocks of
+// large areas wait until there is a group of them, of which everything that
+// merging touches is fetched at once. Whoever looks at an area has them merged
+// first, and while misuse is reported none waits.
 
 #include <algorithm>
 #include <bit>
@@ -67,7 +69,7 @@ inline void pushFree(AreaState &area, Link self, Payload p, int32_t payload)
     Payload head = headOf(area, list);
     Link next = nextOf(head);
     setNext(p, next);
-    setBack(p, headLink(area.index, list));
+    setBack(p, area.headsLink + static_cast<Link>(list));
     setBack(payloadOf(next), self);
     setNext(head, self);
     area.mayHave |= uint64_t{1} << list;
@@ -114,7 +116,7 @@ inline Chosen takeFirst(AreaState &area, int32_t list, int32_t payload)
         return {};
     Link next = nextOf(p);
     setNext(head, next);
-    setBack(payloadOf(next), headLink(area.index, list));
+    setBack(payloadOf(next), area.headsLink + static_cast<Link>(list));
     area.mayHave &= ~(uint64_t{next == nullLink} << list);
     int32_t gross = payload + tagBytes;
     if (int32_t rest = list * unitBytes - gross; rest > 0)
@@ -209,11 +211,17 @@ Link searchLargeList(const AreaState &area, int32_t payload)
     return fit;
 }
 
+Chosen choose(AreaState &area, int32_t payload);
+
 /** @throw VX::VxException without a chunk */
 Chosen fromLargeList(AreaState &area, int32_t payload)
 {
     Link self = searchLargeList(area, payload);
     int32_t gross = payload + tagBytes;
+    if (!self && manager().waiting.count) {
+        mergeWaiting(); // there may be room yet
+        return choose(area, payload);
+    }
     if (!self) {
         // Room for this block and for a smallest one behind it.
         self = addChunk(area, int64_t{gross} + minGross);
@@ -235,7 +243,7 @@ Chosen fromLargeList(AreaState &area, int32_t payload)
     return {p, self};
 }
 
-/** A zeroed small block, which needs neither a call nor a search. */
+/** A zeroed small block that needs neither a call nor a search. */
 inline Chosen chooseSmall(AreaState &area, int32_t payload)
 {
     Chosen chosen = fromExactLists(area, payload);
@@ -377,6 +385,14 @@ void leaveOut(const AreaState &area, Neighbour &damaged)
 {
     complain(&area, "a free block is overwritten", damaged.p);
     damaged = {noBlock(), 0, 0};
+}
+
+/** Fetch a block's tags, and the tags of its neighbours, unless it is a long one. */
+inline void fetchBlock(const std::byte *p)
+{
+    constexpr ptrdiff_t cacheLine = 64;
+    __builtin_prefetch(p - tagBytes, 1);
+    __builtin_prefetch(p - tagBytes + cacheLine, 1);
 }
 
 /** Fetch what merging a block will write to. What is no block is found out later. */
@@ -525,12 +541,13 @@ void VxDeleteMemObj(void *block)
     const Chunk *chunk = chunkOf(p);
     if (!chunk || all.statistics) [[unlikely]]
         return giveBack(p);
-    if (chunk->area->chunkCount < manyChunks || all.checking)
+    if (chunk->area->chunkCount < manyChunks || all.checking) {
+        if (all.waiting.count) [[unlikely]]
+            mergeWaiting();
         return mergeNow(*chunk, p);
-    __builtin_prefetch(p - tagBytes, 1);
-    __builtin_prefetch(p + 56, 1);
-    Waiting &waiting = all.waiting;
-    waiting.blocks[waiting.count++] = p;
-    if (waiting.count == Waiting::room)
+    }
+    fetchBlock(p);
+    all.waiting.blocks[all.waiting.count++] = p;
+    if (all.waiting.count == Waiting::room)
         mergeWaiting();
 }

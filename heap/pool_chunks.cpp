@@ -139,6 +139,7 @@ ChunkCode take(int64_t size, uint32_t &number)
     chunk.first = base + 2 * wordBytes;
     chunk.span = size - Chunk::outsideBytes;
     chunk.number = number;
+    chunk.firstLink = number * unitsPerPage + 1;
     setPages(chunk, base);
     tables.held += size;
     return ChunkCode::done;
