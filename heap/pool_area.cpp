@@ -93,12 +93,12 @@ void clearArea(int32_t index)
     stateOf(index).tag = areaTag - index;
 }
 
-}
+} // namespace
 
 bool isArea(int64_t index)
 {
-    return index >= 0 && index < VgNAreas && index < static_cast<int64_t>(manager().areas.size())
-           && VgAreas[index].inUse;
+    return index >= 0 && index < VgNAreas && index < static_cast<int64_t>(manager().areas.size()) &&
+           VgAreas[index].inUse;
 }
 
 void needStates(int32_t count)
@@ -191,9 +191,9 @@ void complain(const AreaState *area, const char *what, const void *p)
     if (!manager().checking)
         return;
     char line[192];
-    std::snprintf(line, sizeof line, "memory pools: %s: %s (%" PRIxPTR ")\n",
-                  area ? area->name : "no area", what, reinterpret_cast<uintptr_t>(p));
+    std::snprintf(line, sizeof line, "memory pools: %s: %s (%" PRIxPTR ")\n", area ? area->name : "no area",
+                  what, reinterpret_cast<uintptr_t>(p));
     os::debuggerOutput(line);
 }
 
-}
+} // namespace vx::heap

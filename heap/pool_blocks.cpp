@@ -139,7 +139,8 @@ inline Chosen fromExactLists(AreaState &area, int32_t payload)
     return {};
 }
 
-/** The front of the block that was carved from last, which is zero, when it still is the first of the large list. */
+/** The front of the block that was carved from last, when it still is the first of the large list and is
+ * zero. */
 inline Chosen carve(AreaState &area, int32_t payload)
 {
     Carving &carving = area.carving;
@@ -149,8 +150,8 @@ inline Chosen carve(AreaState &area, int32_t payload)
     int32_t gross = payload + tagBytes;
     int32_t rest = carving.payload - gross;
     Payload behind = p + gross;
-    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge
-        || behind + sizeof(FreeLinks) > carving.zeroTo)
+    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge ||
+        behind + sizeof(FreeLinks) > carving.zeroTo)
         return {};
     FreeLinks links = linksOf(p);
     Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
@@ -352,8 +353,7 @@ struct Leaving {
     ptrdiff_t payload;
     Neighbour before, after;
 
-    Leaving(const Chunk &chunk_, Payload p_, ptrdiff_t payload_)
-        : chunk(chunk_), p(p_), payload(payload_)
+    Leaving(const Chunk &chunk_, Payload p_, ptrdiff_t payload_) : chunk(chunk_), p(p_), payload(payload_)
     {
         ptrdiff_t place = p - chunk.first;
         ptrdiff_t has = wordAt(p - tagBytes);
@@ -419,7 +419,8 @@ inline void fetchAround(Payload p)
     const Chunk *chunk = chunkOf(p);
     BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
     if (found.found != Found::block)
-        return complain(found.area, found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
+        return complain(found.area,
+                        found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
     leave(*found.area, p, found.size, found.payload);
     Leaving block(*chunk, p, found.payload);
     if (!block.beforeIsSound())
@@ -445,7 +446,7 @@ inline void mergeNow(const Chunk &chunk, Payload p)
     giveBack(p);
 }
 
-}
+} // namespace
 
 void mergeWaiting()
 {
@@ -479,15 +480,15 @@ AreaState *areaOfPool(const void *pool)
     auto p = static_cast<const std::byte *>(pool);
     auto record = static_cast<const VxHpPool *>(pool);
     BlockInUse block = p ? inspect(p) : BlockInUse{Found::notOurs};
-    if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea
-        || record->area != block.area->index)
+    if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea ||
+        record->area != block.area->index)
         return nullptr;
     manager().lastPool = pool;
     manager().lastPoolArea = block.area;
     return block.area;
 }
 
-}
+} // namespace vx::heap
 
 using namespace vx::heap;
 
@@ -504,8 +505,8 @@ void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
     // A small block of the same pool as last time, while nobody counts.
     const StorageManager &all = manager();
     int64_t bytes = int64_t{count} * size;
-    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes && !all.statistics
-        && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
+    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes &&
+        !all.statistics && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
         AreaState &area = *all.lastPoolArea;
         auto payload = static_cast<int32_t>(grossOf(bytes) - tagBytes);
         if (Payload p = chooseSmall(area, payload).p) [[likely]]
@@ -528,8 +529,9 @@ uint32_t VxAlocSameMPool(const void *neighbour, int32_t count, int32_t size, voi
     if (!neighbour)
         return VxAlocPersHpMem(count, size, block);
     int32_t area = AskHeapSMemArea(neighbour);
-    return store(allocateOrRefuse(area < persistentArea ? nullptr : &stateOf(area), count, size, "VxAlocSameMPool"),
-                 block);
+    return store(
+        allocateOrRefuse(area < persistentArea ? nullptr : &stateOf(area), count, size, "VxAlocSameMPool"),
+        block);
 }
 
 void VxDeleteMemObj(void *block)

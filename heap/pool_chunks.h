@@ -19,11 +19,11 @@ struct AreaState;
  * of mebibytes. Its number is that of the first page it occupies.
  */
 struct alignas(64) Chunk {
-    Payload first = nullptr; ///< where the first block's payload is; null for a descriptor not in use
-    ptrdiff_t span = 0;      ///< bytes of the payload that a block from guard to guard has
+    Payload first = nullptr;   ///< where the first block's payload is; null for a descriptor not in use
+    ptrdiff_t span = 0;        ///< bytes of the payload that a block from guard to guard has
     AreaState *area = nullptr; ///< null while nobody has it
     uint32_t number = 0;
-    Link firstLink = nullLink; ///< names `first`
+    Link firstLink = nullLink;       ///< names `first`
     uint32_t next = 0, previous = 0; ///< of the same area; 0 ends
 
     int64_t size() const { return span + outsideBytes; }
@@ -102,7 +102,7 @@ extern constinit ChunkTables tables;
 // noBlock(), which is only read.
 alignas(unitBytes) extern constinit std::byte nowhere[4 * unitBytes];
 
-}
+} // namespace detail
 
 inline Chunk &chunkAt(uint32_t number)
 {
@@ -140,4 +140,4 @@ inline Payload noBlock()
     return detail::nowhere + 3 * unitBytes;
 }
 
-}
+} // namespace vx::heap

@@ -128,7 +128,8 @@ struct Course {
 class RandomRun : public Pools, public testing::WithParamInterface<Course> {};
 
 INSTANTIATE_TEST_SUITE_P(Runs, RandomRun,
-                         testing::Values(Course{20261121, true, 200, 40'000, 440}, Course{7, false, 2, 20'000, 330}));
+                         testing::Values(Course{20261121, true, 200, 40'000, 440},
+                                         Course{7, false, 2, 20'000, 330}));
 
 TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
 {
@@ -156,7 +157,7 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
         size_t what = below(1000);
         if (what < 4 && pools.size() < run.pools) {
             pools.push_back(makePool(static_cast<int32_t>(below(3000)), "run"));
-        } else if (what < 6 && (run.watched || step % 16 == 0) && !pools.empty()) {
+        } else if (what < 6 && (run.watched || step % 256 == 0) && !pools.empty()) {
             size_t which = below(pools.size());
             std::erase_if(live, [&](const auto &entry) { return entry.second.pool == pools[which]; });
             ASSERT_EQ(VxFreeHpMemPool(pools[which]), 0u);
@@ -307,8 +308,12 @@ TEST_F(Pools, RefusalsAreFiledAndChangeNothing)
         int32_t count, size;
     };
     int notAPool = 0;
-    for (auto [where, count, size] : {Case{pool, 0, 8}, {pool, 8, 0}, {pool, -1, 8}, {pool, 70'000, 70'000},
-                                      {&notAPool, 1, 8}, {nullptr, 1, 0}})
+    for (auto [where, count, size] : {Case{pool, 0, 8},
+                                      {pool, 8, 0},
+                                      {pool, -1, 8},
+                                      {pool, 70'000, 70'000},
+                                      {&notAPool, 1, 8},
+                                      {nullptr, 1, 0}})
         EXPECT_EQ(VxAlocHpMemPool(where, count, size), nullptr);
     void *block = &notAPool;
     EXPECT_EQ(VxAlocSameMPool(&notAPool, 1, 8, &block), 1u);
@@ -422,4 +427,4 @@ TEST_F(Pools, StatisticsTellWhereMemoryWent)
     EXPECT_EQ(VxHpAreaUsage(-1, &usage), 1u);
 }
 
-}
+} // namespace
