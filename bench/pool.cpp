@@ -167,4 +167,4 @@ const bool registered = [] {
     return true;
 }();
 
-} // namespace
+}

@@ -110,7 +110,7 @@ bool alignmentIsMet()
     return false;
 }
 
-} // namespace
+}
 
 uint32_t refuse(const char *where)
 {
@@ -145,7 +145,7 @@ void resetStorageManager()
     all.checking = checking;
 }
 
-} // namespace vx::heap
+}
 
 using namespace vx::heap;
 
@@ -289,4 +289,4 @@ const char *VxExceptionBase::what() const noexcept
 
 VxException::~VxException() = default;
 
-} // namespace VX
+}

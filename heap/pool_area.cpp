@@ -93,7 +93,7 @@ void clearArea(int32_t index)
     stateOf(index).tag = areaTag - index;
 }
 
-} // namespace
+}
 
 bool isArea(int64_t index)
 {
@@ -196,4 +196,4 @@ void complain(const AreaState *area, const char *what, const void *p)
     os::debuggerOutput(line);
 }
 
-} // namespace vx::heap
+}

@@ -88,7 +88,7 @@ template <typename T> union Lasting {
 };
 extern constinit Lasting<StorageManager> storage;
 
-} // namespace detail
+}
 
 inline StorageManager &manager()
 {
@@ -180,4 +180,4 @@ template <typename Body, typename Result> inline Result guarded(Result failure, 
  * not. */
 const char *verifyArea(int32_t area);
 
-} // namespace vx::heap
+}

@@ -156,4 +156,4 @@ constexpr int64_t chunkBytesFor(int64_t gross)
     return gross + 2 * wordBytes;
 }
 
-} // namespace vx::heap
+}

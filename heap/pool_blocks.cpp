@@ -446,7 +446,7 @@ inline void mergeNow(const Chunk &chunk, Payload p)
     giveBack(p);
 }
 
-} // namespace
+}
 
 void mergeWaiting()
 {
@@ -488,7 +488,7 @@ AreaState *areaOfPool(const void *pool)
     return block.area;
 }
 
-} // namespace vx::heap
+}
 
 using namespace vx::heap;
 

@@ -15,7 +15,7 @@ constinit ChunkTables tables = {};
 constinit Chunk noChunk = {}; // nothing may be in it
 alignas(unitBytes) constinit std::byte nowhere[4 * unitBytes] = {};
 
-} // namespace detail
+}
 
 namespace {
 
@@ -145,7 +145,7 @@ ChunkCode take(int64_t size, uint32_t &number)
     return ChunkCode::done;
 }
 
-} // namespace
+}
 
 void startChunks()
 {
@@ -220,4 +220,4 @@ void placeHeads(int32_t area, void *heads)
     tables.pages[headsPage(area)] = static_cast<std::byte *>(heads);
 }
 
-} // namespace vx::heap
+}

@@ -102,7 +102,7 @@ extern constinit ChunkTables tables;
 // noBlock(), which is only read.
 alignas(unitBytes) extern constinit std::byte nowhere[4 * unitBytes];
 
-} // namespace detail
+}
 
 inline Chunk &chunkAt(uint32_t number)
 {
@@ -140,4 +140,4 @@ inline Payload noBlock()
     return detail::nowhere + 3 * unitBytes;
 }
 
-} // namespace vx::heap
+}

@@ -77,7 +77,7 @@ const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
     return nullptr;
 }
 
-} // namespace
+}
 
 const char *verifyArea(int32_t area)
 {
@@ -92,4 +92,4 @@ const char *verifyArea(int32_t area)
     return free.empty() ? nullptr : "a free block is on no list";
 }
 
-} // namespace vx::heap
+}

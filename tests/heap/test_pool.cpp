@@ -427,4 +427,4 @@ TEST_F(Pools, StatisticsTellWhereMemoryWent)
     EXPECT_EQ(VxHpAreaUsage(-1, &usage), 1u);
 }
 
-} // namespace
+}
