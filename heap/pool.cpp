@@ -52,7 +52,8 @@ int32_t wholePages(int32_t bytes)
 void growAreaTable()
 {
     int64_t page = manager().pageBytes;
-    int64_t bytes = (2 * int64_t{VgNAreas} * static_cast<int64_t>(sizeof(VxHsmArea)) - 1 + page) / page * page;
+    int64_t bytes =
+        (2 * int64_t{VgNAreas} * static_cast<int64_t>(sizeof(VxHsmArea)) - 1 + page) / page * page;
     auto count = static_cast<int32_t>(bytes / static_cast<int64_t>(sizeof(VxHsmArea)));
     needStates(count);
     void *table = nullptr;
@@ -88,8 +89,8 @@ char *copyInto(int32_t area, const char *text)
 }
 
 /** The record, its name and its description, all of the pool's own area. */
-VxHpPool *makeRecord(int32_t area, int32_t kilobytes, const char *name, int32_t flags, const char *description,
-                     void **pool)
+VxHpPool *makeRecord(int32_t area, int32_t kilobytes, const char *name, int32_t flags,
+                     const char *description, void **pool)
 {
     auto record = reinterpret_cast<VxHpPool *>(allocate(area, sizeof(VxHpPool)));
     *record = {area, nullptr, kilobytes, flags, nullptr};
@@ -203,7 +204,8 @@ int32_t FindNextHSMArea(int32_t index)
     return noArea;
 }
 
-int32_t VxCreHpMemPool(int32_t kilobytes, const char *name, int32_t flags, const char *description, void **pool)
+int32_t VxCreHpMemPool(int32_t kilobytes, const char *name, int32_t flags, const char *description,
+                       void **pool)
 {
     if (!pool)
         return static_cast<int32_t>(refuse("VxCreHpMemPool"));
@@ -254,6 +256,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 {
     if (!usage || !isArea(index))
         return 1;
+    mergeWaiting();
     const AreaState &area = stateOf(index);
     *usage = {"", area.requests, area.frees, area.bytes, area.peakBytes, area.grossBytes, 0, 0};
     VxStrCpy(usage->name, area.name, sizeof usage->name);
@@ -266,6 +269,7 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 
 void VxHpStatistics(int32_t on)
 {
+    mergeWaiting();
     manager().statistics = on != 0;
 }
 

@@ -88,6 +88,7 @@ void clearArea(int32_t index)
     entryOf(index) = VxHsmArea{};
     stateOf(index) = AreaState{};
     stateOf(index).heads = payloadOf(headLink(index, 0));
+    stateOf(index).headsLink = headLink(index, 0);
     stateOf(index).index = index;
     stateOf(index).tag = areaTag - index;
 }
@@ -96,8 +97,8 @@ void clearArea(int32_t index)
 
 bool isArea(int64_t index)
 {
-    return index >= 0 && index < VgNAreas && index < static_cast<int64_t>(manager().areas.size())
-           && VgAreas[index].inUse;
+    return index >= 0 && index < VgNAreas && index < static_cast<int64_t>(manager().areas.size()) &&
+           VgAreas[index].inUse;
 }
 
 void needStates(int32_t count)
@@ -190,8 +191,8 @@ void complain(const AreaState *area, const char *what, const void *p)
     if (!manager().checking)
         return;
     char line[192];
-    std::snprintf(line, sizeof line, "memory pools: %s: %s (%" PRIxPTR ")\n",
-                  area ? area->name : "no area", what, reinterpret_cast<uintptr_t>(p));
+    std::snprintf(line, sizeof line, "memory pools: %s: %s (%" PRIxPTR ")\n", area ? area->name : "no area",
+                  what, reinterpret_cast<uintptr_t>(p));
     os::debuggerOutput(line);
 }
 

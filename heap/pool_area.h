@@ -22,7 +22,7 @@ namespace vx::heap {
 struct Carving {
     Link block = nullLink;
     int32_t payload = 0;
-    Payload p = noBlock();         ///< the block's
+    Payload p = noBlock();       ///< the block's
     std::byte *zeroTo = nullptr; ///< from behind the block's links
 };
 
@@ -32,11 +32,12 @@ struct AreaState {
     uint64_t mayHave = 0;    ///< bit k: list k may have a block; clear: it has none
     Carving carving;
     int32_t index = 0;
-    int32_t tag = areaTag; ///< the trailer of its blocks
+    Link headsLink = nullLink; ///< names the first of them
+    int32_t tag = areaTag;     ///< the trailer of its blocks
     int32_t trackingBytes = 0; ///< that a block of the area carries for the list of live blocks
     uint32_t chunks = 0;       ///< the first of its chunks
     uint32_t chunkCount = 0;
-    char name[64] = "";        ///< cut to fit
+    char name[64] = ""; ///< cut to fit
 
     // While statistics are on.
     int64_t requests = 0, frees = 0;
@@ -64,8 +65,8 @@ struct Waiting {
 struct StorageManager {
     bool started = false;
     bool failed = false;
-    bool statistics = false;            ///< count what areas hand out
-    bool checking = checkedByDefault;   ///< report misuse to the debugger's output, with the area's name
+    bool statistics = false;          ///< count what areas hand out
+    bool checking = checkedByDefault; ///< report misuse to the debugger's output, with the area's name
     int32_t maxAlignment = unitBytes;
     int32_t sizeLimit = 16'777'216; ///< kept, without effect
     int32_t pageBytes = 4096;
@@ -164,7 +165,7 @@ uint32_t refuse(const char *where);
 bool startManager();
 
 /** Run `body`; what it throws for want of memory becomes `failure`. */
-template <typename Body, typename Result> [[gnu::always_inline]] inline Result guarded(Result failure, Body body)
+template <typename Body, typename Result> inline Result guarded(Result failure, Body body)
 {
     try {
         return body();
@@ -175,7 +176,8 @@ template <typename Body, typename Result> [[gnu::always_inline]] inline Result g
     return failure;
 }
 
-/** Walk an area: headers, trailers, merging, links, lists and guards. Null when all is well, else what is not. */
+/** Walk an area: headers, trailers, merging, links, lists and guards. Null when all is well, else what is
+ * not. */
 const char *verifyArea(int32_t area);
 
 }

@@ -2,9 +2,11 @@
 // each block stands in this file, so that the compiler sees it whole.
 //
 // With many blocks alive the time goes into cache misses, and into branches
-// that nobody can foretell: whether a neighbour is free. So a block that is
-// given back touches its own two lines and those that its neighbours' lists
-// need, and merges without asking: an absent neighbour is a block of no bytes.
+// that nobody can foretell: whether a neighbour is free. So a block merges
+// without asking, as an absent neighbour is a block of no bytes; and blocks of
+// large areas wait until there is a group of them, of which everything that
+// merging touches is fetched at once. Whoever looks at an area has them merged
+// first, and while misuse is reported none waits.
 
 #include <algorithm>
 #include <bit>
@@ -67,7 +69,7 @@ inline void pushFree(AreaState &area, Link self, Payload p, int32_t payload)
     Payload head = headOf(area, list);
     Link next = nextOf(head);
     setNext(p, next);
-    setBack(p, headLink(area.index, list));
+    setBack(p, area.headsLink + static_cast<Link>(list));
     setBack(payloadOf(next), self);
     setNext(head, self);
     area.mayHave |= uint64_t{1} << list;
@@ -114,7 +116,7 @@ inline Chosen takeFirst(AreaState &area, int32_t list, int32_t payload)
         return {};
     Link next = nextOf(p);
     setNext(head, next);
-    setBack(payloadOf(next), headLink(area.index, list));
+    setBack(payloadOf(next), area.headsLink + static_cast<Link>(list));
     area.mayHave &= ~(uint64_t{next == nullLink} << list);
     int32_t gross = payload + tagBytes;
     if (int32_t rest = list * unitBytes - gross; rest > 0)
@@ -137,7 +139,8 @@ inline Chosen fromExactLists(AreaState &area, int32_t payload)
     return {};
 }
 
-/** The front of the block that was carved from last, which is zero, when it still is the first of the large list. */
+/** The front of the block that was carved from last, when it still is the first of the large list and is
+ * zero. */
 inline Chosen carve(AreaState &area, int32_t payload)
 {
     Carving &carving = area.carving;
@@ -147,8 +150,8 @@ inline Chosen carve(AreaState &area, int32_t payload)
     int32_t gross = payload + tagBytes;
     int32_t rest = carving.payload - gross;
     Payload behind = p + gross;
-    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge
-        || behind + sizeof(FreeLinks) > carving.zeroTo)
+    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge ||
+        behind + sizeof(FreeLinks) > carving.zeroTo)
         return {};
     FreeLinks links = linksOf(p);
     Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
@@ -209,11 +212,17 @@ Link searchLargeList(const AreaState &area, int32_t payload)
     return fit;
 }
 
+Chosen choose(AreaState &area, int32_t payload);
+
 /** @throw VX::VxException without a chunk */
 Chosen fromLargeList(AreaState &area, int32_t payload)
 {
     Link self = searchLargeList(area, payload);
     int32_t gross = payload + tagBytes;
+    if (!self && manager().waiting.count) {
+        mergeWaiting(); // there may be room yet
+        return choose(area, payload);
+    }
     if (!self) {
         // Room for this block and for a smallest one behind it.
         self = addChunk(area, int64_t{gross} + minGross);
@@ -235,7 +244,7 @@ Chosen fromLargeList(AreaState &area, int32_t payload)
     return {p, self};
 }
 
-/** A zeroed small block, which needs neither a call nor a search. */
+/** A zeroed small block that needs neither a call nor a search. */
 inline Chosen chooseSmall(AreaState &area, int32_t payload)
 {
     Chosen chosen = fromExactLists(area, payload);
@@ -344,8 +353,7 @@ struct Leaving {
     ptrdiff_t payload;
     Neighbour before, after;
 
-    Leaving(const Chunk &chunk_, Payload p_, ptrdiff_t payload_)
-        : chunk(chunk_), p(p_), payload(payload_)
+    Leaving(const Chunk &chunk_, Payload p_, ptrdiff_t payload_) : chunk(chunk_), p(p_), payload(payload_)
     {
         ptrdiff_t place = p - chunk.first;
         ptrdiff_t has = wordAt(p - tagBytes);
@@ -379,6 +387,14 @@ void leaveOut(const AreaState &area, Neighbour &damaged)
     damaged = {noBlock(), 0, 0};
 }
 
+/** Fetch a block's tags, and the tags of its neighbours, unless it is a long one. */
+inline void fetchBlock(const std::byte *p)
+{
+    constexpr ptrdiff_t cacheLine = 64;
+    __builtin_prefetch(p - tagBytes, 1);
+    __builtin_prefetch(p - tagBytes + cacheLine, 1);
+}
+
 /** Fetch what merging a block will write to. What is no block is found out later. */
 inline void fetchAround(Payload p)
 {
@@ -403,7 +419,8 @@ inline void fetchAround(Payload p)
     const Chunk *chunk = chunkOf(p);
     BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
     if (found.found != Found::block)
-        return complain(found.area, found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
+        return complain(found.area,
+                        found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
     leave(*found.area, p, found.size, found.payload);
     Leaving block(*chunk, p, found.payload);
     if (!block.beforeIsSound())
@@ -463,8 +480,8 @@ AreaState *areaOfPool(const void *pool)
     auto p = static_cast<const std::byte *>(pool);
     auto record = static_cast<const VxHpPool *>(pool);
     BlockInUse block = p ? inspect(p) : BlockInUse{Found::notOurs};
-    if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea
-        || record->area != block.area->index)
+    if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea ||
+        record->area != block.area->index)
         return nullptr;
     manager().lastPool = pool;
     manager().lastPoolArea = block.area;
@@ -488,8 +505,8 @@ void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
     // A small block of the same pool as last time, while nobody counts.
     const StorageManager &all = manager();
     int64_t bytes = int64_t{count} * size;
-    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes && !all.statistics
-        && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
+    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes &&
+        !all.statistics && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
         AreaState &area = *all.lastPoolArea;
         auto payload = static_cast<int32_t>(grossOf(bytes) - tagBytes);
         if (Payload p = chooseSmall(area, payload).p) [[likely]]
@@ -512,8 +529,9 @@ uint32_t VxAlocSameMPool(const void *neighbour, int32_t count, int32_t size, voi
     if (!neighbour)
         return VxAlocPersHpMem(count, size, block);
     int32_t area = AskHeapSMemArea(neighbour);
-    return store(allocateOrRefuse(area < persistentArea ? nullptr : &stateOf(area), count, size, "VxAlocSameMPool"),
-                 block);
+    return store(
+        allocateOrRefuse(area < persistentArea ? nullptr : &stateOf(area), count, size, "VxAlocSameMPool"),
+        block);
 }
 
 void VxDeleteMemObj(void *block)
@@ -525,12 +543,13 @@ void VxDeleteMemObj(void *block)
     const Chunk *chunk = chunkOf(p);
     if (!chunk || all.statistics) [[unlikely]]
         return giveBack(p);
-    if (chunk->area->chunkCount < manyChunks || all.checking)
+    if (chunk->area->chunkCount < manyChunks || all.checking) {
+        if (all.waiting.count) [[unlikely]]
+            mergeWaiting();
         return mergeNow(*chunk, p);
-    __builtin_prefetch(p - tagBytes, 1);
-    __builtin_prefetch(p + 56, 1);
-    Waiting &waiting = all.waiting;
-    waiting.blocks[waiting.count++] = p;
-    if (waiting.count == Waiting::room)
+    }
+    fetchBlock(p);
+    all.waiting.blocks[all.waiting.count++] = p;
+    if (all.waiting.count == Waiting::room)
         mergeWaiting();
 }

@@ -13,7 +13,7 @@ namespace detail {
 
 constinit ChunkTables tables = {};
 constinit Chunk noChunk = {}; // nothing may be in it
-constinit std::byte nowhere[4 * unitBytes] = {};
+alignas(unitBytes) constinit std::byte nowhere[4 * unitBytes] = {};
 
 }
 
@@ -139,6 +139,7 @@ ChunkCode take(int64_t size, uint32_t &number)
     chunk.first = base + 2 * wordBytes;
     chunk.span = size - Chunk::outsideBytes;
     chunk.number = number;
+    chunk.firstLink = number * unitsPerPage + 1;
     setPages(chunk, base);
     tables.held += size;
     return ChunkCode::done;

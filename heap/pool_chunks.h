@@ -19,10 +19,11 @@ struct AreaState;
  * of mebibytes. Its number is that of the first page it occupies.
  */
 struct alignas(64) Chunk {
-    Payload first = nullptr; ///< where the first block's payload is; null for a descriptor not in use
-    ptrdiff_t span = 0;      ///< bytes of the payload that a block from guard to guard has
+    Payload first = nullptr;   ///< where the first block's payload is; null for a descriptor not in use
+    ptrdiff_t span = 0;        ///< bytes of the payload that a block from guard to guard has
     AreaState *area = nullptr; ///< null while nobody has it
     uint32_t number = 0;
+    Link firstLink = nullLink;       ///< names `first`
     uint32_t next = 0, previous = 0; ///< of the same area; 0 ends
 
     int64_t size() const { return span + outsideBytes; }
@@ -130,7 +131,7 @@ inline Payload payloadOf(Link link)
 /** The link that names a payload of this chunk. */
 inline Link linkOf(const Chunk &chunk, const std::byte *p)
 {
-    return chunk.number * unitsPerPage + static_cast<Link>(static_cast<size_t>(p - chunk.base()) / unitBytes);
+    return chunk.firstLink + static_cast<Link>(static_cast<size_t>(p - chunk.first) / unitBytes);
 }
 
 /** Stands for the neighbour that a block does not have: a free block of no bytes, on no list. */

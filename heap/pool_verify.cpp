@@ -81,6 +81,7 @@ const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
 
 const char *verifyArea(int32_t area)
 {
+    mergeWaiting();
     FreeBlocks free;
     for (uint32_t number = stateOf(area).chunks; number; number = chunkAt(number).next)
         if (const char *wrong = verifyChunk(area, chunkAt(number), free))

@@ -25,11 +25,17 @@
  * Failure      Error 84 is filed (vx/err.h), error 1 when an area's chunk
  *              cannot be had; nothing has changed then.
  * Misuse       A block handed back twice, a foreign pointer and a block whose
- *              tags are overwritten are ignored, never followed.
+ *              tags are overwritten are ignored, never followed. Debug builds
+ *              tell the debugger's output of them, with the area's name.
+ * Large areas  A block given back to an area of four chunks or more may merge
+ *              with its neighbours a little later, in a group of 32: before a
+ *              chunk is taken, and before any function here but those that
+ *              allocate from a pool or give back looks at an area.
  * Limits       The environment variable BHSM_PSEUDO_VM_LIMIT, a number of
  *              bytes (decimal, 0x..., 0...) read at the start, caps what all
  *              areas hold together; 0 or unset is no cap. All areas together
- *              hold at most 32,640 MiB, a block at most 2 GiB.
+ *              hold at most 32,767 MiB less one for each entry of the area
+ *              table, a block at most 2 GiB.
  * Threads      none of this is for two threads at once.
  */
 

@@ -116,11 +116,28 @@ TEST_F(Pools, NeighboursMergeAndAFreeChunkGoesBack)
     EXPECT_LE(chunkBytesHeld(), 3 * mebibyte) << "the pool's, the persistent area's, one spare";
 }
 
-TEST_F(Pools, ARandomRunKeepsEveryByteOfEveryLiveBlock)
+/** How a random run goes: many small pools while everything is watched, or few large ones at full speed. */
+struct Course {
+    unsigned seed;
+    bool watched;
+    size_t pools;
+    size_t largest; ///< bytes of one block in twenty
+    size_t freesOf1000;
+};
+
+class RandomRun : public Pools, public testing::WithParamInterface<Course> {};
+
+INSTANTIATE_TEST_SUITE_P(Runs, RandomRun,
+                         testing::Values(Course{20261121, true, 200, 40'000, 440},
+                                         Course{7, false, 2, 20'000, 330}));
+
+TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
 {
-    constexpr unsigned seed = 20261121;
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    Course run = GetParam();
+    SCOPED_TRACE(run.seed);
+    std::mt19937 random(run.seed);
+    manager().checking = run.watched;
+    VxHpStatistics(run.watched);
     auto below = [&](size_t n) { return static_cast<size_t>(random() % n); };
     struct Live {
         void *pool;
@@ -129,7 +146,7 @@ TEST_F(Pools, ARandomRunKeepsEveryByteOfEveryLiveBlock)
     };
     std::map<void *, Live> live;
     std::vector<void *> pools;
-    manager().statistics = true;
+    bool someWaited = false;
 
     auto check = [](void *block, const Live &entry) {
         auto bytes = static_cast<unsigned char *>(block);
@@ -138,17 +155,17 @@ TEST_F(Pools, ARandomRunKeepsEveryByteOfEveryLiveBlock)
     auto anyLive = [&] { return std::next(live.begin(), static_cast<ptrdiff_t>(below(live.size()))); };
     for (int step = 0; step < 60'000; ++step) {
         size_t what = below(1000);
-        if (what < 4 && pools.size() < 200) {
+        if (what < 4 && pools.size() < run.pools) {
             pools.push_back(makePool(static_cast<int32_t>(below(3000)), "run"));
-        } else if (what < 6 && !pools.empty()) {
+        } else if (what < 6 && (run.watched || step % 256 == 0) && !pools.empty()) {
             size_t which = below(pools.size());
             std::erase_if(live, [&](const auto &entry) { return entry.second.pool == pools[which]; });
             ASSERT_EQ(VxFreeHpMemPool(pools[which]), 0u);
             ASSERT_EQ(VxSetHpMemPool(pools[which]), 1u) << "a freed pool's record";
             pools.erase(pools.begin() + static_cast<ptrdiff_t>(which));
-        } else if (what < 560) {
+        } else if (what < 1000 - run.freesOf1000) {
             void *pool = pools.empty() || below(10) == 0 ? nullptr : pools[below(pools.size())];
-            auto size = static_cast<int32_t>(below(20) == 0 ? 1 + below(40'000) : 1 + below(300));
+            auto size = static_cast<int32_t>(below(20) == 0 ? 1 + below(run.largest) : 1 + below(300));
             auto fill = static_cast<unsigned char>(1 + below(255));
             if (what < 20)
                 fault::refuse(fault::Kind::allocation, 1); // a chunk request that fails
@@ -166,11 +183,13 @@ TEST_F(Pools, ARandomRunKeepsEveryByteOfEveryLiveBlock)
             VxDeleteMemObj(entry->first); // ignored
             live.erase(entry);
         }
+        someWaited |= manager().waiting.count > 0;
         if (step % 500 == 0)
             expectSound();
         if (HasFatalFailure())
             return;
     }
+    EXPECT_EQ(someWaited, !run.watched);
     for (auto &[block, entry] : live)
         check(block, entry);
     std::shuffle(pools.begin(), pools.end(), random);
@@ -222,6 +241,7 @@ TEST_F(Pools, WhatIsNoBlockInUseIsIgnoredAndReported)
     VxDeleteMemObj(block);
     EXPECT_NE(complaints.find("VX:model"), std::string::npos);
     EXPECT_NE(verifyArea(areaOf(pool)), nullptr);
+    EXPECT_EQ(AskHeapSMemArea(block), -1);
 
     VxDeleteMemObj(next);
     complaints.clear();
@@ -229,6 +249,55 @@ TEST_F(Pools, WhatIsNoBlockInUseIsIgnoredAndReported)
     EXPECT_NE(complaints.find("twice"), std::string::npos);
     EXPECT_EQ(AskHeapSMemArea(next), -1);
     EXPECT_EQ(AskHeapSMemArea(nullptr), -2);
+}
+
+TEST_F(Pools, AFreeBlockThatWasWrittenOverIsNeverFollowed)
+{
+    void *pool = makePool(8, "model");
+    unsigned char *blocks[4];
+    for (unsigned char *&block : blocks)
+        block = static_cast<unsigned char *>(VxAlocHpMemPool(pool, 1, 40));
+    VxDeleteMemObj(blocks[1]);
+    std::memset(blocks[0], 0xEE, 40 + 2 * 4 + 8); // over the end, and the header and links of the next
+    for (void *neighbour : {blocks[0], blocks[2]}) {
+        complaints.clear();
+        VxDeleteMemObj(neighbour);
+        EXPECT_NE(complaints.find("VX:model"), std::string::npos);
+    }
+    EXPECT_EQ(VxAlocHpMemPool(pool, 1, 40), blocks[2]);
+    complaints.clear();
+    void *other = VxAlocHpMemPool(pool, 1, 40);
+    EXPECT_NE(complaints.find("overwritten"), std::string::npos);
+    EXPECT_GT(other, static_cast<void *>(blocks[3]));
+    EXPECT_EQ(VxFreeHpMemPool(pool), 0u);
+}
+
+TEST_F(Pools, InALargeAreaFreesTakeEffectBeforeAnybodyLooks)
+{
+    manager().checking = false;
+    void *pool = makePool();
+    VxHsmUsage usage{};
+    std::vector<void *> blocks;
+    for (int i = 0; i < 8 * 1024; ++i)
+        blocks.push_back(VxAlocHpMemPool(pool, 1, 1000));
+    VxHpAreaUsage(areaOf(pool), &usage);
+    ASSERT_EQ(usage.chunks, 8);
+
+    VxDeleteMemObj(blocks[1]);
+    VxDeleteMemObj(blocks[2]);
+    VxDeleteMemObj(blocks[1]); // ignored
+    EXPECT_EQ(headerOf(static_cast<std::byte *>(blocks[1])), -1000) << "a group is not complete";
+    EXPECT_EQ(AskHeapSMemArea(blocks[1]), -1);
+    EXPECT_EQ(headerOf(static_cast<std::byte *>(blocks[1])), 2 * 1000 + tagBytes);
+    expectSound();
+
+    std::shuffle(blocks.begin(), blocks.end(), std::mt19937(3));
+    for (void *block : blocks)
+        VxDeleteMemObj(block);
+    EXPECT_LE(chunkBytesHeld(), 3 * mebibyte) << "the pool's, the persistent area's, one spare";
+    VxHpAreaUsage(areaOf(pool), &usage);
+    EXPECT_EQ(usage.chunks, 1);
+    expectSound();
 }
 
 TEST_F(Pools, RefusalsAreFiledAndChangeNothing)
@@ -239,8 +308,12 @@ TEST_F(Pools, RefusalsAreFiledAndChangeNothing)
         int32_t count, size;
     };
     int notAPool = 0;
-    for (auto [where, count, size] : {Case{pool, 0, 8}, {pool, 8, 0}, {pool, -1, 8}, {pool, 70'000, 70'000},
-                                      {&notAPool, 1, 8}, {nullptr, 1, 0}})
+    for (auto [where, count, size] : {Case{pool, 0, 8},
+                                      {pool, 8, 0},
+                                      {pool, -1, 8},
+                                      {pool, 70'000, 70'000},
+                                      {&notAPool, 1, 8},
+                                      {nullptr, 1, 0}})
         EXPECT_EQ(VxAlocHpMemPool(where, count, size), nullptr);
     void *block = &notAPool;
     EXPECT_EQ(VxAlocSameMPool(&notAPool, 1, 8, &block), 1u);
