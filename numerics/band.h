@@ -36,8 +36,10 @@ bool factoriseBand(const RowKernels &kernel, const VxBndMat &matrix, const VxBnd
         const int32_t count = std::min(kernel.bandRows, n - first);
         if (!kernel.eliminateBand(window, first, count, matrix.row, negligible, work.get()))
             return false;
-        finish(finished, first);
-        finished = first;
+        if (first - finished >= mostBandRows) {
+            finish(finished, first);
+            finished = first;
+        }
         if (first + count + kernel.bandRows - window.first > semi + windowSlack) {
             const int32_t kept = std::min(finished, first + count - semi);
             std::copy_n(rows.get() + (kept - window.first) * stride, (first + count - kept) * stride, rows.get());

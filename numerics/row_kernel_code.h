@@ -242,37 +242,73 @@ void takeBandRows(const BandWindow &f, int32_t first, int32_t end, double *const
 /** Whether what stands behind `right` elements of row `i` may be read too: its neighbour's elements. */
 inline bool hasNeighbour(const double *const *factor, int32_t n, int32_t semi, int32_t i)
 {
-    return semi >= rowStep && i + 1 + semi < n - rowStep && factor[i + 1] == factor[i] + semi + 1;
+    return semi >= rowStep && i + 1 + semi + rowStep < n && factor[i + 1] == factor[i] + semi + 1;
+}
+
+/** Solve row `i` and subtract its multiples from what is right of it. */
+inline void forwardRow(const double *const *factor, int32_t n, int32_t semi, int32_t i, double *x)
+{
+    const double *row = factor[i];
+    const int32_t right = smaller(semi, n - 1 - i);
+    double *to = x + i;
+    const double value = to[0];
+    int32_t c = 1;
+    for (; c + rowStep <= right + 1; c += rowStep) {
+        Eight rest = loadEight(to + c);
+        subtractEight(rest, value, loadEight(row + c));
+        storeEight(to + c, rest);
+    }
+    for (; c <= right; ++c)
+        to[c] -= value * row[c];
+    to[0] = value / row[0];
+}
+
+/** Rows that are solved together: among each other one by one, then all at once what stands right of them. */
+constexpr int32_t togetherRows = 8;
+
+void forwardRows(const double *const *factor, int32_t semi, int32_t first, double *x)
+{
+    double value[togetherRows];
+    for (int32_t p = 0; p < togetherRows; ++p)
+        value[p] = x[first + p];
+    for (int32_t p = 0; p < togetherRows; ++p)
+        for (int32_t i = p + 1; i < togetherRows; ++i)
+            value[i] -= value[p] * factor[first + p][i - p];
+    for (int32_t c = togetherRows; c < togetherRows + semi; c += rowStep) {
+        Eight rest = loadEight(x + first + c);
+        for (int32_t p = 0; p < togetherRows; ++p) {
+            const int32_t there = semi + 1 - (c - p);
+            if (there <= 0)
+                continue;
+            Eight v = loadEight(factor[first + p] + (c - p));
+            if (there < rowStep)
+                keepFirst(v, there);
+            subtractEight(rest, value[p], v);
+        }
+        storeEight(x + first + c, rest);
+    }
+    for (int32_t p = 0; p < togetherRows; ++p)
+        x[first + p] = value[p] / factor[first + p][0];
+}
+
+inline bool haveNeighbours(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end)
+{
+    bool all = true;
+    for (int32_t i = first; i < end && all; ++i)
+        all = hasNeighbour(factor, n, semi, i);
+    return all;
 }
 
 void bandForward(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end, int32_t count,
                  double *const *x)
 {
-    for (int32_t i = first; i < end; ++i) {
-        const double *row = factor[i];
-        const int32_t right = smaller(semi, n - 1 - i);
-        const bool whole = hasNeighbour(factor, n, semi, i);
-        for (int32_t v = 0; v < count; ++v) {
-            double *to = x[v] + i;
-            const double value = to[0];
-            int32_t c = 1;
-            for (; c + rowStep <= right + 1; c += rowStep) {
-                Eight rest = loadEight(to + c);
-                subtractEight(rest, value, loadEight(row + c));
-                storeEight(to + c, rest);
-            }
-            if (whole) {
-                Eight rest = loadEight(to + c), tail = loadEight(row + c);
-                keepFirst(tail, right + 1 - c);
-                subtractEight(rest, value, tail);
-                storeEight(to + c, rest);
-            } else {
-                for (; c <= right; ++c)
-                    to[c] -= value * row[c];
-            }
-            to[0] = value / row[0];
-        }
-    }
+    int32_t i = first;
+    for (; i + togetherRows <= end && haveNeighbours(factor, n, semi, i, i + togetherRows); i += togetherRows)
+        for (int32_t v = 0; v < count; ++v)
+            forwardRows(factor, semi, i, x[v]);
+    for (; i < end; ++i)
+        for (int32_t v = 0; v < count; ++v)
+            forwardRow(factor, n, semi, i, x[v]);
 }
 
 /** The product of a row and a vector; `whole` if elements behind both may be read. */
@@ -295,20 +331,17 @@ inline double productOf(const double *row, const double *x, int32_t count, bool 
     return total(sum) + rest;
 }
 
-/** Rows that are solved together: what they have right of them all first, side by side. */
-constexpr int32_t backRows = 8;
-
-/** Solve the last of `backRows` rows, and so on upwards; all have so many elements. */
-inline void solveTriangle(const double *const *factor, double (&rest)[backRows])
+/** Solve rows whose rest right of them is done, the last one first. */
+inline void solveTriangle(const double *const *factor, double (&rest)[togetherRows])
 {
-    for (int32_t p = backRows - 1; p > 0; --p)
+    for (int32_t p = togetherRows - 1; p > 0; --p)
         for (int32_t i = 0; i < p; ++i)
             rest[i] -= factor[i][p - i] * rest[p];
 }
 
-void bandBackRows(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end, double *x)
+void backwardRows(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end, double *x)
 {
-    double rest[backRows];
+    double rest[togetherRows];
     for (int32_t i = first; i < end; ++i) {
         const int32_t skipped = end - i;
         const int32_t right = smaller(semi, n - 1 - i);
@@ -317,7 +350,7 @@ void bandBackRows(const double *const *factor, int32_t n, int32_t semi, int32_t 
             rest[i - first] -= productOf(factor[i] + skipped, x + end, right - skipped + 1,
                                          hasNeighbour(factor, n, semi, i));
     }
-    if (semi >= backRows && end - first == backRows)
+    if (semi >= togetherRows && end - first == togetherRows)
         solveTriangle(factor + first, rest);
     else
         for (int32_t p = end - 1; p > first; --p)
@@ -329,11 +362,11 @@ void bandBackRows(const double *const *factor, int32_t n, int32_t semi, int32_t 
 
 void bandBackward(const double *const *factor, int32_t n, int32_t semi, int32_t count, double *const *x)
 {
-    for (int32_t end = n; end > 0; end -= backRows) {
-        if (end > 3 * backRows)
-            fetchRows(factor, end - 3 * backRows, end - 2 * backRows, semi + 1);
+    for (int32_t end = n; end > 0; end -= togetherRows) {
+        if (end > 3 * togetherRows)
+            fetchRows(factor, end - 3 * togetherRows, end - 2 * togetherRows, semi + 1);
         for (int32_t v = 0; v < count; ++v)
-            bandBackRows(factor, n, semi, end > backRows ? end - backRows : 0, end, x[v]);
+            backwardRows(factor, n, semi, end > togetherRows ? end - togetherRows : 0, end, x[v]);
     }
 }
 
