@@ -33,6 +33,8 @@ struct System {
         for (int32_t i = 0; i < n; ++i)
             for (int32_t j = 0; j < n; ++j)
                 a.row[i][j] = value(random);
+        for (double &right : b)
+            right = value(random);
     }
     ~System() { VxGenMatFree(&a); }
     System(const System &) = delete;

@@ -232,10 +232,15 @@ private:
     {
         if (g == 0)
             return {1, 0, f};
-        double length = std::sqrt(f * f + g * g);
-        if (length < 1e-140)
+        const double square = f * f + g * g;
+        double length = std::sqrt(square), reciprocal = 0;
+        if (square > leastSquare) {
+            // The quotient does not wait for the root.
+            reciprocal = length * (1 / square);
+        } else {
             length = std::hypot(f, g);
-        const double reciprocal = 1 / length;
+            reciprocal = 1 / length;
+        }
         return {std::fabs(f) * reciprocal, g * std::copysign(reciprocal, f), std::copysign(length, f)};
     }
 
