@@ -17,7 +17,7 @@ namespace vx::numerics {
 namespace {
 
 /** From here on the pages of a block cost more than what is written to them. */
-constexpr size_t manyBytes = size_t{32} << 20;
+constexpr size_t manyBytes = size_t{4} << 20;
 
 bool isBand(const VxBndMat *band, int32_t n, int32_t semi) noexcept
 {

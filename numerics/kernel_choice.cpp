@@ -24,6 +24,15 @@ const Kernels &kernels() noexcept
     return chosen;
 }
 
+const RowKernels &widestRowKernels() noexcept
+{
+#ifdef VX_KERNELS_X86
+    if (__builtin_cpu_supports("avx512f"))
+        return *avx512Kernels.rows;
+#endif
+    return *kernels().rows;
+}
+
 std::vector<const Kernels *> availableKernels()
 {
     std::vector<const Kernels *> all{&baselineKernels};

@@ -478,10 +478,10 @@ uint32_t VxMatSvd(VxGenMat *a, double *w, VxGenMat *v)
         return 1;
     const int32_t n = a->columns;
     if (v->row)
-        return isSquare(v, n) ? decompose(*kernels().rows, *a, w, *v) : 1;
+        return isSquare(v, n) ? decompose(widestRowKernels(), *a, w, *v) : 1;
     if (VxGenMatAlloc(n, n, v))
         return 1;
-    if (decompose(*kernels().rows, *a, w, *v) == 0)
+    if (decompose(widestRowKernels(), *a, w, *v) == 0)
         return 0;
     VxGenMatFree(v);
     return 1;
