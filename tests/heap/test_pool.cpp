@@ -51,7 +51,7 @@ protected:
         return pool;
     }
 
-    static int32_t areaOf(void *pool) { return static_cast<VxHpPool *>(pool)->area; }
+    static int32_t areaOf(const void *pool) { return static_cast<const VxHpPool *>(pool)->area; }
 
     static void expectSound()
     {
@@ -155,6 +155,7 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
     auto anyLive = [&] { return std::next(live.begin(), static_cast<ptrdiff_t>(below(live.size()))); };
     for (int step = 0; step < 60'000; ++step) {
         size_t what = below(1000);
+        const void *touched = nullptr;
         if (what < 4 && pools.size() < run.pools) {
             pools.push_back(makePool(static_cast<int32_t>(below(3000)), "run"));
         } else if (what < 6 && (run.watched || step % 256 == 0) && !pools.empty()) {
@@ -176,14 +177,19 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
             check(block, {pool, size, 0});
             std::memset(block, fill, static_cast<size_t>(size));
             ASSERT_TRUE(live.try_emplace(block, Live{pool, size, fill}).second);
+            touched = pool;
         } else if (!live.empty()) {
             auto entry = anyLive();
+            touched = entry->second.pool;
             check(entry->first, entry->second);
             VxDeleteMemObj(entry->first);
             VxDeleteMemObj(entry->first); // ignored
             live.erase(entry);
         }
         someWaited |= manager().waiting.count > 0;
+        if (run.watched && touched) {
+            ASSERT_STREQ(verifyArea(areaOf(touched)), nullptr);
+        }
         if (step % 500 == 0)
             expectSound();
         if (HasFatalFailure())
