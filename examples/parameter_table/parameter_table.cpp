@@ -104,9 +104,9 @@ std::vector<char> encoded(ParameterTable table)
     size_t size = 4;
     for (const Parameter &row : table)
         size += encodedSize(row.name) + encodedSize(row.formula) + encodedSize(row.unit) + 8;
-    std::vector<char> bytes(size);
     if (size > mostBytes)
         return {};
+    std::vector<char> bytes(size);
     Stream stream(bytes.data(), bytes.size(), XDR_ENCODE);
     if (!transfer(stream.get(), table))
         return {};

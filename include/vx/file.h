@@ -93,8 +93,8 @@ VX_API uint32_t VxFileWriteError(FILE *stream, const char *name);
 /**
  * Open a file without a stream.
  *
- * @param handle  receives the system's handle, to be closed with
- *                VxFileCloseEx; stays on failure. Never null
+ * @param handle  receives a handle, never null, to be closed with
+ *                VxFileCloseEx; stays on failure
  * @param flags   0x1 read, 0x2 write; others may meanwhile 0x10000 read,
  *                0x20000 write; 0x40000 a new file, which must not exist,
  *                0x80000 one that exists, also when both are set
