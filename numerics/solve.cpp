@@ -3,6 +3,7 @@
 #include "numerics/solve.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "numerics/dense.h"
 #include "numerics/kernel_choice.h"
@@ -77,13 +78,52 @@ uint32_t substituteTogether(const VxGenMat &lu, const int32_t *pivot, int32_t co
     return 0;
 }
 
+/**
+ * Room for the factors of one solve. Up to a size a thread keeps it for its
+ * next one: what the run-time heap gives back to the system and takes again
+ * costs medium systems a third of their time.
+ */
+class FactorRoom {
+public:
+    explicit FactorRoom(int64_t elements) : elements_(std::exchange(kept_, {}))
+    {
+        if (elements_.count < elements)
+            elements_ = {allocate<double>(elements), elements};
+    }
+    ~FactorRoom()
+    {
+        constexpr int64_t most = 1 << 17;
+        if (elements_.block && elements_.count <= most)
+            kept_ = std::move(elements_);
+    }
+    FactorRoom(const FactorRoom &) = delete;
+    FactorRoom &operator=(const FactorRoom &) = delete;
+
+    double *get() const noexcept { return elements_.block.get(); }
+
+private:
+    struct Elements {
+        Block<double> block;
+        int64_t count = 0;
+    };
+    static thread_local Elements kept_;
+    Elements elements_;
+};
+
+thread_local FactorRoom::Elements FactorRoom::kept_;
+
 uint32_t solveDense(int32_t n, const VxGenMat &matrix, int32_t count, double **rhs, double **solutions)
 {
-    OwnGenMat lu;
+    FactorRoom factors(int64_t{n} * n);
+    Block<double *> row = allocate<double *>(n);
     Block<int32_t> pivot = allocate<int32_t>(n);
     Block<double> work = allocate<double>(n);
-    if (!pivot || !work || VxGenMatAlloc(n, n, &lu)
-        || eliminate(kernels(), matrix.row, lu.row, n, negligible, pivot.get()) != Outcome::done)
+    if (!factors.get() || !row || !pivot || !work)
+        return 1;
+    for (int32_t i = 0; i < n; ++i)
+        row.get()[i] = factors.get() + int64_t{i} * n;
+    const VxGenMat lu{n, n, row.get()};
+    if (eliminate(kernels(), matrix.row, lu.row, n, negligible, pivot.get()) != Outcome::done)
         return 1;
     if (count >= many)
         return substituteTogether(lu, pivot.get(), count, rhs, solutions);

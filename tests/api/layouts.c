@@ -4,6 +4,7 @@
 
 #include "vx/eval.h"
 #include "vx/file.h"
+#include "vx/matrix.h"
 #include "vx/parse.h"
 #include "vx/path.h"
 #include "vx/pool.h"
@@ -39,6 +40,12 @@ AT(VxHsmArea, tracked, 313);
 
 AT(VxMat3x4, m, 8);
 SIZE(VxMat3x4, 104);
+SIZE(VxGenMat, 16);
+AT(VxGenMat, row, 8);
+SIZE(VxSymMat, 16);
+AT(VxSymMat, row, 8);
+SIZE(VxBndMat, 16);
+AT(VxBndMat, row, 8);
 
 AT(VxPathNode, next, 256);
 
