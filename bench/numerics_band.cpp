@@ -201,7 +201,6 @@ void assemblyVx(benchmark::State &state, int count)
     const auto all = contributions(count);
     for (auto _ : state) {
         VX::CooMatrix matrix;
-        matrix.Reserve(count);
         for (const auto &e : all)
             matrix.Insert(e.row, e.column, e.value);
         benchmark::DoNotOptimize(matrix.Size());
