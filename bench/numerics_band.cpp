@@ -201,7 +201,6 @@ void assemblyVx(benchmark::State &state, int count)
     const auto all = contributions(count);
     for (auto _ : state) {
         VX::CooMatrix matrix;
-        matrix.Reserve(count);
         for (const auto &e : all)
             matrix.Insert(e.row, e.column, e.value);
         benchmark::DoNotOptimize(matrix.Size());
@@ -231,8 +230,10 @@ const bool registered = [] {
     for (int semi : {10, 50}) {
         const std::string work = "band 100000, semi-bandwidth " + std::to_string(semi);
         add(work + "/vx", bandVx, semi);
-        add(work + "/reference dpbsv", [](auto &state, int s) { bandLapack(state, reference(), s); }, semi);
-        add(work + "/OpenBLAS dpbsv", [](auto &state, int s) { bandLapack(state, openBlas(), s); }, semi);
+        add(
+            work + "/reference dpbsv", [](auto &state, int s) { bandLapack(state, reference(), s); }, semi);
+        add(
+            work + "/OpenBLAS dpbsv", [](auto &state, int s) { bandLapack(state, openBlas(), s); }, semi);
     }
     for (int n : {10, 50, 200}) {
         const std::string work = "singular values " + std::to_string(n);

@@ -42,7 +42,8 @@ bool factoriseBand(const RowKernels &kernel, const VxBndMat &matrix, const VxBnd
         }
         if (first + count + kernel.bandRows - window.first > semi + windowSlack) {
             const int32_t kept = std::min(finished, first + count - semi);
-            std::copy_n(rows.get() + (kept - window.first) * stride, (first + count - kept) * stride, rows.get());
+            std::copy_n(rows.get() + (kept - window.first) * stride, (first + count - kept) * stride,
+                        rows.get());
             window.first = kept;
         }
     }

@@ -26,7 +26,8 @@ bool hasRoom(const VxGenMat *band, int32_t n, int32_t lower, int32_t upper) noex
 }
 
 /** Copy a band into rows of `width` places; they are allocated when there are none. */
-uint32_t makeBand(const VxGenMat *full, int32_t n, int32_t lower, int32_t upper, int64_t width, VxGenMat *band)
+uint32_t makeBand(const VxGenMat *full, int32_t n, int32_t lower, int32_t upper, int64_t width,
+                  VxGenMat *band)
 {
     if (!isSquare(full, n) || !bandFits(n, lower, upper) || !band || width > INT32_MAX)
         return 1;
@@ -105,8 +106,8 @@ uint32_t VxMatBandMkPvt(const VxGenMat *full, int32_t n, int32_t lower, int32_t 
 
 uint32_t VxMatBandGetPvt(const VxGenMat *band, int32_t n, int32_t column, int32_t lower, int32_t *pivotRow)
 {
-    if (!usable(band) || band->rows != n || column < 0 || column >= n || lower < 0 || lower >= band->columns ||
-        !pivotRow)
+    if (!usable(band) || band->rows != n || column < 0 || column >= n || lower < 0 ||
+        lower >= band->columns || !pivotRow)
         return 1;
     *pivotRow = pivotRowOf(*band, n, column, lower);
     return regular(at(*band, lower, *pivotRow, column)) ? 0 : 1;

@@ -235,8 +235,8 @@ double sumOfGroup(Element *first, Element *last, const Element *another) noexcep
         return first->value + (another ? another->value : last[-1].value);
     if (count <= few) {
         std::array<uint64_t, few> keys;
-        auto *end = std::transform(first, last, keys.data(),
-                                   [](const Element &e) { return magnitudeKey(e.value); });
+        auto *end =
+            std::transform(first, last, keys.data(), [](const Element &e) { return magnitudeKey(e.value); });
         if (another)
             *end = magnitudeKey(another->value);
         return sumOfFew(keys.data(), count);
@@ -320,7 +320,8 @@ size_t compactElements(Element *elements, size_t count, size_t sorted) noexcept
     order.sort(tail, room.get(), count - sorted, follows ? tail : room.get());
     if (follows)
         return static_cast<size_t>(sumSorted(tail, end) - elements);
-    return static_cast<size_t>(mergeSorted(elements, tail, room.get(), room.get() + (count - sorted)) - elements);
+    return static_cast<size_t>(mergeSorted(elements, tail, room.get(), room.get() + (count - sorted)) -
+                               elements);
 }
 
 }

@@ -149,8 +149,8 @@ template <int32_t p> inline void eliminateRow(const BandTile &tile, Eight (&sum)
  * Eliminate among the rows in the columns of their diagonals, from row `p` on.
  * False when a pivot is below `least`.
  */
-template <int32_t p>
-inline bool eliminateDiagonal(BandTile &tile, double pivot, int32_t count, double least, Eight (&sum)[bandRows])
+template <int32_t p> inline bool eliminateDiagonal(BandTile &tile, double pivot, int32_t count, double least,
+                                                   Eight (&sum)[bandRows])
 {
     if (p >= count)
         pivot = 1;
@@ -162,8 +162,7 @@ inline bool eliminateDiagonal(BandTile &tile, double pivot, int32_t count, doubl
     if constexpr (p + 1 < bandRows) {
         // The next pivot is computed ahead of the row it stands in: all that follows waits for it.
         const double right = sum[p].part[0][p + 1];
-        const double next =
-            sum[p + 1].part[0][p + 1] - right * reciprocal * pivot * (right * reciprocal);
+        const double next = sum[p + 1].part[0][p + 1] - right * reciprocal * pivot * (right * reciprocal);
         for (Vec &part : sum[p].part)
             part *= reciprocal;
         store(tile.among[p], sum[p].part[0] * pivot);
@@ -204,8 +203,8 @@ inline void fetchRows(const double *const *row, int32_t first, int32_t end, int3
             __builtin_prefetch(row[i] + c);
 }
 
-bool eliminateBand(const BandWindow &f, int32_t first, int32_t count, const double *const *matrix, double least,
-                   double *work)
+bool eliminateBand(const BandWindow &f, int32_t first, int32_t count, const double *const *matrix,
+                   double least, double *work)
 {
     BandTile tile;
     fillTile(tile, f, first, count, matrix, work);
@@ -299,8 +298,8 @@ inline bool haveNeighbours(const double *const *factor, int32_t n, int32_t semi,
     return all;
 }
 
-void bandForward(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end, int32_t count,
-                 double *const *x)
+void bandForward(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end,
+                 int32_t count, double *const *x)
 {
     int32_t i = first;
     for (; i + togetherRows <= end && haveNeighbours(factor, n, semi, i, i + togetherRows); i += togetherRows)
@@ -505,7 +504,7 @@ void rotateRows(double *const *row, int32_t columns, const RotationSweep *sweep,
 }
 
 const RowKernels rowKernels = {bandRows, eliminateBand, takeBandRows, bandForward, bandBackward,
-                               product,  reflect,       reflectRows, rotateRows};
+                               product,  reflect,       reflectRows,  rotateRows};
 
 }
 

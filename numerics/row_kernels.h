@@ -86,7 +86,8 @@ struct RowKernels {
                         int32_t count, double *const *x);
 
     /** Solve with the transpose of L in place. */
-    void (*bandBackward)(const double *const *factor, int32_t n, int32_t semi, int32_t count, double *const *x);
+    void (*bandBackward)(const double *const *factor, int32_t n, int32_t semi, int32_t count,
+                         double *const *x);
 
     /** The product of two rows of `count` elements, a whole number of steps. */
     double (*product)(const double *a, const double *b, int32_t count);
@@ -97,7 +98,8 @@ struct RowKernels {
     void (*reflectRows)(const FourReflections &reflections, double *const *row, int32_t rows, int32_t first,
                         int32_t end);
 
-    /** Apply sweeps of rotations, one after the other, to rows of `columns` elements, a whole number of steps. */
+    /** Apply sweeps of rotations, one after the other, to rows of `columns` elements, a whole number of
+     * steps. */
     void (*rotateRows)(double *const *row, int32_t columns, const RotationSweep *sweep, int32_t sweeps);
 };
 

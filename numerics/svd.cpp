@@ -52,7 +52,8 @@ public:
             return false;
         void *start = elements_.get();
         size_t room = static_cast<size_t>(elements + rowStep) * sizeof(double);
-        nextElement_ = static_cast<double *>(std::align(64, static_cast<size_t>(elements) * sizeof(double), start, room));
+        nextElement_ = static_cast<double *>(
+            std::align(64, static_cast<size_t>(elements) * sizeof(double), start, room));
         nextRow_ = pointers_.get();
         std::fill_n(nextElement_, elements, 0.0);
         return true;
@@ -87,7 +88,8 @@ Reflector reflector(double alpha, double rest) noexcept
     if (rest == 0 || square < leastSquare)
         return {0, alpha, 0};
     const double norm = std::sqrt(square);
-    return {alpha + std::copysign(norm, alpha), -std::copysign(norm, alpha), 1 / (norm * (norm + std::fabs(alpha)))};
+    return {alpha + std::copysign(norm, alpha), -std::copysign(norm, alpha),
+            1 / (norm * (norm + std::fabs(alpha)))};
 }
 
 /** The decomposition of a matrix with at least as many rows as columns. */
@@ -103,7 +105,8 @@ public:
         leftVectors_ = leftVectors;
         const int32_t groups = (columns + 3) / 4 * 4;
         const int64_t tall = padded(rows), wide = padded(columns), sums = padded(rotationRoom());
-        if (!store_.reserve(rows * wide + (groups + leftVectors + 1) * tall + (groups + columns + 6) * wide + 4 * sums,
+        if (!store_.reserve(rows * wide + (groups + leftVectors + 1) * tall + (groups + columns + 6) * wide +
+                                4 * sums,
                             int64_t{rows} + 2 * groups + leftVectors + columns + 11))
             return false;
         a = store_.take(rows, columns);
@@ -159,7 +162,8 @@ private:
                          leftReflections_.row[column], sum_});
     }
 
-    /** Reflect column k onto its diagonal, as far as row k is concerned, and prepare it for the rows below. */
+    /** Reflect column k onto its diagonal, as far as row k is concerned, and prepare it for the rows below.
+     */
     void reduceColumn(int32_t k) noexcept
     {
         double *v = leftReflections_.row[k];
@@ -286,7 +290,8 @@ private:
     bool negligibleAbove(int32_t i) const noexcept
     {
         const double e = std::fabs(offDiagonal_[i]);
-        return e <= epsilon * (std::fabs(value[i]) + std::fabs(value[i + 1])) || e < std::numeric_limits<double>::min();
+        return e <= epsilon * (std::fabs(value[i]) + std::fabs(value[i + 1])) ||
+               e < std::numeric_limits<double>::min();
     }
 
     void sweep(int32_t first, int32_t last) noexcept
@@ -301,8 +306,10 @@ private:
         const int32_t from = down ? first : last;
         double *c0 = rotation_[0] + used_, *s0 = rotation_[1] + used_;
         double *c1 = rotation_[2] + used_, *s1 = rotation_[3] + used_;
-        rightSweep_[sweeps_] = down ? RotationSweep{from, 1, count, c0, s0} : RotationSweep{from, -1, count, c1, s1};
-        leftSweep_[sweeps_] = down ? RotationSweep{from, 1, count, c1, s1} : RotationSweep{from, -1, count, c0, s0};
+        rightSweep_[sweeps_] =
+            down ? RotationSweep{from, 1, count, c0, s0} : RotationSweep{from, -1, count, c1, s1};
+        leftSweep_[sweeps_] =
+            down ? RotationSweep{from, 1, count, c1, s1} : RotationSweep{from, -1, count, c0, s0};
         ++sweeps_;
         used_ += count;
         const double shift = shiftOf(s);
@@ -328,7 +335,8 @@ private:
         return ratio * ratio < epsilon ? 0 : shift;
     }
 
-    static void sweepWithShift(const Stretch &s, double shift, double *c0, double *s0, double *c1, double *s1) noexcept
+    static void sweepWithShift(const Stretch &s, double shift, double *c0, double *s0, double *c1,
+                               double *s1) noexcept
     {
         const double top = s.diagonal(0);
         double f = (std::fabs(top) - shift) * (std::copysign(1.0, top) + shift / top), g = s.above(0);

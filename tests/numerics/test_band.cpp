@@ -179,7 +179,8 @@ TEST(Band, EveryRefusedAllocationIsAFailure)
         Band band(random, 20, semi);
         Problem problem(random, band.full(), 2);
         refusingEachAllocation([&] {
-            uint32_t failed = SolvBandMatSys(20, semi, &band, 2, problem.rhs.data(), problem.solutions.data());
+            uint32_t failed =
+                SolvBandMatSys(20, semi, &band, 2, problem.rhs.data(), problem.solutions.data());
             EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0 ? 1u : 0u);
         });
     }
@@ -251,7 +252,9 @@ TEST(PivotedBand, ElementsStandByTheirDistanceFromTheDiagonal)
 TEST(PivotedBand, ThePivotIsTheLargestAndTheLaterOfEqualOnes)
 {
     OwnGenMat band;
-    Matrix full(4, 4, [](int32_t i, int32_t j) { return j > 0 ? 1.0 : i == 0 ? 1 : i == 1 ? -3 : i == 2 ? 3 : 9; });
+    Matrix full(4, 4, [](int32_t i, int32_t j) {
+        return j > 0 ? 1.0 : i == 0 ? 1 : i == 1 ? -3 : i == 2 ? 3 : 9;
+    });
     ASSERT_EQ(VxMatBandMk(&full, 4, 2, 1, &band), 0u);
     int32_t row = -1;
     EXPECT_EQ(VxMatBandGetPvt(&band, 4, 0, 2, &row), 0u);
@@ -293,7 +296,9 @@ TEST(ThreeDiagonals, AreSolvedInPlaceToo)
             return i == j ? diagonal[at] : j == i - 1 ? lower[at] : j == i + 1 ? upper[at] : 0;
         });
         Problem problem(random, full, 1);
-        EXPECT_EQ(VxMatSolvTriDag(n, lower.data(), diagonal.data(), upper.data(), problem.rhs[0], problem.rhs[0]), 0u);
+        EXPECT_EQ(
+            VxMatSolvTriDag(n, lower.data(), diagonal.data(), upper.data(), problem.rhs[0], problem.rhs[0]),
+            0u);
         EXPECT_LT(largestDifference(problem.right[0], problem.expected[0]), 1e-14);
         refusingEachAllocation([&] {
             uint32_t failed = VxMatSolvTriDag(n, lower.data(), diagonal.data(), upper.data(), problem.rhs[0],
@@ -301,7 +306,9 @@ TEST(ThreeDiagonals, AreSolvedInPlaceToo)
             EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0 ? 1u : 0u);
         });
         diagonal[0] = -0.9e-12;
-        EXPECT_EQ(VxMatSolvTriDag(n, lower.data(), diagonal.data(), upper.data(), problem.rhs[0], problem.rhs[0]), 1u);
+        EXPECT_EQ(
+            VxMatSolvTriDag(n, lower.data(), diagonal.data(), upper.data(), problem.rhs[0], problem.rhs[0]),
+            1u);
     }
     double none[] = {0, 0}, ones[] = {1, 1}, x[2];
     EXPECT_EQ(VxMatSolvTriDag(2, ones, ones, ones, ones, x), 1u) << "the second pivot vanishes";

@@ -48,8 +48,8 @@ void expectSame(const Elements &found, const Elements &expected)
     ASSERT_EQ(found.size(), expected.size());
     for (size_t i = 0; i < found.size(); ++i)
         ASSERT_EQ(std::memcmp(&found[i], &expected[i], sizeof found[i]), 0)
-            << i << ": [" << found[i].row << "," << found[i].column << "] = " << found[i].value << " instead of ["
-            << expected[i].row << "," << expected[i].column << "] = " << expected[i].value;
+            << i << ": [" << found[i].row << "," << found[i].column << "] = " << found[i].value
+            << " instead of [" << expected[i].row << "," << expected[i].column << "] = " << expected[i].value;
 }
 
 /** What compacting amounts to, by a sort of whole elements. */
@@ -58,7 +58,8 @@ Elements compacted(Elements elements)
     auto key = [](const CooMatrixElement &e) {
         return std::tuple(e.column, e.row, std::fabs(e.value), e.value);
     };
-    std::sort(elements.begin(), elements.end(), [&](const auto &a, const auto &b) { return key(a) < key(b); });
+    std::sort(elements.begin(), elements.end(),
+              [&](const auto &a, const auto &b) { return key(a) < key(b); });
     Elements kept;
     for (const auto &e : elements)
         if (!kept.empty() && kept.back().row == e.row && kept.back().column == e.column)
@@ -74,7 +75,8 @@ Elements randomElements(std::mt19937 &random, size_t count, int32_t rows, int32_
     for (auto &e : elements) {
         e.row = static_cast<int32_t>(random() % static_cast<uint32_t>(rows)) - rows / 3;
         e.column = static_cast<int32_t>(random() % static_cast<uint32_t>(columns)) - columns / 3;
-        e.value = std::ldexp(static_cast<double>(random() % 2000) - 1000, static_cast<int>(random() % 60) - 30);
+        e.value =
+            std::ldexp(static_cast<double>(random() % 2000) - 1000, static_cast<int>(random() % 60) - 30);
     }
     return elements;
 }
@@ -96,9 +98,18 @@ TEST(CooMatrix, CompactsLikeASortOfWholeElements)
         size_t count;
         int32_t rows, columns;
     };
-    for (auto [count, rows, columns] : {Case{1, 1, 1}, {2, 1, 1}, {24, 3, 3}, {25, 1, 9}, {60, 1, 1}, {500, 7, 1},
-                                        {3000, 2000, 3}, {5000, INT_MAX, INT_MAX}, {40000, 300, 20},
-                                        {300000, 100000, 100000}, {300000, 2, 70000}, {300000, 1, 2}}) {
+    for (auto [count, rows, columns] : {Case{1, 1, 1},
+                                        {2, 1, 1},
+                                        {24, 3, 3},
+                                        {25, 1, 9},
+                                        {60, 1, 1},
+                                        {500, 7, 1},
+                                        {3000, 2000, 3},
+                                        {5000, INT_MAX, INT_MAX},
+                                        {40000, 300, 20},
+                                        {300000, 100000, 100000},
+                                        {300000, 2, 70000},
+                                        {300000, 1, 2}}) {
         SCOPED_TRACE(testing::Message() << count << " in " << rows << " x " << columns);
         Elements elements = randomElements(random, count, rows, columns);
         CooMatrix matrix;
@@ -286,7 +297,8 @@ TEST(CooMatrix, LosesNothingWhenMemoryIsRefused)
             if (!thrown)
                 expectSame(stored(matrix), expected);
             else
-                expectSame(stored(matrix), compacted({elements.begin(), elements.begin() + static_cast<long>(before)}));
+                expectSame(stored(matrix),
+                           compacted({elements.begin(), elements.begin() + static_cast<long>(before)}));
         });
     EXPECT_TRUE(refusedBefore) << "compacting does without memory";
 
@@ -301,9 +313,7 @@ TEST(CooMatrix, LosesNothingWhenMemoryIsRefused)
                 thrown = true;
             }
         },
-        [&](bool refused) {
-            EXPECT_TRUE(refused || matrix.Size() == 5);
-        });
+        [&](bool refused) { EXPECT_TRUE(refused || matrix.Size() == 5); });
 }
 
 // ---------------------------------------------------------------- files
@@ -325,7 +335,8 @@ struct Texts {
         for (const auto &[at, value] : byColumn) {
             diagonal += at.first == at.second;
             columns = std::max(columns, at.first + 1);
-            list += "[" + std::to_string(at.second) + "," + std::to_string(at.first) + "] = " + number(value) + "\r\n";
+            list += "[" + std::to_string(at.second) + "," + std::to_string(at.first) +
+                    "] = " + number(value) + "\r\n";
         }
         list = "[row,column] = value (" + std::to_string(byColumn.size()) + " total elements, " +
                std::to_string(diagonal) + " elements on diagonal)\r\n" + list;
@@ -366,9 +377,10 @@ std::string convection(int32_t n)
     std::string entries;
     for (int32_t i = n; i >= 1; --i)
         for (int32_t j = std::max(1, i - 1); j <= std::min(n, i + 2); ++j)
-            entries += std::to_string(i) + " " + std::to_string(j) + " " + std::to_string(i * 0.125 - j * 1e-6) + "\n";
-    return "%%MatrixMarket matrix coordinate real general\n" + std::to_string(n) + " " + std::to_string(n) + " " +
-           std::to_string(std::count(entries.begin(), entries.end(), '\n')) + "\n" + entries;
+            entries += std::to_string(i) + " " + std::to_string(j) + " " +
+                       std::to_string(i * 0.125 - j * 1e-6) + "\n";
+    return "%%MatrixMarket matrix coordinate real general\n" + std::to_string(n) + " " + std::to_string(n) +
+           " " + std::to_string(std::count(entries.begin(), entries.end(), '\n')) + "\n" + entries;
 }
 
 CooMatrix readMatrixMarket(const std::string &text)

@@ -109,8 +109,13 @@ TEST(Svd, DifficultMatricesAreDecomposed)
              Case{"graded", [](int32_t i, int32_t j) { return std::pow(10.0, -i - j); }},
              Case{"graded upwards", [](int32_t i, int32_t j) { return std::pow(10.0, (i + j) / 2.0 - 19); }},
              Case{"Jordan block", [](int32_t i, int32_t j) { return j == i + 1 ? 1.0 : 0.0; }},
-             Case{"bidiagonal with zeros", [](int32_t i, int32_t j) { return i == j ? i % 3 : j == i + 1 ? 1 : 0; }},
-             Case{"triangle of ones", [](int32_t i, int32_t j) { return i == j ? 1 : j > i ? -1 : 0; }},
+             Case{"bidiagonal with zeros",
+                  [](int32_t i, int32_t j) { return i == j       ? i % 3
+                                                    : j == i + 1 ? 1
+                                                                 : 0; }},
+             Case{"triangle of ones", [](int32_t i, int32_t j) { return i == j  ? 1
+                                                                        : j > i ? -1
+                                                                                : 0; }},
              Case{"tiny", [](int32_t i, int32_t j) { return 1e-300 * (i * j % 7 + 1); }},
              Case{"huge", [](int32_t i, int32_t j) { return 1e300 * (i * j % 7 - 3); }},
              Case{"one column", [](int32_t i, int32_t j) { return j == 4 ? i - 3.0 : 0.0; }},
