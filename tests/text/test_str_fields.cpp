@@ -67,9 +67,7 @@ Expected splitAt(const std::string &s, const Chars &delimiters, size_t width, si
 
 TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
 {
-    for (int run = 0; run < 3000; ++run) {
-        SCOPED_TRACE(run);
-        const std::string s = anyText(16);
+    for (const std::string &s : texts(3000, 16)) {
         const Chars delimiters = {anyChar(s), any(2) ? anyChar(s) : ","};
         const size_t width = 1 + any(6);
         const size_t capacity = 1 + any(6);
@@ -119,17 +117,11 @@ TEST(StrFieldsBytes, TheFixedFormsHaveTheWidthsOfTheirNames)
             EXPECT_EQ(fields.first(count),
                       (std::vector<std::string>{trims ? "a" : " a ", "", last.substr(0, width - 1)}));
         }
-    FieldArray words(32, 4);
-    int32_t count = 4;
-    EXPECT_EQ(VxStrParse_Space("a b\t\tc", words.data(), &count), 0u);
-    EXPECT_EQ(words.first(count), (std::vector<std::string>{"a", "b", "", "c"}));
 }
 
 TEST_P(StrFields, WordsAreWhatStandsBetweenWhiteSpace)
 {
-    for (int run = 0; run < 2000; ++run) {
-        SCOPED_TRACE(run);
-        const std::string s = anyText(10);
+    for (const std::string &s : texts(2000, 10)) {
         std::vector<std::string> words(1);
         for (const std::string &ch : split(s)) {
             if (!isBlank(ch))
@@ -161,9 +153,7 @@ TEST(StrFieldsDeathTest, AWordThatTheBufferCannotHoldStopsTheProcess)
 
 TEST_P(StrFields, StepsGoByCharactersAndDelimiters)
 {
-    for (int run = 0; run < 2000; ++run) {
-        SCOPED_TRACE(run);
-        const std::string s = anyText(8);
+    for (const std::string &s : texts(2000, 8)) {
         const char *p = s.c_str();
         for (const std::string &ch : split(s)) {
             ASSERT_EQ(VxStrNext(p), p + ch.size());
@@ -189,31 +179,6 @@ TEST_P(StrFields, StepsGoByCharactersAndDelimiters)
             ASSERT_EQ(walk, places.back());
         }
         ASSERT_EQ(VxStrMovePtrRev(buffer.data(), &walk, delimiter), 1u);
-    }
-}
-
-TEST(StrFieldsBytes, IntegersAreReadOneAfterTheOther)
-{
-    Buffer buffer("x12, -7;+3 - 4 2147483648 -2147483648end");
-    char *p = buffer.data();
-    for (int32_t expected : {12, -7, 3, 4, INT32_MAX, INT32_MIN})
-        EXPECT_EQ(VxStrNextInt(&p), expected);
-    EXPECT_STREQ(p, "end");
-    EXPECT_EQ(VxStrNextInt(&p), 0);
-    EXPECT_STREQ(p, "");
-}
-
-TEST(StrFieldsBytes, AUidIsThreeIntegersAndNothingElse)
-{
-    for (const char *good : {"1,-2,3", "1:-2:3", " 1 -2\t3 ", "1 , -2 : 3"}) {
-        int32_t uid[3] = {};
-        EXPECT_EQ(VxStrParseUid(good, uid), 0u) << good;
-        EXPECT_TRUE(uid[0] == 1 && uid[1] == -2 && uid[2] == 3) << good;
-    }
-    for (const char *bad : {"", "1,2", "1,2,3,4", "1,,3", "1;2;3", "1-2-3", "1,2,2147483648", ",1,2,3"}) {
-        int32_t uid[3] = {7, 8, 9};
-        EXPECT_EQ(VxStrParseUid(bad, uid), 1u) << bad;
-        EXPECT_EQ(uid[0], 7) << bad;
     }
 }
 
