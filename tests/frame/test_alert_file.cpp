@@ -2,7 +2,6 @@
 
 #include <map>
 #include <string>
-#include <vector>
 
 #include "tests/support/captured_output.h"
 #include "tests/support/code_page.h"

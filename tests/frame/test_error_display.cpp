@@ -2,11 +2,9 @@
 
 #include <thread>
 
-#include "frame/message_table.h"
 #include "talm/base.hpp"
 #include "tests/support/captured_output.h"
 #include "tests/support/error_log.h"
-#include "vx/msg.h"
 #include "vx/tools.h"
 
 using namespace vx;
@@ -26,11 +24,6 @@ int32_t no()
 }
 
 int actions = 0;
-
-void act()
-{
-    ++actions;
-}
 
 class Display : public test::ErrorLog {
 protected:
@@ -93,26 +86,22 @@ TEST_F(Display, TheHostMayTakeTheNoteBackOrAct)
 {
     const struct {
         int32_t (*active)(), (*refused)(), (*kept)();
-        void (*action)();
-        int32_t checks, note, actions;
+        int32_t note, actions;
     } cases[] = {
-        {yes, no, yes, act, 1, 0, 0}, {yes, no, no, act, 1, 1, 1},      {yes, no, no, nullptr, 1, 1, 0},
-        {no, no, yes, act, 1, 1, 0},  {nullptr, no, yes, act, 1, 1, 0}, {yes, nullptr, yes, act, 1, 1, 0},
+        {yes, no, yes, 0, 0}, {yes, no, no, 1, 1}, {nullptr, no, yes, 1, 0}, {yes, nullptr, yes, 1, 0},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(&c - cases);
         host(28, c.active);
         host(32, c.refused);
         host(33, c.kept);
-        host(35, c.action);
-        EsSetLevel(6, 4, c.checks);
+        host(35, +[] { ++actions; });
         VgActiveErrOccurred = 1;
         actions = 0;
         EXPECT_EQ(VxErrDisplay(), 0u);
         EXPECT_EQ(VgActiveErrOccurred, c.note);
         EXPECT_EQ(actions, c.actions);
     }
-    EsSetLevel(6, 4, 1);
 }
 
 TEST_F(Display, TheHostsFunctionsMayLog)
@@ -125,20 +114,6 @@ TEST_F(Display, TheHostsFunctionsMayLog)
     EXPECT_EQ(VxErrDisplay(), 0u);
     EXPECT_EQ(VxErrCnt(), 0);
     EXPECT_EQ(VgActiveErrOccurred, 1);
-}
-
-TEST_F(Display, TheDefaultHookPrintsThroughTheCatalogue)
-{
-    VxMsgFree();
-    int32_t id = -1;
-    ASSERT_EQ(VxMsgLoadFile("Tools.MSG", &id), 0u);
-    EXPECT_EQ(VxErrDefDspFun(), 0u);
-    test::CapturedOutput output;
-    for (int32_t severity : {-1, 0, 1, 2, 3})
-        errorState().displayHook(0, severity, "100%d");
-    EXPECT_EQ(output.text(), "Error: 100%d\nWarning: 100%d\nInformation: 100%d\n");
-    VxMsgFree();
-    VxErrSetDspFun(nullptr);
 }
 
 }

@@ -1,7 +1,6 @@
 #include "vx/tools.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -9,21 +8,15 @@
 
 #include <gtest/gtest.h>
 
-#include "files/dmpath.h"
 #include "frame/modules.h"
 #include "session/journal.h"
-#include "talm/base.hpp"
 #include "tests/frame/running_toolkit.h"
 #include "tests/support/captured_output.h"
 #include "tests/support/faults.h"
-#include "vx/debug.h"
 #include "vx/err.h"
-#include "vx/escape.h"
-#include "vx/list.h"
 #include "vx/mem.h"
 #include "vx/msg.h"
 #include "vx/openfile.h"
-#include "vx/pool.h"
 #include "vx/sym.h"
 
 using namespace vx;
@@ -69,17 +62,6 @@ TEST(Start, AHostMayStartAgainAfterItStopped)
         EXPECT_EQ(VxToolsMsgID(), -1);
         EXPECT_STREQ(VxMsg(first[0], 185), " ");
     }
-}
-
-TEST(Start, ASecondStartWithoutAStopKeepsAlertFilesAndLoadsCataloguesAnew)
-{
-    test::BeforeStart host;
-    ASSERT_TRUE(host.prepare());
-    ASSERT_EQ(VxToolsInit(), 0U);
-    int32_t alerts = VxToolsErrID(), messages = VxToolsMsgID();
-    ASSERT_EQ(VxToolsInit(), 0U);
-    EXPECT_EQ(VxToolsErrID(), alerts);
-    EXPECT_GT(VxToolsMsgID(), messages);
 }
 
 /** A root of its own, relative to which texts are found when VxPathInit was not called. */
@@ -142,39 +124,29 @@ TEST(Start, WhatIsRefusedOnTheWayMakesItFailAndNothingWorse)
 TEST(Start, TheOptionsOfTheStartAreReadWithTheirLimits)
 {
     test::BeforeStart host;
+    const std::string file = host.folder.text("session.jnl"), path = "Vx.SessionJournal = " + file + "\n";
     const struct {
-        const char *lines;
+        std::string lines;
         int32_t escape, backup, latest;
+        std::string journal;
     } cases[] = {
         // What no line sets keeps the value it had: 77.
-        {"", 77, 77, 77},
-        {"Vx.EscapeCount = -5\nVx.EmergencyBackup = Yes\nVx.LatestRev = no\n", 1, 1, 0},
-        {"Vx.EmergencyBackup = perhaps\nVx.LatestRev = Y\n", 77, 77, 1},
-        {"Vx.EscapeCount = 1001\nvx.latestrev = yes\n", 1000, 77, 77},
+        {path, 77, 77, 77, ""},
+        {"Vx.EscapeCount = -5\nVx.EmergencyBackup = Yes\nVx.LatestRev = no\n", 1, 1, 0, ""},
+        {"Vx.EscapeCount = 1001\nvx.latestrev = yes\n", 1000, 77, 77, ""},
+        {path + "Vx.SessionJournalOpt = yes\nVx.LatestRev = perhaps\n", 77, 77, 77, file},
     };
-    for (const auto &[lines, escape, backup, latest] : cases) {
+    for (const auto &[lines, escape, backup, latest, journal] : cases) {
         host.setOptions(lines);
         VgEscapeCnt = VgEmergencyBackup = VgGetLatestRev = 77;
         EXPECT_EQ(VxToolsCfgInit(), 0U);
         EXPECT_EQ(VgEscapeCnt, escape) << lines;
         EXPECT_EQ(VgEmergencyBackup, backup) << lines;
         EXPECT_EQ(VgGetLatestRev, latest) << lines;
+        EXPECT_EQ(session::journal.path, journal) << lines;
     }
     VgEscapeCnt = 500;
     VgEmergencyBackup = VgGetLatestRev = 0;
-}
-
-TEST(Start, TheJournalIsOnOnlyWhenTheOptionSaysYes)
-{
-    test::BeforeStart host;
-    const std::string file = host.folder.text("session.jnl"), path = "Vx.SessionJournal = " + file + "\n";
-    for (const auto &[options, journal] : {std::pair{path + "Vx.SessionJournalOpt = yes\n", file}, {path, ""},
-                                           {path + "Vx.SessionJournalOpt = no\n", ""},
-                                           {"Vx.SessionJournalOpt = yes\n", ""}}) {
-        host.setOptions(options);
-        VxToolsCfgInit();
-        EXPECT_EQ(session::journal.path, journal) << options;
-    }
 }
 
 }

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/os/test_values.h"
-#include "tests/support/code_page.h"
 
 using namespace vx;
 

