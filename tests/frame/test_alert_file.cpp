@@ -1,11 +1,9 @@
 #include "frame/alert_file.h"
 
-#include <map>
 #include <string>
 
 #include "tests/support/captured_output.h"
 #include "tests/support/code_page.h"
-#include "tests/support/conversions.h"
 #include "tests/support/error_log.h"
 #include "tests/support/faults.h"
 
@@ -131,24 +129,6 @@ TEST_F(AlertFiles, WithoutMemoryNothingIsRegistered)
         EXPECT_EQ(id, result ? -5 : 0);
         EXPECT_EQ(errorState().alertFiles.size(), result ? 0u : 1u);
     });
-}
-
-TEST_F(AlertFiles, TheShippedTextsTakeTheArgumentsThatTheirCallersGive)
-{
-    std::map<int32_t, std::string> conversions = {{1, "d"},  {2, "d"},  {3, "d"},   {20, "s"}, {22, "s"},
-                                                  {23, "s"}, {44, "s"}, {55, "sd"}, {56, "s"}, {61, "s"},
-                                                  {65, "s"}, {66, "s"}, {69, "s"},  {80, "ss"}, {81, "s"}};
-    for (int32_t plain : {19, 29, 30, 46, 47, 48, 49, 50, 51, 52, 57, 73, 83, 84})
-        conversions[plain] = "";
-    int32_t id = -1;
-    ASSERT_EQ(VxErrLoadFile("Tools.ALERT", &id), 0u) << "run from the folder of the product";
-    for (int32_t number = 0; number < 1000; ++number) {
-        const Found found = find(id, number);
-        ASSERT_EQ(found.result == 0, conversions.contains(number)) << number;
-        if (found.result == 0) {
-            EXPECT_EQ(test::conversions(found.text), conversions[number]) << number;
-        }
-    }
 }
 
 }

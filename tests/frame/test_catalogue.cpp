@@ -1,12 +1,10 @@
 #include "frame/catalogue.h"
 
-#include <map>
 
 #include <gtest/gtest.h>
 
 #include "frame/message_table.h"
 #include "tests/support/captured_output.h"
-#include "tests/support/conversions.h"
 #include "tests/support/faults.h"
 #include "tests/support/temp_folder.h"
 #include "text/lang.h"
@@ -132,13 +130,11 @@ TEST_F(Catalogues, WhatCannotBeReadLeavesTheId)
     test::refusingEachVerb(body, "fileStatus");
 }
 
-TEST_F(Catalogues, TheShippedTextsStandAtTheirLabelsAndTakeWhatTheirCallersGive)
+TEST_F(Catalogues, TheShippedTextsStandAtTheirLabels)
 {
     int32_t id = -1;
     ASSERT_EQ(VxMsgLoadFile("Tools.MSG", &id), 0u) << "run from the folder of the product";
     const std::vector<char> &bytes = frame::messages().entries[static_cast<size_t>(id)].catalogue.bytes();
-    std::map<int32_t, std::string> conversions = {{2, "s"},  {3, "s"},    {4, "s"},  {45, "s"},
-                                                  {46, "s"}, {124, "dd"}, {125, "d"}};
     for (int32_t number = 0; number < 230; ++number) {
         const char *text = VxMsg(id, number);
         // The label stands before the text, ended by a comma and begun by the end of the line above.
@@ -146,9 +142,7 @@ TEST_F(Catalogues, TheShippedTextsStandAtTheirLabelsAndTakeWhatTheirCallersGive)
         while (label > bytes.data() && label[-1] != '\0' && label[-1] != '\n')
             --label;
         EXPECT_EQ(std::string(label, text), std::to_string(number) + ",");
-        EXPECT_EQ(test::conversions(text), conversions[number]) << number;
     }
-    EXPECT_STREQ(VxMsg(id, 230), " ");
 }
 
 }

@@ -15,27 +15,19 @@ using StrFields = OnEveryPage;
 INSTANTIATE_TEST_SUITE_P(Pages, StrFields, testing::Values(932, 936, 949, 950, 1252, 65001));
 
 /** The caller's array in a block of its exact size. */
-class FieldArray {
-public:
-    FieldArray(size_t width, size_t capacity) : width_(width), bytes_(width * capacity, '#') {}
+struct FieldArray {
+    FieldArray(size_t fieldWidth, size_t capacity) : width(fieldWidth), bytes(width * capacity, '#') {}
 
-    char *data() { return bytes_.data(); }
     std::vector<std::string> first(int32_t count) const
     {
         std::vector<std::string> fields;
-        for (const char *field = bytes_.data(); count > 0; --count, field += width_)
-            fields.emplace_back(field, strnlen(field, width_));
+        for (const char *field = bytes.data(); count > 0; --count, field += width)
+            fields.emplace_back(field, strnlen(field, width));
         return fields;
     }
-    bool isClearFrom(size_t i) const
-    {
-        return std::all_of(bytes_.begin() + static_cast<ptrdiff_t>(i * width_), bytes_.end(),
-                           [](char c) { return c == '\0'; });
-    }
 
-private:
-    size_t width_;
-    std::vector<char> bytes_;
+    size_t width;
+    std::string bytes;
 };
 
 struct Expected {
@@ -75,9 +67,10 @@ TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
         auto check = [&](auto parse) {
             FieldArray fields(width, capacity);
             int32_t count = static_cast<int32_t>(capacity);
-            ASSERT_EQ(parse(fields.data(), &count), expected.cut);
+            ASSERT_EQ(parse(fields.bytes.data(), &count), expected.cut);
             ASSERT_EQ(fields.first(count), expected.fields);
-            ASSERT_TRUE(fields.isClearFrom(expected.fields.size()));
+            const std::string rest = fields.bytes.substr(expected.fields.size() * width);
+            ASSERT_EQ(rest, std::string(rest.size(), '\0'));
         };
         const int32_t w = static_cast<int32_t>(width);
         check([&](char *fields, int32_t *count) {
@@ -113,7 +106,7 @@ TEST(StrFieldsBytes, TheFixedFormsHaveTheWidthsOfTheirNames)
             const std::string last(length, 'x');
             FieldArray fields(width, 3);
             int32_t count = 3;
-            EXPECT_EQ(parse((" a ,," + last).c_str(), fields.data(), &count), length == width);
+            EXPECT_EQ(parse((" a ,," + last).c_str(), fields.bytes.data(), &count), length == width);
             EXPECT_EQ(fields.first(count),
                       (std::vector<std::string>{trims ? "a" : " a ", "", last.substr(0, width - 1)}));
         }
@@ -147,7 +140,6 @@ TEST_P(StrFields, WordsAreWhatStandsBetweenWhiteSpace)
 TEST(StrFieldsDeathTest, AWordThatTheBufferCannotHoldStopsTheProcess)
 {
     EXPECT_EQ(VxStrElem((" " + std::string(255, 'w')).c_str(), 1), std::string(255, 'w'));
-    EXPECT_EQ(VxStrElemIs(std::string(256, 'w').c_str(), "w", 1), 0);
     EXPECT_DEATH(VxStrElem((" " + std::string(256, 'w')).c_str(), 1), "256");
 }
 

