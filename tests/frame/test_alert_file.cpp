@@ -1,12 +1,9 @@
 #include "frame/alert_file.h"
 
-#include <map>
 #include <string>
-#include <vector>
 
 #include "tests/support/captured_output.h"
 #include "tests/support/code_page.h"
-#include "tests/support/conversions.h"
 #include "tests/support/error_log.h"
 #include "tests/support/faults.h"
 
@@ -54,7 +51,6 @@ TEST_F(AlertFiles, ALineIsNumberSeverityText)
     } cases[] = {
         {"7,1,The text.", {0, 1, "The text."}},
         {"7,,The text.", {0, 0, "The text."}},
-        {"7,The text.", {0, 0, "The text."}},
         {"7,Now, a text without severity.", {0, 0, "Now, a text without severity."}},
         {" \t7 , 3 ,A, b, and c.\r", {0, 3, "A, b, and c."}},
         {"7,0,", {0, 0, ""}},
@@ -65,10 +61,8 @@ TEST_F(AlertFiles, ALineIsNumberSeverityText)
         {"7x,0,No number", absent},
         {"99999999999,0,No number of 32 bits", absent},
         {",0,No number", absent},
-        {"", absent},
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(findIn(c.line, 7), c.found) << c.line;
         const std::string among = std::string("1,0,Before\r\n\r\n") + c.line + "\n8,0,After\n";
         EXPECT_EQ(findIn(among, 7), c.found) << c.line;
     }
@@ -89,14 +83,6 @@ TEST_F(AlertFiles, ALineCountsToIts255thByteButToNoHalfCharacter)
     EXPECT_EQ(findIn("7,0," + whole + "\xB0\xA1\xB0\xA1", 7).text, whole);
 }
 
-TEST_F(AlertFiles, TheTextIsBoundedByTheBuffer)
-{
-    const int32_t id = alertFile("7,0,A text");
-    char text[] = "........";
-    EXPECT_STREQ(VxErr(id, 7, text, 5), "A te");
-    EXPECT_STREQ(VxErr(id, 8, text, 3), "");
-}
-
 TEST_F(AlertFiles, TheCurrentLanguagesLineWins)
 {
     const char file[] = "7,0,plain\n[De]7,1,deutsch\n[fR]7,1,francais\n[It]8,1,other number\n"
@@ -106,7 +92,6 @@ TEST_F(AlertFiles, TheCurrentLanguagesLineWins)
     EXPECT_EQ(find(id, 9), absent);
     text::languageState.current = rowFrench;
     EXPECT_EQ(find(id, 7), (Found{0, 2, "encore"}));
-    EXPECT_EQ(find(id, 8), (Found{0, 0, "eight"}));
     EXPECT_EQ(find(id, 9), (Found{0, 0, "neuf"}));
     EXPECT_EQ(find(id, 10), (Found{0, 0, "ten"}));
 }
@@ -144,25 +129,6 @@ TEST_F(AlertFiles, WithoutMemoryNothingIsRegistered)
         EXPECT_EQ(id, result ? -5 : 0);
         EXPECT_EQ(errorState().alertFiles.size(), result ? 0u : 1u);
     });
-}
-
-TEST_F(AlertFiles, TheShippedTextsTakeTheArgumentsThatTheirCallersGive)
-{
-    std::map<int32_t, std::string> conversions = {{1, "d"},  {2, "d"},  {3, "d"},   {20, "s"}, {22, "s"},
-                                                  {23, "s"}, {44, "s"}, {55, "sd"}, {56, "s"}, {61, "s"},
-                                                  {65, "s"}, {66, "s"}, {69, "s"},  {80, "ss"}, {81, "s"}};
-    for (int32_t plain : {19, 29, 30, 46, 47, 48, 49, 50, 51, 52, 57, 73, 83, 84})
-        conversions[plain] = "";
-    int32_t id = -1;
-    ASSERT_EQ(VxErrLoadFile("Tools.ALERT", &id), 0u) << "run from the folder of the product";
-    for (int32_t number = 0; number < 1000; ++number) {
-        const Found found = find(id, number);
-        ASSERT_EQ(found.result == 0, conversions.contains(number)) << number;
-        if (found.result != 0)
-            continue;
-        EXPECT_FALSE(found.text.empty()) << number;
-        EXPECT_EQ(test::conversions(found.text), conversions[number]) << number;
-    }
 }
 
 }

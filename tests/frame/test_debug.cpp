@@ -1,127 +1,51 @@
 #include "vx/debug.h"
 
-#include <map>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "platform/os/os.h"
-#include "talm/config.hpp"
 #include "tests/support/code_page.h"
+#include "tests/support/options.h"
 
 using namespace vx;
 
 namespace {
 
-/** Options out of a map. */
-class Options : public IConfigMgr {
-public:
-    uint32_t GetValue(const char *key, char **text, bool) override
-    {
-        auto option = values.find(key);
-        *text = option == values.end() ? nullptr : strdup(option->second.c_str());
-        return *text == nullptr;
-    }
-    uint32_t SetValue(const char *, const char *) override { return 1; }
-    bool Load(int32_t) override { return true; }
-
-    std::map<std::string, std::string> values;
-};
-
 class Debug : public testing::Test {
 protected:
-    Debug()
-    {
-        TalmSetConfigMgr(&options_);
-        VgDbgDisplayLoc = VgCondDbg = 0;
-    }
-
     ~Debug() override
     {
-        TalmSetConfigMgr(nullptr);
         os::setDebuggerSink(nullptr);
-        VgDbgDisplayLoc = VgCondDbg = 0;
+        VgDbgDisplayLoc = 0;
         VgDbgFopenMode[0] = 'w';
     }
-
-    std::map<std::string, std::string> &values() { return options_.values; }
-
-    struct Channel {
-        int32_t on, append, group, level;
-        std::string file, mode;
-
-        bool operator==(const Channel &) const = default;
-    };
-
-    static Channel channel(const char *name, int32_t size = 40)
-    {
-        char file[40] = "untouched";
-        Channel c{-1, -1, -1, -1, "", ""};
-        c.on = VxGetDbgConfig(name, file, size, &c.append, &c.group, &c.level);
-        c.file = file;
-        c.mode = VgDbgFopenMode;
-        return c;
-    }
-
-private:
-    Options options_;
 };
 
-TEST_F(Debug, AChannelIsOffUnlessItsKeyIsSet)
-{
-    values() = {{"Debug.Expr.File", "x"}, {"Debug.Expr.Group", "3"}, {"Debug.Expr.Level", "4"}};
-    EXPECT_EQ(channel("Expr"), (Channel{0, 0, 0, 0, "", "w"}));
-    for (const char *off : {"0", "no number"}) {
-        values()["Debug.Expr"] = off;
-        EXPECT_EQ(channel("Expr"), (Channel{0, 0, 0, 0, "", "w"})) << off;
-    }
-    values()["Debug.Expr"] = "1";
-    EXPECT_EQ(channel("Expr"), (Channel{1, 0, 3, 4, "x", "w"}));
-    values() = {{"Debug.Expr", "-1"}};
-    EXPECT_EQ(channel("Expr"), (Channel{1, 0, 0, 0, "stderr", "w"}));
-    EXPECT_EQ(channel(nullptr).on, 0);
-}
-
-TEST_F(Debug, TheFileOptionSaysWhereAndHow)
+TEST_F(Debug, TheFileOptionOfAChannelThatIsOnSaysWhereAndHow)
 {
     const struct {
-        const char *option, *file, *mode;
+        const char *on, *option, *file, *mode;
     } cases[] = {
-        {">>trace.log", "trace.log", "a"},    {"D:\\dir\\trace.log", "D", "w"},
-        {"to stdout, please", "stdout", "w"}, {">>stdout.stderr", "stdout", "w"},
-        {"a_b-c+d.9Z", "a_b-c+d.9Z", "w"},    {"\\trace.log", "stderr", "w"},
-        {">> trace.log", "stderr", "a"},      {"x>>y", "y", "a"},
-        {">>stderr", "stderr", "w"},          {"", "stderr", "w"},
+        {"1", ">>trace.log", "trace.log", "a"},    {"1", "D:\\dir\\trace.log", "D", "w"},
+        {"1", "to stdout, please", "stdout", "w"}, {"1", ">>stdout.stderr", "stdout", "w"},
+        {"1", "a_b-c+d.9Z", "a_b-c+d.9Z", "w"},    {"1", ">> trace.log", "stderr", "a"},
+        {"-1", "x>>y", "y", "a"},                  {"-1", "", "stderr", "w"},
+        {"0", ">>trace.log", "", "w"},
     };
-    values()["Debug.Expr"] = "1";
+    test::Options options;
     for (const auto &c : cases) {
-        values()["Debug.Expr.File"] = c.option;
-        Channel found = channel("Expr");
-        EXPECT_EQ(found.file, c.file) << c.option;
-        EXPECT_EQ(found.mode, c.mode) << c.option;
-        EXPECT_EQ(found.append, *c.mode == 'a') << c.option;
-    }
-    values()["Debug.Expr.File"] = "trace.log";
-    EXPECT_EQ(channel("Expr", 6).file, "trace");
-}
-
-TEST_F(Debug, TheSwitchesFollowTheirOptions)
-{
-    const struct {
-        const char *option;
-        int32_t before, conditional, location;
-        uint32_t result;
-    } cases[] = {{nullptr, 0, 0, 0, 1}, {nullptr, 1, 1, 1, 1}, {"0", 1, 0, 0, 0}, {"1", 0, 1, 1, 1},
-                 {"2", 0, 0, 1, 1}};
-    for (const auto &[option, before, conditional, location, result] : cases) {
-        SCOPED_TRACE(option ? option : "no option");
-        if (option)
-            values() = {{"Debug.ValidMac", option}, {"Debug.DisplayLoc", option}};
-        VgCondDbg = VgDbgDisplayLoc = before;
-        VxSetDbgCondCnfg();
-        EXPECT_EQ(VxSetDbgDspCnfg(), result);
-        EXPECT_EQ(VgCondDbg, conditional);
-        EXPECT_EQ(VgDbgDisplayLoc, location);
+        SCOPED_TRACE(c.option);
+        options.values = {{"Debug.Expr", c.on}, {"Debug.Expr.File", c.option}, {"Debug.Expr.Group", "3"}};
+        char file[40] = "untouched";
+        int32_t append = -1, group = -1, level = -1;
+        const int32_t on = VxGetDbgConfig("Expr", file, sizeof file, &append, &group, &level);
+        EXPECT_EQ(on, *c.on != '0');
+        EXPECT_STREQ(file, c.file);
+        EXPECT_STREQ(VgDbgFopenMode, c.mode);
+        EXPECT_EQ(append, *c.mode == 'a');
+        EXPECT_EQ(group, on ? 3 : 0);
+        EXPECT_EQ(level, 0);
     }
 }
 
@@ -154,9 +78,6 @@ TEST_F(Debug, AnEntryGoesToStreamAndDebugger)
                                      "error  ERROR @ Module:mod, Line:-3\n"
                                      "warning  WARN @ Module:mod, Line:14");
     EXPECT_EQ(debugger, "value 0.5\nplain\nerror\nwarning");
-    EXPECT_EQ(VxDebugOutput(nullptr, 8, "mod", 1, 1, "text"), EOF);
-    EXPECT_EQ(VxDebugOutput(stream.file, 8, nullptr, 1, 1, "text"), EOF);
-    EXPECT_EQ(VxDebugOutput(stream.file, 8, "mod", 1, 1, nullptr), EOF);
 }
 
 TEST_F(Debug, AMessageHoldsAtMost2039BytesAndNoHalfCharacter)

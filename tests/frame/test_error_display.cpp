@@ -2,11 +2,9 @@
 
 #include <thread>
 
-#include "frame/message_table.h"
 #include "talm/base.hpp"
 #include "tests/support/captured_output.h"
 #include "tests/support/error_log.h"
-#include "vx/msg.h"
 #include "vx/tools.h"
 
 using namespace vx;
@@ -27,11 +25,6 @@ int32_t no()
 
 int actions = 0;
 
-void act()
-{
-    ++actions;
-}
-
 class Display : public test::ErrorLog {
 protected:
     Display() { VgActiveErrOccurred = 0; }
@@ -48,25 +41,17 @@ protected:
     }
 };
 
-TEST_F(Display, ErrorsWithTextAreNoted)
+TEST_F(Display, ErrorsWithTextAreNotedAlsoWhenTheTextIsLookedUp)
 {
-    for (auto [severity, noted] : {std::pair{1, 0}, {0, 1}, {-1, 1}}) {
+    const int32_t full = alertFile("1,0,one", "A.ALERT"), empty = alertFile("1,0,", "B.ALERT");
+    for (auto [id, severity, text, noted] :
+         {std::tuple{0, 0, "text", 1}, {0, 1, "text", 0}, {empty, 0, nullptr, 0}, {full, 0, nullptr, 1}}) {
         VgActiveErrOccurred = 0;
-        VxErrLogMsg(2 + severity, severity, "", 0, "text");
+        VxErrLogVa(id, 1, severity, "", 0, text);
         EXPECT_EQ(VxErrDisplay(), 0u);
-        EXPECT_EQ(VgActiveErrOccurred, noted) << severity;
+        EXPECT_EQ(VgActiveErrOccurred, noted) << id << ", " << severity;
         EXPECT_EQ(VxErrCnt(), 0);
-    }
-}
-
-TEST_F(Display, MissingTextsAreLookedUpAndAnEmptyOneIsNoErrorToShow)
-{
-    const int32_t full = alertFile("1,0,one\n2,0,two", "A.ALERT"), empty = alertFile("1,0,", "B.ALERT");
-    for (auto [id, number, noted] : {std::tuple{empty, 1, 0}, {full, 1, 1}, {full, 2, 1}}) {
-        VgActiveErrOccurred = 0;
-        VxErrLogVa(id, number, 0, "", 0, nullptr);
-        EXPECT_EQ(VxErrDisplay(), 0u);
-        EXPECT_EQ(VgActiveErrOccurred, noted);
+        setSecond(2000 + id + severity);
     }
 }
 
@@ -85,47 +70,38 @@ TEST_F(Display, ANumberNotFoundIsPrintedAndTheOthersGoOn)
 TEST_F(Display, AFileThatHasGoneKeepsTheListAndWhatWasLookedUp)
 {
     int32_t a = alertFile("1,0,one", "A.ALERT"), b = alertFile("1,0,one", "B.ALERT");
-    std::filesystem::remove(folder_.native() / "B.ALERT");
-    VxErrLogMsg(5, 0, "", 0, "given");
     VxErrLogVa(a, 1, 0, "", 0, nullptr);
     VxErrLogVa(b, 1, 0, "", 0, nullptr);
-    VxErrLogVa(12, 9, 0, "", 0, nullptr);
     test::CapturedOutput output;
+    std::filesystem::remove(folder_.native() / "B.ALERT");
     EXPECT_EQ(VxErrDisplay(), 1u);
     folder_.write("B.ALERT", "1,0,one");
     std::filesystem::remove(folder_.native() / "A.ALERT");
-    EXPECT_EQ(VxErrDisplay(), 1u);
-    EXPECT_EQ(output.text(), "Unable to access error file " + folder_.text("B.ALERT") +
-                                 ".\nUnable to access error file .\n");
-    EXPECT_EQ(pendingNumbers(), (std::vector<int32_t>{5, 1, 1, 9}));
-    EXPECT_EQ(VgActiveErrOccurred, 0);
+    EXPECT_EQ(VxErrDisplay(), 0u);
+    EXPECT_EQ(output.text(), "Unable to access error file " + folder_.text("B.ALERT") + ".\n");
+    EXPECT_EQ(VgActiveErrOccurred, 1);
 }
 
 TEST_F(Display, TheHostMayTakeTheNoteBackOrAct)
 {
     const struct {
         int32_t (*active)(), (*refused)(), (*kept)();
-        void (*action)();
-        int32_t checks, note, actions;
+        int32_t note, actions;
     } cases[] = {
-        {yes, no, yes, act, 1, 0, 0},     {yes, no, nullptr, act, 1, 0, 0},     {yes, no, no, act, 1, 1, 1},
-        {yes, no, no, nullptr, 1, 1, 0},  {no, no, yes, act, 1, 1, 0},          {yes, yes, yes, act, 1, 1, 0},
-        {nullptr, no, yes, act, 1, 1, 0}, {yes, nullptr, yes, act, 1, 1, 0},    {yes, no, yes, act, 0, 1, 0},
+        {yes, no, yes, 0, 0}, {yes, no, no, 1, 1}, {nullptr, no, yes, 1, 0}, {yes, nullptr, yes, 1, 0},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(&c - cases);
         host(28, c.active);
         host(32, c.refused);
         host(33, c.kept);
-        host(35, c.action);
-        EsSetLevel(6, 4, c.checks);
+        host(35, +[] { ++actions; });
         VgActiveErrOccurred = 1;
         actions = 0;
         EXPECT_EQ(VxErrDisplay(), 0u);
         EXPECT_EQ(VgActiveErrOccurred, c.note);
         EXPECT_EQ(actions, c.actions);
     }
-    EsSetLevel(6, 4, 1);
 }
 
 TEST_F(Display, TheHostsFunctionsMayLog)
@@ -138,21 +114,6 @@ TEST_F(Display, TheHostsFunctionsMayLog)
     EXPECT_EQ(VxErrDisplay(), 0u);
     EXPECT_EQ(VxErrCnt(), 0);
     EXPECT_EQ(VgActiveErrOccurred, 1);
-}
-
-TEST_F(Display, TheDefaultHookPrintsThroughTheCatalogue)
-{
-    VxMsgFree();
-    int32_t id = -1;
-    ASSERT_EQ(VxMsgLoadFile("Tools.MSG", &id), 0u);
-    EXPECT_EQ(VxErrDefDspFun(), 0u);
-    test::CapturedOutput output;
-    for (int32_t severity : {-1, 0, 1, 2, 3})
-        errorState().displayHook(0, severity, "100%d");
-    EXPECT_EQ(output.text(), "Error: 100%d\nWarning: 100%d\nInformation: 100%d\n");
-    VxMsgFree();
-    EXPECT_EQ(VxErrSetDspFun(nullptr), 0u);
-    EXPECT_EQ(errorState().displayHook, nullptr);
 }
 
 }

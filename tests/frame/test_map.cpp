@@ -1,8 +1,6 @@
 #include "vx/msg.h"
 
-#include <cstring>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -53,32 +51,20 @@ TEST_F(Maps, WhatCannotBeMappedGivesNull)
         EXPECT_EQ(VxMap(folder_.text("empty").c_str(), mode, &size), nullptr);
     EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 0, &size), nullptr);
     EXPECT_FALSE(std::filesystem::exists(folder_.native() / "missing"));
-    EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 2, &size), nullptr);
-    EXPECT_TRUE(std::filesystem::exists(folder_.native() / "missing"));
-    for (int32_t mode : {-1, 3})
-        EXPECT_EQ(VxMap(file_.c_str(), mode, &size), nullptr);
     EXPECT_EQ(VxMap(nullptr, 0, &size), nullptr);
     EXPECT_EQ(VxMap(file_.c_str(), 0, nullptr), nullptr);
     EXPECT_EQ(size, -7);
-    int local = 0;
-    EXPECT_EQ(VxUnMap(&local), 1u);
-    EXPECT_EQ(VxUnMap(nullptr), 1u);
+    EXPECT_EQ(VxUnMap(&size), 1u);
 }
 
 TEST_F(Maps, ThereIsRoomFor1023)
 {
     int64_t size = 0;
-    std::vector<void *> views;
     for (int i = 0; i < 1023; ++i)
-        views.push_back(VxMap(file_.c_str(), 0, &size));
-    if (!views.back())
-        GTEST_FAIL() << "the system allows fewer open files than the table";
+        ASSERT_NE(VxMap(file_.c_str(), 0, &size), nullptr);
     EXPECT_EQ(VxMap(file_.c_str(), 0, &size), nullptr);
-    EXPECT_EQ(VxUnMap(views[500]), 0u);
-    views[500] = VxMap(file_.c_str(), 0, &size);
-    EXPECT_NE(views[500], nullptr);
-    for (void *view : views)
-        EXPECT_EQ(VxUnMap(view), 0u);
+    EXPECT_EQ(VxUnMap(frame::maps().open[500].view), 0u);
+    EXPECT_NE(VxMap(file_.c_str(), 0, &size), nullptr);
 }
 
 TEST_F(Maps, ARefusalLeavesTheTableAsItWas)

@@ -116,10 +116,4 @@ TEST_F(FatalSignalsDeathTest, ACallBackThatCrashesEndsTheProcessAndRunsOnce)
     }
 }
 
-TEST_F(FatalSignalsDeathTest, NothingIsWatchedWhenTheEnvironmentSaysSo)
-{
-    test::Environment disabled("VX_SIG_DISABLE", "");
-    EXPECT_EXIT(watchAndRaise(SIGTERM), testing::KilledBySignal(SIGTERM), "^$");
-}
-
 }

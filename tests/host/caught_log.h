@@ -10,8 +10,8 @@ namespace vx::test {
 
 struct CaughtRecord {
     int64_t number;
-    int32_t category, level, depth;
-    std::string source, text, line;
+    int32_t level, depth;
+    std::string text, line;
 };
 
 /** Catches the event log's records while it lives; afterwards the log is as at the start of a process. */
@@ -49,8 +49,7 @@ private:
     {
         auto *log = static_cast<CaughtLog *>(self);
         std::lock_guard guard(log->lock_);
-        log->records_.push_back({record->number, record->category, record->level, record->depth,
-                                 record->source, record->text, record->line});
+        log->records_.push_back({record->number, record->level, record->depth, record->text, record->line});
     }
 
     mutable std::mutex lock_;

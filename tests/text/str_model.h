@@ -4,6 +4,7 @@
 // operation on the pieces can tear one apart. And texts made to be torn: the
 // bytes of delimiters and letters as second halves, stray bytes, halves alone.
 
+#include <algorithm>
 #include <iostream>
 #include <random>
 #include <string>
@@ -134,6 +135,13 @@ protected:
         for (size_t n = any(pieces + 1); n > 0; --n)
             s += anyPiece();
         return s;
+    }
+
+    std::vector<std::string> texts(size_t count, size_t pieces)
+    {
+        std::vector<std::string> result(count);
+        std::ranges::generate(result, [&] { return anyText(pieces); });
+        return result;
     }
 
     /** A character of the text, or another one. */
