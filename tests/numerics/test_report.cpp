@@ -68,24 +68,10 @@ TEST(SolveReport, VerdictDoesNotChangeWithTheUnits)
         // Without the rows that it names, nothing depends any more.
         for (int32_t row : found)
             for (int32_t j = 0; j < 9; ++j)
-                m.row[row][j] = scale * std::cos(row * 9 + j * j);
+                m.row[row][j] = 1e3 * scale * std::cos(row * 9 + j * j); // in other units than the rest
         EXPECT_EQ(VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, rows), 0u);
         EXPECT_GT(report.reciprocalCondition, 1e-5);
     }
-}
-
-TEST(SolveReport, RowsAndColumnsInDifferentUnitsAreNoFault)
-{
-    Random random(33);
-    Matrix m = test::randomMatrix(random, 20);
-    for (int32_t i = 0; i < 20; ++i)
-        for (int32_t j = 0; j < 20; ++j)
-            m.row[i][j] *= std::pow(10.0, i - j);
-    Problem problem(random, m, 1);
-    VxSolveReport report{};
-    ASSERT_EQ(VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, nullptr), 0u);
-    EXPECT_GT(report.reciprocalCondition, 1e-5);
-    EXPECT_LT(report.backwardError, 1e-14);
 }
 
 TEST(SolveReport, ZerosAndNonNumbersHaveTheirVerdict)
