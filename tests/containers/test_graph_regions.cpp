@@ -68,18 +68,6 @@ TEST(GraphRegions, foundAtTheBorderStayUnlessTheNewLoopIsShorter)
     EXPECT_THAT(regionsOf(graph.edge(0)), IsEmpty());
 }
 
-TEST(GraphRegions, withoutACycleStayAsTheyWere)
-{
-    // Two squares side by side, of which all but edge 1 is border: the walk closes no cycle.
-    Graph squares(6);
-    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 4}, {4, 3}, {3, 0}, {1, 2}, {2, 5}, {5, 4}})
-        squares.add(from, to, false);
-    int32_t left = addRegion(squares, {0, 1, 2, 3}), right = addRegion(squares, {1, 4, 5, 6});
-    EXPECT_EQ(VxRgnFromNode(&squares.graph, 0), 1u);
-    EXPECT_THAT(regionEdges(squares, left), ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(regionsOf(squares.edge(1)), ElementsAre(left, right));
-}
-
 TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
 {
     // Two loops that meet in node 0, edges 0, 1, 2 and 3, 4, 5, and an edge without a region.

@@ -208,39 +208,18 @@ protected:
         become(next);
     }
 
-    void fillFromKeyed()
-    {
-        Pair source;
-        make(source, keyed);
-        for (int32_t n = below(70); n > 0; --n) {
-            int32_t key = between(-100, 100);
-            Value value = anyValue();
-            source.model.set(key, value);
-            VxListSet(source.list, key, &value);
-        }
-        auto next = after([&](ListModel &list) {
-            list.items.clear();
-            if (list.inSlots())
-                return list.append(source.model) || source.model.items.empty();
-            for (const Item &item : source.model.items)
-                list.set(list.count(), item.value);
-            return true;
-        });
-        expect([&] { return VxKeyListCnvrt(source.list, pair_.list); }, next, &source);
-    }
-
     void storeUnique()
     {
         Value value = anyValue();
         value.words[0] += 6;
         int32_t index = 0;
         int32_t wanted = pair_.model.layout == keyed ? pair_.model.capacity + 1 : pair_.model.count();
-        std::vector<Item> visits = pair_.model.walk(0);
-        auto known =
-            std::find_if(visits.begin(), visits.end(), [&](const Item &i) { return i.value == value; });
-        bool present = known != visits.end();
-        if (present)
-            wanted = known->key;
+        bool present = false;
+        for (const Item &item : pair_.model.walk(0))
+            if (!present && item.value == value) {
+                present = true;
+                wanted = item.key;
+            }
         expect([&] { return VxListSetUnique(pair_.list, &value, &index); },
                after([&](ListModel &next) { return present || next.set(wanted, value); }));
         bool stored = pair_.model.layout == keyed || pair_.model.count() > wanted;
@@ -353,16 +332,19 @@ protected:
     {
         Pair source;
         fill(source);
-        bool sameKeys = below(2) == 0;
+        enum How : int32_t { atSameKeys, behind, inPlace };
+        const int32_t how = below(source.model.layout == keyed ? 3 : 2);
         auto next = after([&](ListModel &list) {
+            if (how == inPlace)
+                list.items.clear();
             if (list.layout != keyed)
                 return list.append(source.model) || source.model.items.empty();
             for (const Item &item : source.model.walk(0))
-                list.set(sameKeys ? item.key : list.count(), item.value);
+                list.set(how == atSameKeys ? item.key : list.count(), item.value);
             return true;
         });
-        expect([&] { return (sameKeys ? VxListCopy2 : HashConvertList)(source.list, pair_.list); }, next,
-               &source);
+        auto copy = how == atSameKeys ? VxListCopy2 : how == behind ? HashConvertList : VxKeyListCnvrt;
+        expect([&] { return copy(source.list, pair_.list); }, next, &source);
         expectSame(source);
     }
 
@@ -409,7 +391,6 @@ protected:
         case 34: return goOnWithCopy();
         case 35: return storeUnique();
         case 36: return storeRange();
-        case 37: return below(4) == 0 ? fillFromKeyed() : store();
         default: return growing ? store() : removeRange();
         }
     }

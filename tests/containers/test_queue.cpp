@@ -74,20 +74,6 @@ std::vector<int32_t> sortedThroughTree(const std::vector<int32_t> &values)
 
 }
 
-TEST(LinkedNodes, ElementsTakenOutAreTheCallersBlocks)
-{
-    VxList *list = linkedList({1, 2});
-    void *element = nullptr;
-    for (int32_t expected : {1, 2}) {
-        ASSERT_EQ(VxLnkLstDelNode(list, 0, &element), 0u);
-        EXPECT_EQ(valueAt(element), expected);
-        ASSERT_EQ(VxMemResize(100, &element), 0u);
-        VxMemFree(&element);
-    }
-    EXPECT_EQ(VxLnkLstDelNode(list, 0, &element), 1u);
-    VxListDel(&list);
-}
-
 TEST(LinkedNodes, AreInsertedBesideTheCurrentNodeOfAWalkThatGoesBothWays)
 {
     VxList *list = linkedList({1, 2, 3});
@@ -105,6 +91,11 @@ TEST(LinkedNodes, AreInsertedBesideTheCurrentNodeOfAWalkThatGoesBothWays)
     EXPECT_EQ(valueAt(element), 11);
     VxListGetPrvPtr(list, &iter, &element);
     EXPECT_EQ(valueAt(element), 1);
+
+    ASSERT_EQ(VxLnkLstDelNode(list, 0, &element), 0u);
+    EXPECT_EQ(valueAt(element), 10);
+    EXPECT_EQ(VxMemResize(100, &element), 0u) << "what is taken out is the caller's block";
+    VxMemFree(&element);
     VxListDel(&list);
 }
 
@@ -171,9 +162,9 @@ TEST(Queue, AgreesWithADequeOfBytesOfEitherSize)
     }
 }
 
-using RefusedNodes = StartedToolkit;
+using RefusedItems = StartedToolkit;
 
-TEST_F(RefusedNodes, LeaveQueuesAsBefore)
+TEST_F(RefusedItems, LeaveTheQueueAsBefore)
 {
     std::array<char, 64> item{};
     uint32_t failure = 2; // without a record; then 1, without items
@@ -192,24 +183,6 @@ TEST_F(RefusedNodes, LeaveQueuesAsBefore)
             EXPECT_EQ(VxQueuePop(queue, item.data(), 64), 0u);
         EXPECT_EQ(VxQueuePop(queue, item.data(), 64), 1u);
         VxQueueDel(&queue);
-    });
-}
-
-TEST_F(RefusedNodes, LeaveTreesAsBefore)
-{
-    refusingEachAllocation([] {
-        VxBintree *tree = nullptr;
-        if (VxBintreeMk(&tree) != 0)
-            return;
-        int32_t inserted = 0;
-        VxLnkNode *node = nullptr;
-        for (int32_t value : {5, 1, 3, 2})
-            inserted += VxBintreeIns(tree, behindEqual, intBytes, &value, &node) == 0;
-        VxList *list = nullptr;
-        bool moved = VxBintreeToList(intBytes, &tree, &list) == 0;
-        EXPECT_TRUE(moved ? list->count == inserted : tree != nullptr);
-        VxBintreeDel(&tree);
-        VxListDel(&list);
     });
 }
 

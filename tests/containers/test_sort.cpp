@@ -96,10 +96,7 @@ TEST(Sort, insertsFindsAndDeletesAsAVectorDoes)
                 std::any_of(model.begin(), model.end(), [&](Record r) { return r.key == record.key; });
             void *found = nullptr;
             EXPECT_EQ(VxSortFind(table.data(), table.count, sizeof record, &record, byKey, &found), known);
-            EXPECT_EQ(found != nullptr, known);
-            if (known) {
-                EXPECT_EQ(static_cast<Record *>(found)->key, record.key);
-            }
+            EXPECT_TRUE(known ? static_cast<Record *>(found)->key == record.key : !found);
             bool allowsEquals = random() % 2;
             size_t place = insertionByHand(model, record.key);
             if (random() % 3) {
@@ -149,9 +146,6 @@ TEST(Sort, linearSearchFindsWhatIsOutOfOrderButForTheFirst)
     EXPECT_EQ(insertInto(table, VxSortInsForNL, {8, 7}), 1);
     std::vector<Record> expected{{9, 0}, {8, 1}, {8, 7}, {1, 2}, {2, 3}, {3, 4}};
     EXPECT_EQ(table.held(), expected);
-    Table ordered({{1, 0}, {5, 1}});
-    EXPECT_EQ(insertInto(ordered, VxSortInsForNL, {3, 2}), 1);
-    EXPECT_THAT(ordered.held(), ElementsAre(Record{1, 0}, Record{3, 2}, Record{5, 1}));
 }
 
 using PairTable = vx::test::StartedToolkit;
