@@ -198,9 +198,9 @@ TEST(IdList, sortedAndUnsortedListsHoldTheSame)
     std::mt19937 random(17);
     List plain, sorted;
     sorted.list.sorted = 1;
-    auto component = [&] { return static_cast<int32_t>(random() % 7) - 3; };
+    std::uniform_int_distribution<int32_t> component(-3, 3);
     for (int i = 0; i < 500; ++i) {
-        VxId id{component(), component(), component()};
+        VxId id{component(random), component(random), component(random)};
         EXPECT_EQ(plain.add(id).position, sorted.add(id).position);
         ASSERT_EQ(plain.list.count, sorted.list.count);
     }

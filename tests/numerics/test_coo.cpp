@@ -264,14 +264,11 @@ TEST(CooMatrixFiles, EmptyColumnsAndAnEmptyMatrixAreLinesWithASeparator)
 {
     test::TempFolder folder;
     CooMatrix matrix;
-    matrix.PrintCSV(folder.text("empty.csv").c_str(), ",");
-    EXPECT_EQ(folder.read("empty.csv"), ",\r\n");
-    matrix.Insert(1, 2, 3.5);
-    matrix.PrintCSV(folder.text("one.csv").c_str(), ",");
-    EXPECT_EQ(folder.read("one.csv"), ",\r\n,\r\n,3.5,\r\n");
-    matrix.Insert(0, -1, 8);
-    matrix.PrintCSV(folder.text("negative.csv").c_str(), "\t");
-    EXPECT_EQ(folder.read("negative.csv"), "8\t\r\n\t\r\n\t\r\n\t3.5\t\r\n");
+    matrix.PrintCSV(folder.text("table.csv").c_str(), ",");
+    EXPECT_EQ(folder.read("table.csv"), ",\r\n");
+    insert(matrix, {{1, 2, 3.5}, {0, -1, 8}});
+    matrix.PrintCSV(folder.text("table.csv").c_str(), "\t");
+    EXPECT_EQ(folder.read("table.csv"), "8\t\r\n\t\r\n\t\r\n\t3.5\t\r\n");
 }
 
 TEST(CooMatrixFiles, NothingHappensWithoutAFile)

@@ -146,21 +146,6 @@ TEST_F(Elimination, KeepsInfinitiesFromExactZeros)
     EXPECT_GT(solvable[1], 50);
 }
 
-TEST_F(Elimination, TellsTheSignOfItsPermutation)
-{
-    for (int32_t n : {1, 2, 5, 40, 100}) {
-        Matrix m = test::randomMatrix(random, n);
-        std::vector<int32_t> pivot(static_cast<size_t>(n));
-        int32_t sign = 0;
-        ASSERT_EQ(VxMatLuD(&m, n, pivot.data(), &sign), 0u);
-        int32_t inversions = 0;
-        for (size_t i = 0; i < pivot.size(); ++i)
-            for (size_t j = 0; j < i; ++j)
-                inversions += pivot[j] > pivot[i];
-        EXPECT_EQ(sign, inversions % 2 ? -1 : 1);
-    }
-}
-
 TEST_F(Elimination, RefusesPivotsBelowTheToleranceOnly)
 {
     std::vector<int32_t> pivot(6);

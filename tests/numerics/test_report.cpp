@@ -42,9 +42,7 @@ Matrix dependent(Random &random, double scale)
         m.row[3][j] = 1e-3 * (m.row[0][j] + m.row[1][j]);
         m.row[7][j] = 2e-3 * m.row[2][j] - m.row[3][j];
     }
-    for (int32_t i = 0; i < 9; ++i)
-        for (int32_t j = 0; j < 9; ++j)
-            m.row[i][j] *= scale;
+    std::for_each(m.row[0], m.row[0] + 81, [scale](double &element) { element *= scale; });
     return m;
 }
 
