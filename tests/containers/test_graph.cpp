@@ -218,11 +218,11 @@ TEST(Graph, walksTellAndNumberAsARecursiveModelDoes)
 TEST(Graph, aWalkEndsWithTheResultOfItsCallBack)
 {
     Graph graph(4, {{0, 1}, {1, 2}, {2, 3}});
+    auto stopAtTwo = [](VxGraph *, int32_t, int32_t to, int32_t, int32_t) { return to == 2 ? 77u : 0u; };
     for (int32_t mode : {preOrder, postOrder, breadthFirst})
         for (int32_t target : {-1, 2}) {
             VxGraphWalkInit(&graph.graph);
             int32_t counter = 40, found = -1;
-            auto stopAtTwo = [](VxGraph *, int32_t, int32_t to, int32_t, int32_t) { return to == 2 ? 77u : 0u; };
             EXPECT_EQ(VxGraphWalk(&graph.graph, mode, 0, target, stopAtTwo, &counter, &found), 77u);
             EXPECT_EQ(found, target == 2);
             EXPECT_EQ(graph.node(3).number, -1);

@@ -128,9 +128,11 @@ TEST(Id, predicatesTellReservedAndNegativeOnes)
         VxId id;
         bool null, negative;
     };
-    for (Case c : {Case{{0, 0, 0}, true, false}, Case{{-1, -1, -1}, true, false}, Case{{0, -1, 0}, true, false},
-                   Case{{0, 0, 2}, false, false}, Case{{0, -2, 0}, false, false}, Case{{-2, 1, 1}, false, true},
-                   Case{{2, -2, -2}, false, false}}) {
+    const Case cases[] = {
+        {{0, 0, 0}, true, false},   {{-1, -1, -1}, true, false}, {{0, -1, 0}, true, false},
+        {{0, 0, 2}, false, false},  {{0, -2, 0}, false, false},  {{-2, 1, 1}, false, true},
+        {{2, -2, -2}, false, false}};
+    for (Case c : cases) {
         EXPECT_EQ(VxIdNull(&c.id), c.null) << c.id;
         EXPECT_EQ(VxIdIsNegative(&c.id), c.negative) << c.id;
         VxIdNegate(&c.id);

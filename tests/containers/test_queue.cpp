@@ -22,7 +22,6 @@ namespace vx::test {
 
 namespace {
 
-constexpr int32_t linked = 1;
 constexpr int32_t intBytes = sizeof(int32_t);
 
 int32_t valueAt(const void *element)
@@ -48,15 +47,6 @@ std::vector<int32_t> valuesOf(VxList *list)
     return values;
 }
 
-VxList *linkedList(const std::vector<int32_t> &values)
-{
-    VxList *list = nullptr;
-    VxListMk(linked, intBytes, 0, 0, nullptr, &list);
-    for (int32_t value : values)
-        VxLnkLstInsNode(list, list->count, &value);
-    return list;
-}
-
 std::vector<int32_t> sortedThroughTree(const std::vector<int32_t> &values)
 {
     VxBintree *tree = nullptr;
@@ -76,10 +66,14 @@ std::vector<int32_t> sortedThroughTree(const std::vector<int32_t> &values)
 
 TEST(LinkedNodes, AreInsertedBesideTheCurrentNodeOfAWalkThatGoesBothWays)
 {
-    VxList *list = linkedList({1, 2, 3});
+    VxList *list = nullptr;
+    VxListMk(1, intBytes, 0, 0, nullptr, &list);
+    int32_t value = 1;
+    for (; value < 4; ++value)
+        VxLnkLstInsNode(list, list->count, &value);
     VxListIter iter;
     VxListItrInit2(list, 0, &iter);
-    int32_t value = 10;
+    value = 10;
     EXPECT_EQ(VxLnkLstLocIns(list, &iter, 0, &value), 1u) << "without a current node";
     void *element = nullptr;
     VxLstGetNxtPtr(list, &iter, &element);
