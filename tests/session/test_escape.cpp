@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -33,29 +32,35 @@ int32_t check()
     return checkAnswer;
 }
 
-/** Escape state as an operation finds it, put back afterwards. */
+/** Escape state as an operation finds it. */
 class Escape : public test::StartedToolkit {
 protected:
     void SetUp() override
     {
         StartedToolkit::SetUp();
-        VxEscInit();
-        VxSigDelAllCalls();
+        forget();
         VxEscCheck = check;
         checksAsked = checkAnswer = 0;
         trace.clear();
     }
     void TearDown() override
     {
-        VxEscInit();
-        VxSigDelAllCalls();
+        forget();
         VgEscapeFlag = VgEscapeDisable = VgEscNumChk = VgEscMaxChk = 0;
-        std::tie(VxEscCheck, VxEscRecover) = hooks_;
+        VxEscCheck = check_;
+        VxEscRecover = recover_;
         StartedToolkit::TearDown();
     }
 
 private:
-    std::tuple<decltype(VxEscCheck), decltype(VxEscRecover)> hooks_{VxEscCheck, VxEscRecover};
+    static void forget()
+    {
+        VxEscInit();
+        VxSigDelAllCalls();
+    }
+
+    decltype(VxEscCheck) check_ = VxEscCheck;
+    decltype(VxEscRecover) recover_ = VxEscRecover;
 };
 
 TEST_F(Escape, TheHookIsAskedOnceEveryIntervalAndOneSteps)
