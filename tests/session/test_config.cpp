@@ -36,20 +36,18 @@ public:
     uint32_t SetValue(const char *key, const char *value) override
     {
         written.emplace_back(key, value);
-        return status;
+        return 7;
     }
 
     bool Load(int32_t file) override
     {
-        loaded.push_back(file);
-        return file != unloadable;
+        loaded += file;
+        return file != 2;
     }
 
     std::map<std::string, std::string> values, defaults;
     std::vector<std::pair<std::string, std::string>> written;
-    std::vector<int32_t> loaded;
-    uint32_t status = 0;
-    int32_t unloadable = -1;
+    int32_t loaded = 0;
 };
 
 /** What the readers make of an option: the integer, yes, no, whether it is neither, the answer, the real. */
@@ -86,24 +84,23 @@ TEST(Config, AMissingOptionGivesTheDefaultOfItsReader)
 {
     Manager manager;
     EXPECT_THAT(read("Vx.None"), ElementsAre(0, 0, 0, 1, 0, 0));
-    char text[8] = "old";
-    EXPECT_EQ(VxConfigString("Vx.None", sizeof text, text), 1u);
-    EXPECT_STREQ(text, "");
     EXPECT_EQ(VxConfigColor("Vx.None"), 16);
     EXPECT_EQ(VxLaDefaultColor("Vx.None"), -1);
 }
 
-TEST(Config, AStringIsCutAtACharacter)
+TEST(Config, AStringIsCutAtACharacterAndEmptyWhenTheOptionIsMissing)
 {
     test::CodePageScope chinese(936);
     Manager manager;
-    for (auto [value, size, cut] :
-         {std::tuple{"abcdef", 7, "abcdef"}, {"abcdef", 1, ""}, {"ab\xB0\xA1\xB0\xA2", 6, "ab\xB0\xA1"}}) {
-        char text[8];
-        manager.values["s"] = value;
+    manager.values["s"] = "ab\xB0\xA1\xB0\xA2";
+    char text[8];
+    for (auto [size, cut] : {std::pair{7, "ab\xB0\xA1\xB0\xA2"}, {6, "ab\xB0\xA1"}, {1, ""}}) {
         EXPECT_EQ(VxConfigString("s", size, text), 0u);
         EXPECT_STREQ(text, cut);
     }
+    *text = 'x';
+    EXPECT_EQ(VxConfigString("Vx.None", sizeof text, text), 1u);
+    EXPECT_STREQ(text, "");
 }
 
 TEST(Config, ThreeNumbersAreAColourAndNothingElseIs)
@@ -179,17 +176,14 @@ TEST(Config, KeysChangeTheirPrefixBothWays)
 TEST(Config, LoadingStopsAtTheFirstFileThatFails)
 {
     Manager manager;
-    EXPECT_EQ(VxAcmLoad(), 0u);
-    manager.unloadable = 1;
     EXPECT_EQ(VxAcmLoad(), 1u);
-    EXPECT_THAT(manager.loaded, ElementsAre(0, 1, 2, 3, 0, 1));
+    EXPECT_EQ(manager.loaded, 3);
 }
 
 TEST(Config, AnIntegerIsWrittenInTheStyleTheOptionHas)
 {
     Manager manager;
     manager.values = {{"answer", "Yes"}, {"number", "12"}, {"text", "blue"}};
-    manager.status = 7;
     EXPECT_EQ(VxAcmInt("answer", 1), 7u) << "the manager's status is passed on";
     VxAcmInt("answer", 0);
     VxAcmInt("answer", 12345);
@@ -220,8 +214,7 @@ TEST(Config, LinesAreMergedUnlessTheyAreIncompleteOrBelongToTheSession)
 TEST(Config, NothingWorksOnNull)
 {
     EXPECT_EQ(VxConfigInt("k", nullptr) & VxConfigYesOrNo("k", nullptr) & VxConfigVal("k", nullptr) &
-                  VxConfigString("k", 8, nullptr) & VxAcmMod("k", nullptr) & VxAcmMod(nullptr, "v") &
-                  VxAcmInt(nullptr, 1),
+                  VxConfigString("k", 8, nullptr) & VxAcmMod("k", nullptr) & VxAcmInt(nullptr, 1),
               1u);
     EXPECT_EQ(VxConfigOpt("k", nullptr) + VxConfigYes(nullptr), 0);
     EXPECT_TRUE(VxAcmMerge(nullptr) == 0 && !MapIn(nullptr) && !MapOut(nullptr));

@@ -33,32 +33,24 @@ int32_t check()
 }
 
 /** Escape state as an operation finds it. */
-class Escape : public test::StartedToolkit {
-protected:
+struct Escape : test::StartedToolkit {
     void SetUp() override
     {
         StartedToolkit::SetUp();
-        forget();
         VxEscCheck = check;
         checksAsked = checkAnswer = 0;
         trace.clear();
     }
-    void TearDown() override
+    ~Escape() override
     {
-        forget();
+        VxEscDelAllCalls();
+        VxSigDelAllCalls();
         VgEscapeFlag = VgEscapeDisable = VgEscNumChk = VgEscMaxChk = 0;
         VxEscCheck = check_;
         VxEscRecover = recover_;
-        StartedToolkit::TearDown();
     }
 
 private:
-    static void forget()
-    {
-        VxEscInit();
-        VxSigDelAllCalls();
-    }
-
     decltype(VxEscCheck) check_ = VxEscCheck;
     decltype(VxEscRecover) recover_ = VxEscRecover;
 };

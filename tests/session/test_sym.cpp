@@ -17,18 +17,12 @@ using testing::HasSubstr;
 namespace {
 
 /** Gives the process's symbols a fresh start, and again to whoever comes after. */
-class SymbolTable : public test::StartedToolkit {
-protected:
-    void SetUp() override
-    {
-        StartedToolkit::SetUp();
-        session::symbols() = {};
-    }
-    void TearDown() override
+struct SymbolTable : test::StartedToolkit {
+    SymbolTable() { session::symbols() = {}; }
+    ~SymbolTable() override
     {
         os::setTestMemoryStatus(nullptr);
         session::symbols() = {};
-        StartedToolkit::TearDown();
     }
 };
 
@@ -107,31 +101,25 @@ TEST_F(SymbolTable, AHookThatAnswersHidesTheTableAndOneThatDoesNotFallsThrough)
     EXPECT_EQ(VxSymGetDbl("n"), 0.1);
 }
 
-int32_t one()
+template <int32_t answer> int32_t answers()
 {
-    return 1;
-}
-
-int32_t two()
-{
-    return 2;
+    return answer;
 }
 
 TEST_F(SymbolTable, LoggingOffForgetsTheFunctionButNoVariableAndNoTest)
 {
     VxSymLogInt("f", 5);
-    VxSymLogTestFcn("f", one);
-    VxSymLogFcn("f", one);
-    VxSymLogFcn("f", two);
-    EXPECT_EQ(VxSymGetFcn("f"), two);
-    VxSymLogOff("f");
+    VxSymLogTestFcn("f", answers<1>);
+    VxSymLogFcn("f", answers<1>);
+    VxSymLogFcn("f", answers<2>);
+    EXPECT_EQ(VxSymGetFcn("f"), answers<2>);
     VxSymLogOff("f");
     EXPECT_EQ(VxSymGetFcnNoErr("f"), nullptr);
     EXPECT_EQ(VxErrCnt(), 0);
     EXPECT_EQ(VxSymGetFcn("f"), nullptr);
     EXPECT_TRUE(reported(66));
     EXPECT_EQ(VxSymGetInt("f"), 5);
-    EXPECT_EQ(VxSymGetTestFcn("f"), one);
+    EXPECT_EQ(VxSymGetTestFcn("f"), answers<1>);
 }
 
 TEST_F(SymbolTable, GetTellsAvailabilityApartFromTheAddress)
@@ -155,16 +143,16 @@ TEST_F(SymbolTable, GetTellsAvailabilityApartFromTheAddress)
 int32_t logsMoreTests()
 {
     for (int i = 0; i < 100; ++i)
-        VxSymLogTestFcn(("more " + std::to_string(i)).c_str(), one);
+        VxSymLogTestFcn(("more " + std::to_string(i)).c_str(), answers<1>);
     return 1;
 }
 
 TEST_F(SymbolTable, EveryTestRunsOnceAndItsOutcomeGoesToTheEventLog)
 {
-    VxSymLogTestFcn("bad", [] { return 0; });
+    VxSymLogTestFcn("bad", answers<0>);
     VxSymLogTestFcn("more", logsMoreTests);
     VxSymLogTestFcn("none", nullptr);
-    VxSymLogTestFcn("100%s", [] { return -1; });
+    VxSymLogTestFcn("100%s", answers<-1>);
     test::RecordedEvents recorded;
     VxSymExecAllTestFcns();
     std::string told;
