@@ -1,4 +1,3 @@
-#include <clocale>
 #include <cmath>
 #include <initializer_list>
 #include <string>
@@ -91,15 +90,6 @@ TEST(Evaluation, RefusesWhatIsNotDefined)
         {"1+\"a\"", 50},    {"vector(1,2,3)", 50},  {"time()", 50},        {"num2str(2)", 50},
         {"b+1", 81},        {"1 then b else 2", 81}, {"0 then b else 2", 0}, {"Dist(b)", 52},
     });
-}
-
-TEST(Evaluation, TakesRadiansWhenTheHostSaysSo)
-{
-    Variables settings;
-    VgCdValIsRad = 1;
-    EXPECT_NEAR(evaluate("sin(1)").value, std::sin(1.0), 1e-15);
-    EXPECT_EQ(evaluate("tan(1.5707963267948966)").error, 186);
-    EXPECT_EQ(evaluate("rad(2)").value, 2.0);
 }
 
 TEST(Dimensions, AreGivenInTheUnitAskedFor)
@@ -223,14 +213,6 @@ TEST(Evaluation, RefusesTreesThatNoParserMakes)
         }
     EXPECT_EQ(VxGenExEvalRcrs(nullptr, nullptr, nullptr, &record), 1U);
     VxErrEnable();
-}
-
-TEST(Evaluation, DoesNotDependOnTheLocale)
-{
-    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
-    EXPECT_EQ(evaluate("1.5+2.25e1").value, 24.0);
-    EXPECT_EQ(evaluate("1.23456789012345678901").value, 1.23456789012345678901);
-    std::setlocale(LC_ALL, "C");
 }
 
 /** Number the variables of a tree: x is 1, every other one 2. */

@@ -183,12 +183,10 @@ TEST(Diagnosis, TellsTheOperationItsOperandsAndTheirDimensions)
         {"1+(a + 3.kg)*2", "", 83, "+", "+", "length", "mass", "a", "3.kg", ""},
         {"density*a^2 < a", "", 83, "<", "<", "length^-1*mass", "length", "density*a^2", "a", ""},
         {"2*a.kg", "", 83, ".kg", "unit", "length", "mass", "a", "", ""},
-        {"max(a,1.deg)", "", 83, "max", "max", "length", "angle", "a", "1.deg", ""},
         {"1+asin(2)", "", 187, "asin", "asin", "", "", "2", "", ""},
         {"4/(a-a)", "", 191, "/", "/", "", "", "4", "(a-a)", ""},
         {"a+[no one]", "", 81, "[no one]", "+", "", "", "a", "[no one]", "no one"},
         {"a*a", "cm", 219, "*", "*", "length^2", "length", "a", "a", ""},
-        {"1 then a", "kg", 219, "then", "then", "length", "mass", "1", "a", ""},
         {"1", "smoot", 219, "1", "", "", "", "1", "", "smoot"},
         {"1+\"x\"", "", 50, "\"x\"", "+", "", "", "1", "\"x\"", ""},
     };

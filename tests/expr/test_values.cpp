@@ -141,9 +141,6 @@ TEST(Values, LeaveTheNumberOneBesideOtherKinds)
     VxEvalValue value;
     ASSERT_EQ(VxGenExEval(Parsed("vector(1,2,3)").tree, &number, &value), 0U);
     EXPECT_EQ(number.value, 1.0);
-    ASSERT_EQ(VxGenExEval(Parsed("1.cm+1").tree, &number, &value), 0U);
-    EXPECT_EQ(number.value, 20.0);
-    EXPECT_EQ(number.len_exp, 1.0);
 }
 
 TEST(Printing, ShowsEachNodeOnALineOfItsDepth)
@@ -155,7 +152,6 @@ TEST(Printing, ShowsEachNodeOnALineOfItsDepth)
     };
     EXPECT_EQ(printed(""), "Parse Tree Empty.\n");
     EXPECT_EQ(printed("a"), "EVAL a\n");
-    EXPECT_EQ(printed("a+2"), "+ a 2.000000\n");
     EXPECT_EQ(printed("asin(a)*(b-1).cm"), "*\n[1]arcSin a\n[1]unit\n[2]- b 1.000000 cm\n");
     EXPECT_EQ(printed("a then \"x\" else b+1"), "if a _then x _else\n[1]+ b 1.000000\n");
     VsCnsGenOp node{};

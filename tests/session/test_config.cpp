@@ -124,11 +124,11 @@ TEST(Config, AChoiceIsFoundWithoutRegardToCaseAndTheFirstCounts)
     EXPECT_EQ(positionOf(" Second ", "first,SECOND,second"), 2);
     EXPECT_EQ(positionOf("seco", "first,SECOND,second"), 0);
     EXPECT_EQ(positionOf("two words", "two words,twowords"), 2) << "the value loses its blanks";
-    std::string many, longest(31, 'x');
+    std::string many;
     for (int i = 1; i < 32; ++i)
         many += std::to_string(i) + ",";
-    EXPECT_EQ(positionOf(longest.c_str(), many + longest), 32);
-    EXPECT_EQ(positionOf("late", many + longest + ",late"), 0);
+    EXPECT_EQ(positionOf("last", many + "last"), 32);
+    EXPECT_EQ(positionOf("late", many + "last,late"), 0);
 }
 
 TEST(Config, ColoursAreNumberedByName)
