@@ -79,33 +79,4 @@ Outcome evaluate(const std::string &text, const std::string &unit)
     return outcome;
 }
 
-const std::vector<std::string> &corpus()
-{
-    static const std::vector<std::string> formulas = {
-        "1",
-        "-5",
-        "-a^2",
-        "width*height-2*wall*wall",
-        "(teeth+2)*module.mm",
-        "2^3^2/4/2",
-        "a>1 then b else c",
-        "[a]>0 then [b c] then 1 else 2 else \"x\"",
-        "[my \"quoted ]\" name]+[$x[1]]",
-        "1e-3+2.5e+4-.5",
-        "sin(30)+cos(a*2)^2-atan2(1,max(2,3))",
-        "substr(\"text, with\",1,2)",
-        "substr(a,,)",
-        "substr(\"abcdef\",2,3)+num2str(4.5)",
-        "vector(1,2,3)*2+point(a.x,b.y,c.z)",
-        "time()+date()",
-        "!(a=1)&b<2|c>3",
-        "3.cm.in+len.kg",
-        "#1+$a",
-        "mod2(7,3)+dec(1.2345,2)",
-        "((((a))))",
-        "a then -b else +c",
-    };
-    return formulas;
-}
-
 }

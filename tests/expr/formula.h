@@ -5,7 +5,6 @@
 
 #include <map>
 #include <string>
-#include <vector>
 
 #include "vx/err.h"
 #include "vx/eval.h"
@@ -64,8 +63,5 @@ struct Outcome {
 
 /** Evaluate quietly in a unit ("" for base units). */
 Outcome evaluate(const std::string &text, const std::string &unit = "");
-
-/** Formulas of many forms, well formed all. */
-const std::vector<std::string> &corpus();
 
 }

@@ -64,8 +64,6 @@ TEST_F(Reports, AnEvaluationFilesItsFailure)
     double result;
     EXPECT_EQ(VxCharExprEval("1.cm+1.kg", "", nullptr, &result), 1U);
     EXPECT_TRUE(VxErrIsLogged(VxToolsErrID(), 83));
-    EXPECT_EQ(VxCharExprEval("1+\"a\"", "", nullptr, &result), 1U);
-    EXPECT_TRUE(VxErrIsLogged(VxToolsErrID(), 50));
     EXPECT_EQ(VxCharExprEval("nobody", "", nullptr, &result), 1U);
     EXPECT_EQ(VxCharExprEval("asin(2)", "", nullptr, &result), 1U);
     EXPECT_TRUE(VxErrIsLogged(0, 187));
@@ -80,17 +78,15 @@ TEST_F(Reports, ADiagnosisIsSilentWhenAskedTo)
 {
     double result;
     VxExprDiag diag;
-    VxExprDiagEval("1/0", "", nullptr, nullptr, 1, &result, &diag);
-    VxExprDiagEval("1/", "", nullptr, nullptr, 1, &result, &diag);
-    EXPECT_TRUE(seen.empty());
-    EXPECT_EQ(VxErrCnt(), 0);
+    for (const char *text : {"1/0", "1/"})
+        VxExprDiagEval(text, "", nullptr, nullptr, 1, &result, &diag);
+    EXPECT_TRUE(seen.empty() && VxErrCnt() == 0);
     VxExprDiagEval("1/0", "", nullptr, nullptr, 0, &result, &diag);
     EXPECT_TRUE(VxErrIsLogged(0, 191));
 }
 
 TEST_F(Reports, ExceptionsCarryTheTextsOfTheirErrors)
 {
-    EXPECT_EQ(Error().Text(), "error");
     EXPECT_EQ(ErrorUndefineVariable("depth").Text(), "The variable depth is not defined.");
     EXPECT_EQ(ErrorUnmatchOperand(2, 4).Text(), "The operands Vector and String cannot be combined.");
 }

@@ -36,66 +36,41 @@ public:
     uint32_t SetValue(const char *key, const char *value) override
     {
         written.emplace_back(key, value);
-        return status;
+        return 7;
     }
 
     bool Load(int32_t file) override
     {
-        loaded.push_back(file);
-        return file != unloadable;
+        loaded += file;
+        return file != 2;
     }
 
     std::map<std::string, std::string> values, defaults;
     std::vector<std::pair<std::string, std::string>> written;
-    std::vector<int32_t> loaded;
-    uint32_t status = 0;
-    int32_t unloadable = -1;
+    int32_t loaded = 0;
 };
 
-/** What the readers of numbers and answers make of a text. */
-struct Reading {
-    int32_t number;
-    int32_t yes, no;
-    uint32_t answered;
-    int32_t answer;
-    double real;
-
-    bool operator==(const Reading &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &out, const Reading &r)
+/** What the readers make of an option: the integer, yes, no, whether it is neither, the answer, the real. */
+std::vector<double> read(const char *key)
 {
-    return out << r.number << " yes " << r.yes << " no " << r.no << " answered " << r.answered << ": "
-               << r.answer << " real " << r.real;
-}
-
-Reading read(const char *key)
-{
-    Reading r{};
-    r.number = VxConfigNum(key);
-    r.yes = VxConfigYes(key);
-    r.no = VxConfigNo(key);
-    r.answer = 9;
-    r.answered = VxConfigYesOrNo(key, &r.answer);
-    r.real = 9;
-    VxConfigVal(key, &r.real);
-    return r;
+    int32_t answer = 9;
+    double real = 9;
+    double neither = VxConfigYesOrNo(key, &answer);
+    VxConfigVal(key, &real);
+    double number = VxConfigNum(key), yes = VxConfigYes(key), no = VxConfigNo(key);
+    return {number, yes, no, neither, 1.0 * answer, real};
 }
 
 TEST(Config, EachReaderTakesATextInItsOwnWay)
 {
-    const std::pair<const char *, Reading> cases[] = {
+    const std::pair<const char *, std::vector<double>> cases[] = {
         {"yes", {1, 1, 0, 0, 1, 0}},
         {"Yup", {0, 1, 0, 0, 1, 0}},
-        {"YES", {0, 1, 0, 0, 1, 0}},
-        {" yes", {0, 1, 0, 0, 1, 0}},
-        {"no", {0, 0, 1, 0, 0, 0}},
         {"\t Nope", {0, 0, 1, 0, 0, 0}},
         {"-12.75e1 mm", {-12, 0, 0, 1, 0, -127.5}},
-        {"  42", {42, 0, 0, 1, 0, 42}},
         {"1,5", {1, 0, 0, 1, 0, 1}},
         {"99999999999", {2147483647, 0, 0, 1, 0, 99999999999.0}},
-        {"-99999999999", {-2147483647 - 1, 0, 0, 1, 0, -99999999999.0}},
+        {"-99999999999", {-2147483648.0, 0, 0, 1, 0, -99999999999.0}},
         {"", {0, 0, 0, 1, 0, 0}},
     };
     Manager manager;
@@ -108,46 +83,33 @@ TEST(Config, EachReaderTakesATextInItsOwnWay)
 TEST(Config, AMissingOptionGivesTheDefaultOfItsReader)
 {
     Manager manager;
-    EXPECT_EQ(read("Vx.None"), (Reading{0, 0, 0, 1, 0, 0}));
-    int32_t number = 9, r = 1, g = 2, b = 3;
-    double real = 9;
-    char text[8] = "old";
-    EXPECT_EQ(VxConfigInt("Vx.None", &number) + VxConfigVal("Vx.None", &real), 2u);
-    EXPECT_EQ(VxConfigString("Vx.None", sizeof text, text), 1u);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(VxConfigRGB("Vx.None", &r, &g, &b), 1u);
-    EXPECT_THAT((std::vector{number, r, g, b}), ElementsAre(0, 1, 2, 3));
-    EXPECT_EQ(VxConfigOpt("Vx.None", "a,b"), 0);
-    for (auto reader : {VxConfigColor, VxConfigVuColor})
-        EXPECT_EQ(reader("Vx.None"), 16);
-    for (auto reader : {VxLaDefaultColor, VxLaDefaultVuColor})
-        EXPECT_EQ(reader("Vx.None"), -1);
+    EXPECT_THAT(read("Vx.None"), ElementsAre(0, 0, 0, 1, 0, 0));
+    EXPECT_EQ(VxConfigColor("Vx.None"), 16);
+    EXPECT_EQ(VxLaDefaultColor("Vx.None"), -1);
 }
 
-TEST(Config, AStringIsCutAtACharacter)
+TEST(Config, AStringIsCutAtACharacterAndEmptyWhenTheOptionIsMissing)
 {
     test::CodePageScope chinese(936);
     Manager manager;
-    for (auto [value, size, cut] :
-         {std::tuple{"abcdef", 7, "abcdef"}, {"abcdef", 4, "abc"}, {"abcdef", 1, ""},
-          {"ab\xB0\xA1\xB0\xA2", 6, "ab\xB0\xA1"}}) {
-        char text[8];
-        manager.values["s"] = value;
+    manager.values["s"] = "ab\xB0\xA1\xB0\xA2";
+    char text[8];
+    for (auto [size, cut] : {std::pair{7, "ab\xB0\xA1\xB0\xA2"}, {6, "ab\xB0\xA1"}, {1, ""}}) {
         EXPECT_EQ(VxConfigString("s", size, text), 0u);
         EXPECT_STREQ(text, cut);
     }
+    *text = 'x';
+    EXPECT_EQ(VxConfigString("Vx.None", sizeof text, text), 1u);
+    EXPECT_STREQ(text, "");
 }
 
 TEST(Config, ThreeNumbersAreAColourAndNothingElseIs)
 {
     Manager manager;
     int32_t r = 0, g = 0, b = 0;
-    manager.values["c"] = " 300, -5 ,12";
-    EXPECT_EQ(VxConfigRGB("c", &r, &g, &b), 0u);
-    EXPECT_THAT((std::vector{r, g, b}), ElementsAre(255, 0, 12));
-    for (const char *text : {"1,2", "1,2,3,4", "", "7 8 9"}) {
+    for (const char *text : {" 300, -5 ,12", "1,2", "1,2,3,4", "", "7 8 9"}) {
         manager.values["c"] = text;
-        EXPECT_EQ(VxConfigRGB("c", &r, &g, &b), 1u) << text;
+        EXPECT_EQ(VxConfigRGB("c", &r, &g, &b), *text != ' ') << text;
         EXPECT_THAT((std::vector{r, g, b}), ElementsAre(255, 0, 12)) << text;
     }
 }
@@ -155,118 +117,92 @@ TEST(Config, ThreeNumbersAreAColourAndNothingElseIs)
 TEST(Config, AChoiceIsFoundWithoutRegardToCaseAndTheFirstCounts)
 {
     Manager manager;
-    auto positionOf = [&manager](const char *value, const char *list) {
+    auto positionOf = [&manager](const char *value, const std::string &list) {
         manager.values["o"] = value;
-        return VxConfigOpt("o", list);
+        return VxConfigOpt("o", list.c_str());
     };
     EXPECT_EQ(positionOf(" Second ", "first,SECOND,second"), 2);
     EXPECT_EQ(positionOf("seco", "first,SECOND,second"), 0);
-    EXPECT_EQ(positionOf("two words", "one,twowords"), 2) << "the value loses its blanks";
-    EXPECT_EQ(positionOf("two words", "one,two words"), 0) << "a choice keeps them";
-    std::string many, last(31, 'x');
+    EXPECT_EQ(positionOf("two words", "two words,twowords"), 2) << "the value loses its blanks";
+    std::string many;
     for (int i = 1; i < 32; ++i)
         many += std::to_string(i) + ",";
-    EXPECT_EQ(positionOf(last.c_str(), (many + last).c_str()), 32);
-    EXPECT_EQ(positionOf("late", (many + last + ",late").c_str()), 0);
+    EXPECT_EQ(positionOf("last", many + "last"), 32);
+    EXPECT_EQ(positionOf("late", many + "last,late"), 0);
 }
 
 TEST(Config, ColoursAreNumberedByName)
 {
     Manager manager;
-    const struct {
-        const char *value;
-        int32_t color, viewColor, defaultColor, defaultViewColor;
-    } cases[] = {{"ignore", 0, 0, 0, 0},
-                 {"violet", 9, 9, 9, 9},
-                 {"BLACK", 16, 16, 16, 16},
-                 {"med-grey", 18, 18, 18, 18},
-                 {"purple", 16, 16, -1, -1},
-                 {"-FROM PART-", 16, 255, -1, 255},
-                 {"-from part-", 16, 16, -1, -1}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.value);
-        manager.values["c"] = manager.defaults["c"] = c.value;
-        EXPECT_EQ(VxConfigColor("c"), c.color);
-        EXPECT_EQ(VxConfigVuColor("c"), c.viewColor);
-        EXPECT_EQ(VxLaDefaultColor("c"), c.defaultColor);
-        EXPECT_EQ(VxLaDefaultVuColor("c"), c.defaultViewColor);
-    }
+    auto numbers = [&manager](const char *value) {
+        manager.values["c"] = manager.defaults["c"] = value;
+        return std::vector{VxConfigColor("c"), VxConfigVuColor("c"), VxLaDefaultColor("c"),
+                           VxLaDefaultVuColor("c")};
+    };
+    EXPECT_THAT(numbers("ignore"), ElementsAre(0, 0, 0, 0));
+    EXPECT_THAT(numbers("MED-grey"), ElementsAre(18, 18, 18, 18));
+    EXPECT_THAT(numbers("purple"), ElementsAre(16, 16, -1, -1));
+    EXPECT_THAT(numbers("-FROM PART-"), ElementsAre(16, 255, -1, 255));
+    EXPECT_THAT(numbers("-from part-"), ElementsAre(16, 16, -1, -1));
 }
 
 TEST(Config, DefaultReadersReadTheInstallationDefaults)
 {
     Manager manager;
-    manager.values = {{"i", "1"}, {"rgb", "1,1,1"}, {"s", "user"}, {"o", "a"}};
-    manager.defaults = {{"i", "2"}, {"rgb", "2,2,2"}, {"s", "installed"}, {"o", "b"}};
-    int32_t i = 0, r = 0, g = 0, b = 0, answer = 0;
+    manager.values = {{"o", "1"}};
+    manager.defaults = {{"o", "2"}};
+    int32_t number = 0;
     double real = 0;
     char text[16];
-    EXPECT_EQ(VxLaDefaultInt("i", &i) + VxLaDefaultVal("i", &real) + VxLaDefaultRGB("rgb", &r, &g, &b), 0u);
-    EXPECT_TRUE(i == 2 && real == 2 && r == 2);
-    EXPECT_EQ(VxLaDefaultString("s", sizeof text, text), 0u);
-    EXPECT_STREQ(text, "installed");
-    EXPECT_EQ(VxLaDefaultOpt("o", "a,b"), 2);
-    EXPECT_EQ(VxLaDefaultYesOrNo("i", &answer), 1u);
-    EXPECT_EQ(VxConfigNum("i"), 1) << "the flag is lowered again";
+    VxLaDefaultInt("o", &number);
+    VxLaDefaultVal("o", &real);
+    VxLaDefaultString("o", sizeof text, text);
+    EXPECT_TRUE(number == 2 && real == 2 && *text == '2');
+    EXPECT_EQ(VxLaDefaultOpt("o", "1,2"), 2);
+    EXPECT_EQ(VxConfigNum("o"), 1) << "the flag is lowered again";
 }
 
 TEST(Config, KeysChangeTheirPrefixBothWays)
 {
-    for (auto [key, mapped] : {std::pair{"Tl.Grid", "Vx.Grid"}, {"Tlacuache", "Vxacuache"}, // it needs no dot
-                               {"tl.Grid", "tl.Grid"}, {"", ""}})
-        EXPECT_STREQ(MapIn(key), mapped);
-    EXPECT_STREQ(MapOut("Vx.Grid"), "Tl.Grid");
+    EXPECT_STREQ(MapIn("Tlacuache"), "Vxacuache") << "it needs no dot";
     EXPECT_STREQ(MapOut("VxGrid"), "VxGrid") << "the toolkit's prefix needs its dot";
     EXPECT_EQ(std::strlen(MapIn(("Tl." + std::string(200, 'x')).c_str())), 79u);
     EXPECT_EQ(std::strlen(MapOut(std::string(80, 'x').c_str())), 79u);
-    const char *in = MapIn("Tl.a"), *out = MapOut("Vx.b");
+    const char *in = MapIn(MapIn("Tl.a"));
+    EXPECT_STREQ(MapOut("Vx.b"), "Tl.b");
     EXPECT_STREQ(in, "Vx.a") << "each has a buffer of its own";
-    EXPECT_STREQ(out, "Tl.b");
-    EXPECT_STREQ(MapIn(MapIn("Tl.again")), "Vx.again");
 }
 
 TEST(Config, LoadingStopsAtTheFirstFileThatFails)
 {
     Manager manager;
-    EXPECT_EQ(VxAcmLoad(), 0u);
-    EXPECT_THAT(manager.loaded, ElementsAre(0, 1, 2, 3));
-    manager.loaded.clear();
-    manager.unloadable = 1;
     EXPECT_EQ(VxAcmLoad(), 1u);
-    EXPECT_THAT(manager.loaded, ElementsAre(0, 1));
+    EXPECT_EQ(manager.loaded, 3);
 }
 
 TEST(Config, AnIntegerIsWrittenInTheStyleTheOptionHas)
 {
     Manager manager;
     manager.values = {{"answer", "Yes"}, {"number", "12"}, {"text", "blue"}};
-    manager.status = 7;
     EXPECT_EQ(VxAcmInt("answer", 1), 7u) << "the manager's status is passed on";
     VxAcmInt("answer", 0);
     VxAcmInt("answer", 12345);
     VxAcmInt("answer", -123);
-    VxAcmInt("number", 1);
     VxAcmInt("number", -2147483647 - 1);
     VxAcmInt("text", 5);
     EXPECT_EQ(VxAcmInt("missing", 5), 1u);
-    EXPECT_EQ(VxAcmMod("missing", "as given"), 7u);
     EXPECT_THAT(manager.written,
                 ElementsAre(Pair("answer", "yes"), Pair("answer", "no"), Pair("answer", "123"),
-                            Pair("answer", "-12"), Pair("number", "1"), Pair("number", "-2147483648"),
-                            Pair("text", "5"), Pair("missing", "as given")));
+                            Pair("answer", "-12"), Pair("number", "-2147483648"), Pair("text", "5")));
 }
 
 TEST(Config, LinesAreMergedUnlessTheyAreIncompleteOrBelongToTheSession)
 {
     Manager manager;
-    for (const char *line : {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"",
-                             "Vx.Session=1", "Tl.Session = x", "Vx.PaperSizes=A4,VXGL 7"}) {
-        std::string copy = line;
-        EXPECT_EQ(VxAcmMerge(copy.data()), 0u) << line;
-        EXPECT_TRUE(manager.written.empty()) << line;
-    }
-    for (const char *line : {"Tl.Grid=\"on\"", "  Vx.Sum\t=  a = b  ", "Vx.PaperSizes=A4", "Vx.Sessions=1",
-                             "Vx.Two=\"a\" \"b\""}) {
+    for (const char *line :
+         {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"", "Vx.Session=1", "Tl.Session = x",
+          "Vx.PaperSizes=A4,VXGL 7", "Tl.Grid=\"on\"", "  Vx.Sum\t=  a = b  ", "Vx.PaperSizes=A4",
+          "Vx.Sessions=1", "Vx.Two=\"a\" \"b\""}) {
         std::string copy = line;
         EXPECT_EQ(VxAcmMerge(copy.data()), 0u) << line;
     }
@@ -277,16 +213,11 @@ TEST(Config, LinesAreMergedUnlessTheyAreIncompleteOrBelongToTheSession)
 
 TEST(Config, NothingWorksOnNull)
 {
-    Manager manager;
-    manager.values["k"] = "yes";
-    for (uint32_t result : {VxConfigInt("k", nullptr), VxConfigYesOrNo("k", nullptr),
-                            VxConfigVal("k", nullptr), VxConfigString("k", 8, nullptr),
-                            VxAcmMod("k", nullptr), VxAcmMod(nullptr, "v"), VxAcmInt(nullptr, 1)})
-        EXPECT_EQ(result, 1u);
+    EXPECT_EQ(VxConfigInt("k", nullptr) & VxConfigYesOrNo("k", nullptr) & VxConfigVal("k", nullptr) &
+                  VxConfigString("k", 8, nullptr) & VxAcmMod("k", nullptr) & VxAcmInt(nullptr, 1),
+              1u);
     EXPECT_EQ(VxConfigOpt("k", nullptr) + VxConfigYes(nullptr), 0);
-    EXPECT_EQ(VxAcmMerge(nullptr), 0u);
-    EXPECT_TRUE(!MapIn(nullptr) && !MapOut(nullptr));
-    EXPECT_TRUE(manager.written.empty());
+    EXPECT_TRUE(VxAcmMerge(nullptr) == 0 && !MapIn(nullptr) && !MapOut(nullptr));
 }
 
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// As faults.h, for steps whose outcome is looked at outside the reach of the
-// refusals: the checks may allocate and look at files themselves.
+// Steps that run again and again, each time with the next allocation or verb of
+// the system refused, until a run meets no refusal.
 
 #include <cstdint>
 
@@ -13,10 +13,12 @@ namespace vx::test {
 
 /**
  * Run `act` with its 1st, 2nd, ... call of `kind` refused, until a run meets
- * no refusal; after each, `check(refused)`. `verb` narrows it to one verb.
+ * no refusal; after each, `check(refused)`, which may allocate and look at
+ * files itself. `verb` narrows it to one verb.
+ * @return how many calls a full run makes
  */
 template <typename Act, typename Check>
-void eachRefusal(fault::Kind kind, const char *verb, Act act, Check check)
+int64_t eachRefusal(fault::Kind kind, const char *verb, Act &&act, Check &&check)
 {
     constexpr int64_t runaway = 100000;
     bool refused = true;
@@ -33,6 +35,7 @@ void eachRefusal(fault::Kind kind, const char *verb, Act act, Check check)
     }
     EXPECT_GT(nth, 1) << "nothing was refused";
     EXPECT_LT(nth, runaway) << "the step never ran through";
+    return nth - 1;
 }
 
 }

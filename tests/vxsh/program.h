@@ -8,7 +8,7 @@
 namespace vx::test {
 
 struct Outcome {
-    int status = -1; ///< exit code; 128 and the signal's number when one ended it
+    int status = -1; ///< exit code; above 128, or -1, when a signal ended it
     std::string out, err;
 };
 

@@ -53,38 +53,16 @@ TEST(Definition, isTakenApartAtTheFirstEqualsAndTheLastColonBeforeIt)
     EXPECT_EQ(cut(d.line, d.nameAt), "pitch diameter");
     EXPECT_EQ(cut(d.line, d.unitAt), "mm");
 
-    EXPECT_EQ(read("a=1").unit, "");
     EXPECT_EQ(read("rate 1:2 : kg/m^3 = 1").name, "rate 1:2");
 }
 
 TEST(Definition, takesBracketsOffTheNameAndLeavesColonsInThemAlone)
 {
-    EXPECT_EQ(read("[a + b] = 1").name, "a + b");
     EXPECT_EQ(read("[$x] = 1").name, "x");
-    EXPECT_EQ(read("[rate 1:2] = 1").name, "rate 1:2");
     Definition d = read("[rate 1:2]: cm = 1");
     EXPECT_EQ(d.name, "rate 1:2");
     EXPECT_EQ(d.unit, "cm");
     EXPECT_EQ(read("[a] [b] = 1").name, "[a] [b]") << "these brackets do not enclose it";
-}
-
-TEST(Definition, saysWhichPartIsMissingAndWhere)
-{
-    const struct {
-        std::string line;
-        const char *message;
-        size_t at;
-    } cases[] = {{"just words", "No '=' divides a name from a formula.", 0},
-                 {" = 1", "The name is missing.", 1},
-                 {"[] = 1", "The name is missing.", 3},
-                 {": mm = 1", "The name is missing.", 0},
-                 {"a : = 1", "The unit is missing.", 2},
-                 {"a = \t", "The formula is missing.", 2},
-                 {std::string("a = 1\0 2", 8), "The line holds a zero byte.", 5}};
-    for (const auto &[line, message, at] : cases) {
-        EXPECT_EQ(problemOf(line).message, message) << line;
-        EXPECT_EQ(problemOf(line).place.at, at) << line;
-    }
 }
 
 TEST(Definition, refusesNamesThatNoFormulaCouldReferTo)
@@ -104,9 +82,7 @@ TEST(Definition, isToldFromAFormulaByItsName)
 TEST(NameScan, findsNamesAsFormulasHoldThem)
 {
     EXPECT_THAT(namesIn("my var +1*[a + b]"), ElementsAre("my var", "a + b"));
-    EXPECT_THAT(namesIn("\"text with words\" + b"), ElementsAre("b"));
-    EXPECT_THAT(namesIn("len.cm + 2.in"), ElementsAre("len")) << "units are no names";
-    EXPECT_THAT(namesIn("p.x + 1e5 + 2.5e-3"), ElementsAre("p.x"));
+    EXPECT_THAT(namesIn("\"text with words\" + p.x + 1e5 + len.cm + 2.in"), ElementsAre("p.x", "len"));
     EXPECT_THAT(namesIn("a>b THEN c else d"), ElementsAre("a", "b", "c", "d"));
     EXPECT_THAT(namesIn("lengthen"), ElementsAre("leng")) << "then divides wherever it stands";
     EXPECT_THAT(namesIn("[a[\"]\"]b] + [open"), ElementsAre("a[\"]\"]b", "open"));
@@ -115,9 +91,7 @@ TEST(NameScan, findsNamesAsFormulasHoldThem)
 TEST(NameScan, placesTheFirstReferenceOrElseTheWholeFormula)
 {
     EXPECT_EQ(placeOfName("ab + a", "a").at, 5u);
-    Span bracketed = placeOfName("1 + [a b]", "a b");
-    EXPECT_EQ(bracketed.at, 4u);
-    EXPECT_EQ(bracketed.length, 5u);
+    EXPECT_EQ(placeOfName("1 + [a b]", "a b").length, 5u);
     EXPECT_EQ(placeOfName("1 + 2", "a").length, 5u);
 }
 
@@ -128,34 +102,11 @@ TEST(NameScan, writesBracketsOnlyWhereANameNeedsThem)
         EXPECT_EQ(asReference(name), "[" + std::string(name) + "]");
 }
 
-TEST(ParameterFile, skipsBlankLinesAndCommentsAndCountsThem)
-{
-    ParameterFile file = readParameters("\xEF\xBB\xBF# heading\r\n\r\n  \t\na = 1\r\n  # more\nb = a + 1");
-    ASSERT_EQ(file.definitions.size(), 2u);
-    EXPECT_TRUE(file.refused.empty());
-    EXPECT_EQ(file.definitions[0].number, 4u);
-    EXPECT_EQ(file.definitions[0].formula(), "1");
-    EXPECT_EQ(file.definitions[1].number, 6u);
-    EXPECT_EQ(readParameters("\xEF\xBB\xBF" "a = 1").definitions.at(0).name, "a");
-}
-
-TEST(ParameterFile, keepsTheFirstOfTwoDefinitionsAndNamesItsLine)
-{
-    ParameterFile file = readParameters("a = 1\n\n[a] = 2\nb = 3\n");
-    ASSERT_EQ(file.definitions.size(), 2u);
-    EXPECT_EQ(file.definitions[0].formula(), "1");
-    ASSERT_EQ(file.refused.size(), 1u);
-    EXPECT_EQ(file.refused[0].definition.number, 3u);
-    EXPECT_EQ(file.refused[0].problem.message, "'a' is already defined at line 1.");
-}
-
 TEST(ParameterFile, refusesOverlongLinesAndGoesOn)
 {
     std::string longest = "a = " + std::string(longestLine - 5, ' ') + "1";
-    ASSERT_EQ(longest.size(), longestLine);
-    ParameterFile file = readParameters(longest + "\n" + "b = " + std::string(longestLine, '1') + "\nc = 3\n");
+    ParameterFile file = readParameters(longest + "\n" + longest + "1\nc = 3\n");
     ASSERT_EQ(file.definitions.size(), 2u);
-    EXPECT_EQ(file.definitions[0].formula(), "1");
     EXPECT_EQ(file.definitions[1].name, "c");
     ASSERT_EQ(file.refused.size(), 1u);
     EXPECT_THAT(file.refused[0].problem.message, HasSubstr("longer than 1048576 bytes"));

@@ -72,23 +72,16 @@ TEST(Examples, spurGearPair)
     Example gears("sample.vxp");
     gears.expect("title", "\"Spur gears, module 2.5, 18 to 45\"");
     gears.expect("centre distance", a, "mm");
-    gears.expect("ratio", z2 / z1);
-    gears.expect("pinion tip diameter", tip1, "mm");
     gears.expect("wheel root diameter", d2 - 2 * 1.25 * m, "mm");
-    gears.expect("pinion base diameter", base1, "mm");
     gears.expect("wheel base diameter", base2, "mm");
-    gears.expect("base pitch", pi * m * std::cos(alpha), "mm");
     gears.expect("tooth thickness", pi * m / 2, "mm");
-    gears.expect("pinion tip path", share1, "mm");
     gears.expect("path of contact", path, "mm");
     gears.expect("contact ratio", path / (pi * m * std::cos(alpha)));
     gears.expect("fewest teeth", std::ceil(2 / std::pow(std::sin(alpha), 2)));
     gears.expect("undercut", "no");
-    gears.expect("smooth running", "yes");
     gears.expect("pinion volume", volume / 1000, "cm^3");
     gears.expect("pinion mass", volume * 7850e-9 * 1000, "gm");
     gears.expect("offset", "56.25 0 0");
-    gears.expect("axis", "0 0 1");
 }
 
 TEST(Examples, vBeltDrive)
@@ -101,15 +94,11 @@ TEST(Examples, vBeltDrive)
 
     Example drive("v-belt.vxp");
     drive.expect("lean", lean / degree, "deg");
-    drive.expect("small wrap", 180 - 2 * lean / degree, "deg");
     drive.expect("large wrap", 180 + 2 * lean / degree, "deg");
     drive.expect("travel per second", pi * d * 1450 / 60 / 1000, "m");
     drive.expect("ideal length", length, "mm");
-    drive.expect("belt length", belt, "mm");
     drive.expect("centre distance", (k + std::sqrt(k * k - 32 * (D - d) * (D - d))) / 16, "mm");
-    drive.expect("wrap factor", 0.98);
     drive.expect("belts", std::ceil(7.5 * 1.2 / (3.1 * 0.98)));
-    drive.expect("verdict", "good");
     drive.expect("order", "\"3 belts, length 1600 mm\"");
 }
 
@@ -122,7 +111,6 @@ TEST(Examples, bracket)
     const double area = blank * width - holes;
 
     Example bracket("bracket.vxp");
-    bracket.expect("K factor", k);
     bracket.expect("bend allowance", allowance, "mm");
     bracket.expect("blank length", blank, "mm");
     bracket.expect("hole area", holes, "mm^2");

@@ -1,16 +1,12 @@
 #include <algorithm>
-#include <numeric>
 #include <random>
 #include <set>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tools/vxsh/order.h"
 
 namespace vxsh {
-
-using testing::IsEmpty;
 
 namespace {
 
@@ -80,26 +76,6 @@ TEST(Order, agreesWithAllShortestWaysOfRandomGraphs)
             needs[random() % needs.size()].push_back(static_cast<uint32_t>(random() % needs.size()));
         expectRight(needs);
     }
-}
-
-TEST(Order, takesChainsAndCirclesOfAHundredThousand)
-{
-    constexpr uint32_t count = 100'000;
-    Needs chain(count);
-    for (uint32_t i = 0; i + 1 < count; ++i)
-        chain[i].push_back(i + 1);
-    DependencyOrder order = dependencyOrder(chain);
-    ASSERT_EQ(order.sequence.size(), count);
-    EXPECT_EQ(order.sequence.front(), count - 1);
-    EXPECT_EQ(order.sequence.back(), 0u);
-
-    chain[count - 1].push_back(0);
-    order = dependencyOrder(chain);
-    ASSERT_EQ(order.circles.size(), 1u);
-    std::vector<uint32_t> all(count);
-    std::iota(all.begin(), all.end(), 0u);
-    EXPECT_EQ(order.circles[0].path, all);
-    EXPECT_THAT(order.sequence, IsEmpty());
 }
 
 }
