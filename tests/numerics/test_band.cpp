@@ -51,7 +51,7 @@ void factorisePlainly(Matrix &a)
 
 constexpr auto nothing = [](int32_t, int32_t) {};
 
-} // namespace
+}
 
 TEST(Band, FactorsHaveTheBitsOfThePlainLoopsWithEveryKernel)
 {
@@ -153,7 +153,7 @@ Matrix generalBand(Random &random, int32_t n, int32_t lower, int32_t upper)
     });
 }
 
-} // namespace
+}
 
 TEST(PivotedBand, SolvesWhatTheDenseSolverSolves)
 {

@@ -85,7 +85,7 @@ void insert(CooMatrix &matrix, const Elements &elements)
         matrix.Insert(e.row, e.column, e.value);
 }
 
-} // namespace
+}
 
 TEST(CooMatrix, CompactsLikeASortOfWholeElements)
 {
