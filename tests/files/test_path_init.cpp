@@ -9,7 +9,6 @@
 
 #include "files/path_state.h"
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/captured_output.h"
 #include "tests/support/each_refusal.h"
 #include "tests/support/error_log.h"
 #include "vx/path.h"
@@ -69,7 +68,6 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
         std::string user, step;
     } starts[] = {
         {"any", nullptr, "x", installed, "home/work", folders.folders[5], "install environment ..."},
-        {"any", &VgInstance, "x", installed, "any", folders.folders[5], "install environment(Instance)"},
         {"any", &VgTplCompile, "x", installed, "any", folder.text("any"), "Production build ..."},
         {tree, nullptr, "x", built, tree, folder.text(tree), "development environment ..."},
         {tree, &VgInstance, "", built, tree, folder.text(tree), "development environment(Instance)"},
@@ -97,41 +95,9 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
         char buffer[300];
         EXPECT_EQ(VxPathInstallGet(buffer, sizeof buffer), 0u);
         EXPECT_EQ(buffer, install);
-        goTo("elsewhere");
-        EXPECT_EQ(VxPathInit(), 0u);
-        EXPECT_EQ(fs::current_path(), folder.native() / "elsewhere") << "while directories are registered";
         VxPathFree();
         fs::remove_all(folder.native() / "home");
         log.events.clear();
-    }
-}
-
-TEST_F(PathInit, TheLastUserFolderDecidesTheResult)
-{
-    test::CapturedOutput complaints;
-    folders.folders[9] = std::string(256, 'x');
-    EXPECT_EQ(VxPathInit(), 0u);
-    VxPathFree();
-    folders.folders[9] = "nine";
-    folders.folders[10] = std::string(256, 'x');
-    EXPECT_EQ(VxPathInit(), 1u);
-    EXPECT_THAT(registered(), ElementsAre(install + "\\", "nine\\"));
-}
-
-TEST_F(PathInit, WhatTheSystemRefusesIsLoggedAndTheStartGoesOn)
-{
-    const char *steps[][2] = {{"executablePath", "GetModuleFileNameEx failed (5)"},
-                              {"currentDirectory", "GetCurrentDirectory failed (5)"},
-                              {"setCurrentDirectory", "SetCurrentDirectory failed (5)"}};
-    for (auto &[verb, text] : steps) {
-        VxPathFree();
-        fault::onlyVerb(verb);
-        fault::refuse(fault::Kind::verb, 1);
-        EXPECT_EQ(VxPathInit(), 0u) << verb;
-        fault::refuse(fault::Kind::verb, 0);
-        fault::onlyVerb(nullptr);
-        EXPECT_TRUE(logged(text, 9)) << text;
-        EXPECT_EQ(files::pathState.root, *verb == 'e' ? ".\\" : install + "\\");
     }
 }
 
@@ -173,4 +139,4 @@ TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
     EXPECT_TRUE(failed);
 }
 
-}
+} // namespace
