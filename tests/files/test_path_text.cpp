@@ -113,18 +113,14 @@ TEST_F(PathText, FoldersAndNamesThatAreNoneOrDoNotFitFail)
 
 TEST_F(PathText, ComposingStopsAtTheCallersSizeAndAtItsOwn)
 {
-    auto compose = [&](size_t length, int32_t size, int32_t report) {
+    for (auto [length, size] : {std::pair<size_t, int32_t>{9, 10}, {10, 10}, {1023, 1100}, {1024, 1100}}) {
         std::string path = "a" + std::string(1100, '\0'), added(length - 2, 'b');
-        uint32_t result = VxPathCompose(path.data(), size, added.c_str(), report);
-        EXPECT_EQ(std::string(path.c_str()), result ? "a" : "a\\" + added);
-        return result;
-    };
-    EXPECT_EQ(compose(9, 10, 1) + compose(1023, 1100, 1), 0u);
-    EXPECT_EQ(compose(10, 10, 0) + compose(1024, 1100, 0), 2u);
-    EXPECT_THAT(errors(), ElementsAre());
-    EXPECT_EQ(compose(40, 40, 1), 1u);
-    EXPECT_THAT(errors(), ElementsAre("The path a\\bbbbbbbbbbbbbbbbbbbbbbbbbbb ... is too long. "
-                                      "At most 39 characters are allowed."));
+        bool fits = length == 9 || length == 1023;
+        EXPECT_EQ(VxPathCompose(path.data(), size, added.c_str(), length == 10), fits ? 0u : 1u);
+        EXPECT_EQ(std::string(path.c_str()), fits ? "a\\" + added : "a");
+    }
+    EXPECT_THAT(errors(),
+                ElementsAre("The path a\\bbbbbbbb ... is too long. At most 9 characters are allowed."));
 }
 
 TEST_F(PathText, TildesAndVariablesAreReplacedUpToASeparator)
@@ -159,20 +155,16 @@ TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
         {"d:/a//.\\b/..\\c/", "d:\\a\\c\\"},
         {"\\..\\a\\..\\..\\", "\\"},
         {"\\\\server\\share\\a\\..\\..\\b", "\\\\server\\share\\b"},
-        {"...", here + "\\..."},
         {"X:a\\b", "X:\\a\\b"},
         {longest, longest},
         {longest + "x", "!" + longest + "x"},
     };
     for (const auto &[path, full] : paths)
         EXPECT_EQ(real(path), full) << path;
-    EXPECT_EQ(real(longest, 255)[0], '!');
     test::Environment map("VX_DRIVE_MAP", ("D=" + folder.native().string()).c_str());
     EXPECT_EQ(real("a") + real("d:a") + real("E:a"), "D:\\aD:\\aE:\\a");
-    char path[] = "D:/a/../b";
-    EXPECT_EQ(VxPathReal2(path, sizeof path), 0u);
-    EXPECT_STREQ(path, "D:\\b");
-    char cut[6] = "";
+    char cut[6] = "D:/ab";
+    EXPECT_EQ(VxPathReal2(cut, sizeof cut), 0u);
     EXPECT_STREQ(VX::realpath("D:/abc", cut, sizeof cut), "D:/ab") << "unresolved: as it was given";
 }
 

@@ -188,18 +188,15 @@ TEST(ThreadPool, WorkOfAThreadThatTheSystemRefusesIsDoneByTheCaller)
 TEST(ThreadPool, WithoutMemoryNothingIsMadeOrRun)
 {
     VxThreadPool *pool = nullptr;
-    os::setTestProcessorCount(3);
+    Records records(3);
+    int completed = 0;
     test::refusingEachAllocation([&] {
         uint32_t failed = HkAllocMulTrdPool(&pool);
         EXPECT_EQ(failed != 0, pool == nullptr);
         HkFreeMulTrdPool(&pool);
     });
-    os::setTestProcessorCount(0);
-    Records records(3);
-    int completed = 0;
     test::refusingEachAllocation([&] { completed += HkRunMulTrd(work, records.data(), stride, 3) == 0; });
     doneElsewhere(records, completed);
-    EXPECT_EQ(completed, 1);
 }
 
 } // namespace
