@@ -53,9 +53,10 @@ TEST_F(PathDisk, WritabilityIsTriedOutAndLeavesNothingBehind)
         return VxPathAccess("\\proc") == 1 || VxPathAccess("\\") == 1;
     }));
     int32_t result = 0;
-    test::eachRefusal(
-        fault::Kind::verb, nullptr, [&] { result = VxPathAccess("."); },
-        [&](bool refused) { EXPECT_TRUE(refused || result == 0); });
+    for (const char *verb : {"access", "openFile"})
+        test::eachRefusal(
+            fault::Kind::verb, verb, [&] { result = VxPathAccess("."); },
+            [&](bool refused) { EXPECT_TRUE(refused || result == 0); });
     EXPECT_EQ(folder.read("temp001.txt"), "mine");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 1);
 }
