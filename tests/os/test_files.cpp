@@ -256,17 +256,6 @@ TEST_F(OsFiles, AttributesAreReadAsFileServersWriteThem)
     EXPECT_EQ(fs::status(native).permissions(), fs::perms(0444));
 }
 
-TEST_F(OsFiles, PathsWithoutANativeNameFailInEveryVerb)
-{
-    os::FileStatus status;
-    EXPECT_EQ(os::fileStatus("Q:\\x", status), os::Error::notFound);
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(os::fileStatus(nullptr, status), os::Error::invalid);
-    EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(os::removeFile(std::string(5000, 'x').c_str()), os::Error::nameTooLong);
-    EXPECT_EQ(errno, ENAMETOOLONG);
-}
-
 TEST_F(OsFiles, ARefusedVerbTouchesNothing)
 {
     folder.write("f", "text");

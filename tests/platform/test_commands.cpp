@@ -56,14 +56,8 @@ TEST_F(Command, GivesItsResultAndLogsItsErrorsWhenItFailed)
     EXPECT_EQ(log.events, (Events{{3, "Tools", "one\ntwo %s"}}));
     EXPECT_EQ(VxSysCmd("kill -9 $$", 0), 128 + 9);
     EXPECT_EQ(VxErrCnt(), 0);
-}
-
-TEST_F(Command, ThatCannotBeStartedIsOneThatFailed)
-{
     EXPECT_EQ(VxSysCmd("/no/such/program", 0), 127);
-    ASSERT_EQ(log.events.size(), 1u);
-    EXPECT_NE(log.events[0].text.find("/no/such/program"), std::string::npos);
-    EXPECT_EQ(VxErrCnt(), 0);
+    EXPECT_NE(log.events.back().text.find("/no/such/program"), std::string::npos);
 }
 
 TEST_F(Command, Upto511BytesOfItsErrorsAreLogged)

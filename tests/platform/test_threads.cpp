@@ -140,14 +140,12 @@ TEST(ThreadPool, AHundredThousandDispatchesLoseNone)
         sum->total += sum->added;
         return 0u;
     };
-    int64_t expected = 0;
     for (int64_t dispatch = 1; dispatch <= 100000; ++dispatch) {
         sums[0].added = dispatch;
         sums[1].added = -dispatch;
-        expected += dispatch;
         ASSERT_EQ(HkRunMulTrdPool(add, sums, sizeof *sums, two.pool), 0u);
-        ASSERT_EQ(sums[0].total, expected);
-        ASSERT_EQ(sums[1].total, -expected);
+        ASSERT_EQ(sums[0].total, dispatch * (dispatch + 1) / 2);
+        ASSERT_EQ(sums[1].total, -sums[0].total);
         if (dispatch % 10000 == 0) // long enough for the workers to fall asleep
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
