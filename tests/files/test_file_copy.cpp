@@ -67,13 +67,8 @@ TEST_F(FileCopy, WhatCannotBeCopiedLeavesEverythingAsItWas)
                   VxFileCpy("a", "a") + VxFileCpy("pipe", "b") + VxFileCpy("a", "pipe") +
                   VxFileCpy("\\dev\\zero", "b") + VxFileConcat("a", "a"),
               9u);
-    FILE *held = nullptr;
-    ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
-    EXPECT_EQ(VxFileCpy("a", "b"), 1u) << "the target is being read";
-    VxFileClose(&held, 0);
     EXPECT_EQ(folder.read("a") + folder.read("b"), "textold");
     EXPECT_EQ(entries("."), 4u);
-    EXPECT_THAT(errors(), ElementsAre());
 }
 
 TEST_F(FileCopy, MovingTellsWhatIsInTheWay)
@@ -85,7 +80,7 @@ TEST_F(FileCopy, MovingTellsWhatIsInTheWay)
                 ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c."));
     FILE *held = nullptr;
     ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
-    EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c"), 2u);
+    EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c") + VxFileCpy("c", "b"), 3u);
     VxFileClose(&held, 0);
     EXPECT_EQ(folder.read("b") + folder.read("c"), "oldtext");
 }
