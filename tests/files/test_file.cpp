@@ -146,4 +146,4 @@ TEST_F(File, TheStatusTellsTypeIdentityAndSizesOf31Or64Bits)
     EXPECT_EQ(g.size, 0x80000000);
 }
 
-} // namespace
+}

@@ -190,4 +190,4 @@ TEST_F(FileCopy, WithoutRightsNothingIsTouched)
     EXPECT_EQ(entries("d"), 2u);
 }
 
-} // namespace
+}

@@ -132,4 +132,4 @@ TEST_F(FileNames, FilesAreFoundBelowTheCurrentFolderAndThenTheRoot)
         VxFileFind("d", "one", out, static_cast<int32_t>(one.size())) + VxFileFind("d", "none", out, 300), 0);
 }
 
-} // namespace
+}

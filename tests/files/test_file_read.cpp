@@ -128,4 +128,4 @@ TEST_F(FileRead, FilesDifferInOneByteOrInLength)
     EXPECT_EQ(VxFileDiff("a", "none") + VxFileDiff(".", "a"), -2);
 }
 
-} // namespace
+}

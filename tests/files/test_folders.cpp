@@ -196,4 +196,4 @@ TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
     }
 }
 
-} // namespace
+}

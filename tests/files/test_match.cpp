@@ -118,4 +118,4 @@ TEST(Match, HostilePatternsEnd)
     EXPECT_EQ(VX::fnmatch("*a*a*a*a*b", name.c_str(), ignoreCase), 1);
 }
 
-} // namespace
+}

@@ -59,4 +59,4 @@ TEST_F(OpenFiles, TrackingNeverChangesOpeningAndClosing)
         });
 }
 
-} // namespace
+}

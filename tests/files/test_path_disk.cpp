@@ -74,4 +74,4 @@ TEST_F(PathDisk, DocumentsLieUnderThePersonalFolderElseWhereTheHostSays)
     EXPECT_EQ(userFiles(64) + userFiles(8), std::string("D:\\me\\") + VgCompanyProduct + "failed");
 }
 
-} // namespace
+}

@@ -141,4 +141,4 @@ TEST_F(PathFind, NamesWithAFolderAreNotSearchedAndTheEmptyOneIsTheRoot)
     EXPECT_EQ(find("\x83\x5C.txt"), folder.text("first") + "\\\x83\x5C.txt") << "nor is a second byte";
 }
 
-} // namespace
+}

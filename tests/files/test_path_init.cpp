@@ -124,4 +124,4 @@ TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
     EXPECT_TRUE(failed);
 }
 
-} // namespace
+}

@@ -181,4 +181,4 @@ TEST_F(PathText, FoldingAgreesWithTheStandardLibrary)
     }
 }
 
-} // namespace
+}

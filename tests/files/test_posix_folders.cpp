@@ -123,4 +123,4 @@ TEST_F(PosixFolders, NamesAreTakenOffPaths)
     EXPECT_STREQ(VX::basename(path), "\x95\x5C");
 }
 
-} // namespace
+}

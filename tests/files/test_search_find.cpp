@@ -354,4 +354,4 @@ TEST_F(SearchFind, FilesAreReadAndRenamedWhereTheyAreFoundAndWrittenWhereTheyAre
     EXPECT_EQ(folder.read("g") + folder.read("entry/g"), "found");
 }
 
-} // namespace
+}

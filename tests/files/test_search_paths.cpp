@@ -139,4 +139,4 @@ TEST_F(SearchPaths, EveryRefusalLeavesTheOldListAndTheOldFileOrTheNewOnes)
     EXPECT_EQ(shown.back(), "Unable to access the search path file \\proc\\self\\mem.");
 }
 
-} // namespace
+}

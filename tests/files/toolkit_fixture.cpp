@@ -84,4 +84,4 @@ std::vector<std::string> ToolkitFixture::registered()
     return texts;
 }
 
-} // namespace vx::test
+}

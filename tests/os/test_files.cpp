@@ -301,4 +301,4 @@ TEST_F(OsFiles, ARefusedVerbTouchesNothing)
     EXPECT_EQ(stream, nullptr);
 }
 
-} // namespace
+}

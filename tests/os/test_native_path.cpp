@@ -68,4 +68,4 @@ TEST(NativePath, TheLongestNameFitsAndOneMoreDoesNot)
     EXPECT_STREQ(out, "");
 }
 
-} // namespace
+}

@@ -167,4 +167,4 @@ TEST_F(Settings, TheExportedFunctionsKnowTwoRoots)
     EXPECT_EQ(VxRegistryGet(0, nullptr, "n", out, 8) + VxRegistrySet(0, "k", "n", nullptr), 2u);
 }
 
-} // namespace
+}

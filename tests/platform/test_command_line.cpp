@@ -32,4 +32,4 @@ TEST(CommandLine, IsWalkedByCharacters)
     EXPECT_EQ(platform::wordsOfArguments("\"\x83\x5C\" b"), (Words{"\x83\x5C", "b"}));
 }
 
-} // namespace
+}

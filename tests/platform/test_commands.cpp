@@ -157,4 +157,4 @@ TEST_F(Command, InAHiddenShellRunsInTheOneThatIsNamed)
     EXPECT_EQ(code, 77);
 }
 
-} // namespace
+}

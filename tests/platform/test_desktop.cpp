@@ -169,4 +169,4 @@ TEST_F(Shortcuts, ThatCannotBeMadeAreAFailure)
     }
 }
 
-} // namespace
+}

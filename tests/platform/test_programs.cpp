@@ -146,4 +146,4 @@ TEST(Processes, AreFoundByTheirProgramInAnyCase)
     EXPECT_EQ(id, 99u);
 }
 
-} // namespace
+}

@@ -104,4 +104,4 @@ TEST(Options, AreValidWhenTheyStandInTheList)
     for (const char *option : {"", " ", "m", "mmm", "in,mm", ","})
         EXPECT_EQ(VxValidOption(option, "in,,mm,cm,"), 0) << option;
 }
-} // namespace
+}

@@ -197,4 +197,4 @@ TEST(ThreadPool, WithoutMemoryNothingIsMadeOrRun)
     doneElsewhere(records, completed);
 }
 
-} // namespace
+}

@@ -114,4 +114,4 @@ TEST_F(TimeText, OfTheUserIsWrittenByTheLocaleElseWithoutOne)
     EXPECT_STREQ(text, "Thu Jan  1 00:00:00 1970");
 }
 
-} // namespace
+}

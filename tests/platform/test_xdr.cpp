@@ -81,4 +81,4 @@ TEST(ParameterTableFile, AnyCutOrAlteredByteIsToldAndChangesNothing)
         }
 }
 
-} // namespace
+}
