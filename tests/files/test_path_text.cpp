@@ -7,6 +7,7 @@
 
 #include "tests/files/toolkit_fixture.h"
 #include "tests/support/code_page.h"
+#include "tests/support/each_refusal.h"
 #include "vx/path.h"
 #include "vx/posix.hpp"
 
@@ -143,6 +144,11 @@ TEST_F(PathText, TildesAndVariablesAreReplacedUpToASeparator)
     EXPECT_THAT(errors(), ElementsAre());
     real("$VX_NONE/a", 300, 1);
     EXPECT_THAT(errors(), ElementsAre("Unable to resolve the path $VX_NONE/a."));
+    char text[32] = "";
+    test::eachRefusal(
+        fault::Kind::allocation, nullptr,
+        [&] { VxPathExpand("$VX_NAME_THAT_NEEDS_MEMORY", text, sizeof text); },
+        [&](bool refused) { EXPECT_STREQ(text, refused ? "" : "$VX_NAME_THAT_NEEDS_MEMORY"); });
 }
 
 TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)

@@ -292,7 +292,6 @@ TEST_F(SearchFind, UnreadableFoldersAndEveryRefusalAreAMissOrAHit)
 TEST_F(SearchFind, TheGeneralLookUpAsksTheHostTheListTheRegistryAndProductData)
 {
     static int32_t on = 1;
-    hostVariable(5, &on);
     using Resolver = int32_t(const char *, const char *, char *, char *, int32_t, int32_t);
     Resolver *resolve = [](const char *, const char *, char *path, char *, int32_t, int32_t) {
         snprintf(path, 256, "P:/a/../f");
@@ -300,6 +299,10 @@ TEST_F(SearchFind, TheGeneralLookUpAsksTheHostTheListTheRegistryAndProductData)
     };
     EXPECT_EQ(general("f"), "");
     host(69, resolve);
+    EXPECT_EQ(general("f"), "") << "product data is not on";
+    hostVariable(5, &on);
+    VgPathFindPDMSkip = 1;
+    EXPECT_EQ(general("f"), "") << "skipped once";
     EXPECT_EQ(general("f"), "P:\\f") << "canonical";
     VxPathSet(folder.text("registered").c_str());
     folder.write("registered/f", "");
