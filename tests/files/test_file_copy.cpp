@@ -39,22 +39,21 @@ fs::path elsewhere()
 
 TEST_F(FileCopy, CopiesKeepTimesAndPermissions)
 {
-    folder.write("a", "text");
-    fs::permissions("a", fs::perms(0640));
-    fs::last_write_time("a", fs::file_time_type::clock::now() - std::chrono::hours(1000));
-    folder.write("b", "old");
-    for (const char *to : {"b", "fresh", "with\xC3\xA4.x"}) {
-        ASSERT_EQ(VxFileCpy("a", to), 0u);
+    folder.write("x/a", "text");
+    fs::permissions("x/a", fs::perms(0640));
+    fs::last_write_time("x/a", fs::file_time_type::clock::now() - std::chrono::hours(1000));
+    folder.write("a", "old");
+    EXPECT_EQ(VxFileCpy2("a", "x", ".\\") + VxFileCpy("a", "with\xC3\xA4.x"), 0u);
+    for (const char *to : {"a", "with\xC3\xA4.x"}) {
         EXPECT_EQ(folder.read(to), "text");
         EXPECT_EQ(fs::status(to).permissions(), fs::perms(0640));
-        EXPECT_EQ(VxFileLastWrite(to), VxFileLastWrite("a"));
+        EXPECT_EQ(VxFileLastWrite(to), VxFileLastWrite("x/a"));
     }
     // More than one step, with a hole, which the kernel may copy as it likes.
-    fs::resize_file("b", 20'000'000);
-    ASSERT_EQ(VxFileCpy("b", "c"), 0u);
-    EXPECT_EQ(VxFileDiff("b", "c"), 0);
-    // Files of the kernel's own have bytes, though no size.
-    ASSERT_EQ(VxFileCpy("\\proc\\self\\limits", "a"), 0u);
+    fs::resize_file("a", 20'000'000);
+    ASSERT_EQ(VxFileCpy("a", "b"), 0u);
+    EXPECT_EQ(VxFileDiff("a", "b"), 0);
+    ASSERT_EQ(VxFileCpy("\\proc\\self\\limits", "a"), 0u) << "has bytes, but no size";
     EXPECT_NE(folder.read("a").find("Max open files"), std::string::npos);
 }
 
@@ -66,80 +65,29 @@ TEST_F(FileCopy, WhatCannotBeCopiedLeavesEverythingAsItWas)
     ASSERT_EQ(mkfifo("pipe", 0666), 0);
     EXPECT_EQ(VxFileCpy("none", "b") + VxFileCpy("a", "none\\b") + VxFileCpy("d", "b") + VxFileCpy("a", "d") +
                   VxFileCpy("a", "a") + VxFileCpy("pipe", "b") + VxFileCpy("a", "pipe") +
-                  VxFileCpy("\\dev\\zero", "b") + VxFileCpy(nullptr, "b") + VxFileCpy("a", nullptr),
-              10u);
-    FILE *held = nullptr;
-    ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
-    EXPECT_EQ(VxFileCpy("a", "b"), 1u) << "the target is being read";
-    VxFileClose(&held, 0);
+                  VxFileCpy("\\dev\\zero", "b") + VxFileConcat("a", "a"),
+              9u);
     EXPECT_EQ(folder.read("a") + folder.read("b"), "textold");
     EXPECT_EQ(entries("."), 4u);
-    EXPECT_THAT(errors(), ElementsAre());
 }
 
-TEST_F(FileCopy, ALinkLeadsToTheCopyAndNamesMayBeAsLongAsTheyGet)
+TEST_F(FileCopy, MovingTellsWhatIsInTheWay)
 {
-    std::string longest(255, 'n');
-    folder.write("a", "text");
-    folder.write(longest, "old");
-    fs::create_symlink(longest, "link");
-    ASSERT_EQ(VxFileCpy("a", "link"), 0u);
-    EXPECT_TRUE(fs::is_symlink("link"));
-    EXPECT_EQ(folder.read(longest), "text");
-    fs::create_symlink("later", "dangling");
-    ASSERT_EQ(VxFileCpy("a", "dangling"), 0u);
-    EXPECT_EQ(folder.read("dangling"), "text");
-}
-
-TEST_F(FileCopy, TwoFoldersAndANameMakeTheTwoPaths)
-{
-    folder.write("x/f", "text");
-    fs::create_directory("y");
-    EXPECT_EQ(VxFileCpy2("f", "x", "y\\"), 0u);
-    EXPECT_EQ(folder.read("y/f"), "text");
-    EXPECT_EQ(VxFileCpy2("f", std::string(510, 'x').c_str(), "y"), 1u);
-    EXPECT_EQ(errors().size(), 1u);
-    EXPECT_EQ(VxFileCpy2(nullptr, "x", "y") + VxFileCpy2("f", nullptr, "y"), 2u);
-}
-
-TEST_F(FileCopy, AppendingPutsOneFileBehindTheOther)
-{
-    folder.write("a", "one");
-    folder.write("b", "two");
-    EXPECT_EQ(VxFileConcat("b", "a"), 0u);
-    EXPECT_EQ(VxFileConcat("a", "new"), 0u);
-    EXPECT_EQ(folder.read("a") + folder.read("new"), "onetwoonetwo");
-    EXPECT_EQ(VxFileConcat("a", "a") + VxFileConcat("none", "fresh") + VxFileConcat("a", "\\dev\\null") +
-                  VxFileConcat(nullptr, "a"),
-              4u);
-    EXPECT_FALSE(fs::exists("fresh"));
-}
-
-TEST_F(FileCopy, MovingReplacesAndTellsWhoIsInTheWay)
-{
-    folder.write("x/a", "text");
     folder.write("b", "old");
-    EXPECT_EQ(VxFileMv("x/a", "b"), 0u);
-    EXPECT_EQ(VxFileMv("b", "c"), 0u);
-    EXPECT_EQ(folder.read("c"), "text");
-    EXPECT_FALSE(fs::exists("x/a") || fs::exists("b"));
-
-    EXPECT_EQ(VxFileMv("x/none", "c") + VxFileMv("c", "none/c") + VxFileMv("x", "y"), 3u);
-    folder.write("b", "old");
+    folder.write("c", "text");
+    EXPECT_EQ(VxFileMv("x\\none", "c") + VxFileMv("c", "none/c"), 2u);
+    EXPECT_THAT(errors(),
+                ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c."));
     FILE *held = nullptr;
     ASSERT_EQ(VxFileOpen(&held, "b", "r"), 0u);
-    EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c"), 2u);
+    EXPECT_EQ(VxFileMv("c", "b") + VxFileMv("b", "c") + VxFileCpy("c", "b"), 3u);
     VxFileClose(&held, 0);
-    EXPECT_THAT(errors(),
-                ElementsAre("There is no write access to x\\none.", "Unable to create the file none\\c."))
-        << "a repeat within the second is counted, not filed";
     EXPECT_EQ(folder.read("b") + folder.read("c"), "oldtext");
 }
 
 TEST_F(FileCopy, CleaningWritesTheFileAnewAndKeepsTheOldOne)
 {
     folder.write("a", "text");
-    fs::create_hard_link("a", "first");
     VxStat before, after, kept;
     vxstat("a", &before);
     ASSERT_EQ(VxFileClean("a"), 0u);
@@ -147,16 +95,11 @@ TEST_F(FileCopy, CleaningWritesTheFileAnewAndKeepsTheOldOne)
     vxstat("a.bak", &kept);
     EXPECT_NE(after.inode, before.inode);
     EXPECT_EQ(kept.inode, before.inode);
-    EXPECT_EQ(folder.read("a") + folder.read("a.bak"), "texttext");
-    ASSERT_EQ(VxFileClean("a"), 0u) << "over the old copy";
-    EXPECT_EQ(entries("."), 3u);
 
     std::string longest(252, 'n');
     folder.write(longest, "text");
-    EXPECT_EQ(VxFileClean("none") + VxFileClean(longest.c_str()) + VxFileClean(nullptr), 3u);
-    EXPECT_THAT(errors(), ElementsAre("Unable to clean the file none.",
-                                      "Unable to replace the file " + longest + " by its cleaned copy."));
-    EXPECT_EQ(entries("."), 4u);
+    EXPECT_EQ(VxFileClean(longest.c_str()), 1u);
+    EXPECT_THAT(errors(), ElementsAre("Unable to replace the file " + longest + " by its cleaned copy."));
 
     // Between two devices there are no second names, and the old content is copied.
     const fs::path away = elsewhere();

@@ -9,7 +9,6 @@
 #include "tests/files/toolkit_fixture.h"
 #include "tests/support/child.h"
 #include "tests/support/code_page.h"
-#include "platform/os/fault.h"
 #include "vx/file.h"
 #include "vx/str.h"
 
@@ -23,23 +22,13 @@ using FileNames = test::ToolkitFixture;
 TEST_F(FileNames, TheFirstFreeNumberNamesTheFile)
 {
     char name[64];
-    EXPECT_EQ(VxFileUniqueName(".", "temp", "txt", name, sizeof name), 0u);
-    EXPECT_STREQ(name, "temp001.txt");
-    folder.write("temp001.txt", "");
-    folder.write("temp002.txt", "");
-    folder.write("temp004.txt", "");
-    EXPECT_EQ(VxFileUniqueName(folder.text().c_str(), "temp", "txt", name, 12), 0u);
-    EXPECT_STREQ(name, "temp003.txt");
-    EXPECT_EQ(VxFileUniqueName(".", "temp", "txt", name, 11), 1u);
-    EXPECT_EQ(VxFileUniqueName(nullptr, "t", "x", name, 64) + VxFileUniqueName(".", nullptr, "x", name, 64) +
-                  VxFileUniqueName(".", "t", nullptr, name, 64) + VxFileUniqueName(".", "t", "x", name, 0),
-              4u);
-    // 511 characters with the separator and "t001.x".
-    EXPECT_EQ(VxFileUniqueName(std::string(504, 'd').c_str(), "t", "x", name, sizeof name), 0u);
-    EXPECT_EQ(VxFileUniqueName(std::string(505, 'd').c_str(), "t", "x", name, sizeof name), 1u);
-
     for (int n = 1; n < 999; ++n)
-        folder.write("t" + std::to_string(1000 + n).substr(1) + ".x", "");
+        if (n != 3)
+            folder.write("t" + std::to_string(1000 + n).substr(1) + ".x", "");
+    EXPECT_EQ(VxFileUniqueName(folder.text().c_str(), "t", "x", name, 7), 0u);
+    EXPECT_STREQ(name, "t003.x");
+    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, 6) + VxFileUniqueName(".", "t", nullptr, name, 64), 2u);
+    folder.write("t003.x", "");
     EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, sizeof name), 0u);
     EXPECT_STREQ(name, "t999.x");
     folder.write(name, "");
@@ -89,55 +78,24 @@ TEST_F(FileNames, TemporaryFilesLieBesideAPathAndNeedRoomForTheirName)
     ASSERT_EQ(VxFileTemp("d/x.prt", sizeof name, name), 0u);
     EXPECT_EQ(std::string(name).substr(0, 4), "d\\hk");
     EXPECT_EQ(VxFileSize(name), 0);
-    EXPECT_TRUE(fs::exists("d/" + std::string(name + 2)));
-    ASSERT_EQ(VxFileTemp("x.prt", 10, name), 0u) << "room for 32767";
-    EXPECT_EQ(std::string(name).substr(0, 4), ".\\hk");
-    EXPECT_EQ(VxFileTemp("x.prt", 9, name) + VxFileTemp("none\\x", sizeof name, name) +
-                  VxFileTemp(nullptr, sizeof name, name),
-              3u);
-    auto before = std::distance(fs::directory_iterator("."), {});
-    fault::onlyVerb("syncStream");
-    fault::refuse(fault::Kind::verb, 1);
-    uint32_t refused = VxFileTemp("x", sizeof name, name);
-    fault::refuse(fault::Kind::verb, 0);
-    fault::onlyVerb(nullptr);
-    EXPECT_EQ(refused, 1u);
-    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), before);
-
+    EXPECT_EQ(VxFileTemp("x.prt", 9, name) + VxFileTemp("none\\x", sizeof name, name), 2u);
     FILE *stream = VxFileTmp();
     ASSERT_NE(stream, nullptr);
     EXPECT_GE(fputs("text", stream), 0);
-    char back[8] = "";
-    rewind(stream);
-    EXPECT_STREQ(fgets(back, sizeof back, stream), "text");
     fclose(stream);
 }
 
 TEST_F(FileNames, TheExtensionStandsBehindTheLastPointOfTheName)
 {
-    const struct {
-        const char *name, *extension;
-    } cases[] = {{"a.txt", "txt"}, {"a.b.c", "c"},
-                 {"a", ""},        {"a.", ""},
-                 {".x", "x"},      {"d.x\\a", ""},
-                 {"d.x/a", ""},    {"d.x\\a.y", "y"},
-                 {"", ""},         {"a.0123456789abcdefgh", "0123456789abcde"}};
-    for (auto [name, extension] : cases)
+    for (auto [name, extension] : {std::pair{"a.b.c", "c"},
+                                   {"d.x\\a", ""},
+                                   {"d.x/a", ""},
+                                   {"a.0123456789abcdefgh", "0123456789abcde"}})
         EXPECT_STREQ(VxFileExt(name), extension) << name;
-    EXPECT_STREQ(VxFileExt(nullptr), "");
     test::CodePageScope japanese(932);
-    EXPECT_STREQ(VxFileExt("a.x\x95\x5Cy"), "x\x95\x5Cy");
     EXPECT_STREQ(VxFileExt("a.0123456789abcd\x95\x5C"), "0123456789abcd") << "cut behind a character";
-}
-
-TEST_F(FileNames, TheProductsExtensionsAreKnownIgnoringCase)
-{
-    for (const char *name : {"a.tlprt", "a.TLDRW", "a.Tl", "a.vx", "a.tld", "d\\a.tlprt"})
-        EXPECT_EQ(VxFileValidExt(name), 1) << name;
-    for (const char *name : {"a.txt", "a", "tlprt", "a.tlprtx", "a.tlprt\\b", "a.tlcam"})
-        EXPECT_EQ(VxFileValidExt(name), 0) << name;
-    EXPECT_EQ(VxFileValidExt(nullptr), 0);
-    EXPECT_EQ(VxFileValidExt_Viewer("a.TLD") + VxFileValidExt_Viewer("a.tlprt"), 1);
+    EXPECT_EQ(VxFileValidExt("d\\a.TLPrt") + VxFileValidExt("a.Tl") + VxFileValidExt_Viewer("a.TLD"), 3);
+    EXPECT_EQ(VxFileValidExt("a.txt") + VxFileValidExt("a.tlprt\\b") + VxFileValidExt_Viewer("a.tlprt"), 0);
 }
 
 TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
@@ -148,48 +106,30 @@ TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
         return std::to_string(function(name, size, ext)) + name;
     };
     EXPECT_EQ(set(VxFileSetExt, "a.TLPRT", 16, "TlPRT"), "1a.TLPRT");
-    EXPECT_EQ(set(VxFileSetExt, "a.b.c", 16, "d"), "0a.b.d");
-    EXPECT_EQ(set(VxFileSetExt, "d.x\\a", 16, "e"), "0d.x\\a.e");
-    EXPECT_EQ(set(VxFileSetExt, "a", 4, "xy"), "1a") << "a byte too much";
-    EXPECT_EQ(set(VxFileSetExt, "a", 5, "xy"), "0a.xy");
+    EXPECT_EQ(set(VxFileSetExt, "d.x\\a.b", 16, "e"), "0d.x\\a.e");
+    EXPECT_EQ(set(VxFileSetExt, "a", 4, "xy") + set(VxFileSetExt, "a", 5, "xy"), "1a0a.xy");
     EXPECT_EQ(set(VxFileSetExt2, "a.txt", 16, "vx"), "0a.txt.vx");
-    EXPECT_EQ(set(VxFileSetExt2, "a.TlPRT", 16, "TlPRT"), "0a.TlPRT");
-    EXPECT_EQ(set(VxFileSetExt2, "a.TlPRT", 4, "vx"), "1a.TlPRT");
-
-    auto cut = [&](auto function, const char *from) {
+    for (auto [from, cut] : {std::pair{"x.12", "x.12"}, {"x.-1", "x"}, {"x.txt", "x"}}) {
         VxStrCpy(name, from, sizeof name);
-        return function(name) ? "!" : std::string(name);
-    };
-    EXPECT_EQ(cut(VxFileRmExt, "a.tlprt"), "a");
-    EXPECT_EQ(cut(VxFileRmExt, "a.txt"), "a.txt");
-    EXPECT_EQ(cut(VxFileRmExt2, "x.12"), "x.12");
-    EXPECT_EQ(cut(VxFileRmExt2, "x.txt"), "x");
-    EXPECT_EQ(cut(VxFileRmExt2, "x."), "x");
-    EXPECT_EQ(cut(VxFileRmExt2, "x.0"), "x.0");
-    EXPECT_EQ(cut(VxFileRmExt2, "x.-1"), "x");
-    EXPECT_EQ(VxFileSetExt(nullptr, 9, "x") +
-                  static_cast<int32_t>(VxFileRmExt(nullptr) + VxFileRmExt2(nullptr)),
-              3);
+        VxFileRmExt2(name);
+        EXPECT_STREQ(name, cut);
+    }
 }
 
 TEST_F(FileNames, FilesAreFoundBelowTheCurrentFolderAndThenTheRoot)
 {
-    folder.write("cur/d/both", "");
+    folder.write("d/both", "");
     folder.write("root/d/both", "");
     folder.write("root/d/one", "");
-    fs::current_path("cur");
     VxStrCpy(files::pathState.root, folder.text("root\\").c_str(), sizeof files::pathState.root);
-    char out[300] = "kept";
-    EXPECT_EQ(VxFileFind("d", "none", out, sizeof out) + VxFileFind(nullptr, "one", out, sizeof out), 0);
-    EXPECT_STREQ(out, "kept");
+    char out[300];
     EXPECT_EQ(VxFileFind("d", "both", out, sizeof out), 1);
-    EXPECT_EQ(out, folder.text("cur\\d\\both"));
+    EXPECT_EQ(out, folder.text("d\\both"));
+    std::string one = folder.text("root\\d\\one");
     EXPECT_EQ(VxFileFind("d\\", "one", out, sizeof out), 1);
-    EXPECT_EQ(out, folder.text("root\\d\\one"));
-    int32_t size = static_cast<int32_t>(folder.text("root\\d\\one").size());
-    EXPECT_EQ(VxFileFind("d", "one", out, size), 0);
-    EXPECT_STREQ(VxZip(0), "zip.exe");
-    EXPECT_STREQ(VxZip(1), "unzip.exe");
+    EXPECT_EQ(out, one);
+    EXPECT_EQ(
+        VxFileFind("d", "one", out, static_cast<int32_t>(one.size())) + VxFileFind("d", "none", out, 300), 0);
 }
 
 }

@@ -1,6 +1,5 @@
 #include <cstring>
 #include <filesystem>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -42,57 +41,28 @@ struct FileRead : test::ToolkitFixture {
     FILE *stream = nullptr;
 };
 
-TEST_F(FileRead, LinesEndWithLfOrCrLfAndTheLastMayHaveNoEnd)
+TEST_F(FileRead, LinesEndWithLfOrCrLfAndLongOnesAreCutBehindACharacter)
 {
-    open("one\r\n\ntwo\rx\nthree\r\n \nlast");
-    EXPECT_EQ(lines(VxFileGetLine, 64), "one||two\rx|three| |last|");
-    open("");
-    EXPECT_EQ(lines(VxFileGetLine, 64), "");
-    char line[8];
-    EXPECT_EQ(VxFileGetLine(nullptr, line, 8) + VxFileGetLine(stream, nullptr, 8) +
-                  VxFileGetLine(stream, line, 1),
-              -3);
-}
-
-TEST_F(FileRead, LongLinesAreCutBehindACharacterAndTheirRestIsDropped)
-{
-    open("123\n1234\n12345\r\nx\n123\r\n1234\r\n");
-    EXPECT_EQ(lines(VxFileGetLine, 5), "123|1234|1234|x|123|1234|");
     test::CodePageScope utf8(65001);
-    open("12\xC3\xA4\n123\xC3\xA4\n");
-    EXPECT_EQ(lines(VxFileGetLine, 5), "12\xC3\xA4|123|");
-}
-
-TEST_F(FileRead, AZeroByteEndsTheTextOfItsLineOnly)
-{
+    open("one\r\n\ntwo\rx\n \nlast");
+    EXPECT_EQ(lines(VxFileGetLine, 64), "one||two\rx| |last|");
+    open("123\n1234\n12345\r\nx\n1234\r\n12\xC3\xA4\n123\xC3\xA4\n");
+    EXPECT_EQ(lines(VxFileGetLine, 5), "123|1234|1234|x|1234|12\xC3\xA4|123|");
     open(std::string_view("1\0002\nend", 8));
-    EXPECT_EQ(lines(VxFileGetLine, 5), "1|end|");
+    EXPECT_EQ(lines(VxFileGetLine, 5), "1|end|") << "a zero byte ends the text of its line only";
 }
 
-TEST_F(FileRead, BlankLinesAndCommentsArePassedOver)
+TEST_F(FileRead, GoingToATextLeavesItsLineToBeReadWithoutCommentsAndBlankLines)
 {
-    open("# head\n\n  \t\na\n  # no\nb # yes\n#");
-    EXPECT_EQ(lines(VxFileNextLine, 64), "a|b # yes|");
-}
-
-TEST_F(FileRead, GoingToATextLeavesItsLineToBeRead)
-{
-    open("x [a]\n[ab]\n1\n[b]\n2");
-    char line[16];
+    open("x [a]\n[ab]\n\n  \t\n  # no\nb # yes\n#");
     EXPECT_EQ(VxFileGoTo(stream, "[a"), 0u);
-    EXPECT_EQ(VxFileGetLine(stream, line, sizeof line), 0);
-    EXPECT_STREQ(line, "[ab]");
-    EXPECT_EQ(VxFileGoTo(stream, "2"), 0u);
+    EXPECT_EQ(lines(VxFileNextLine, 64), "[ab]|b # yes|");
     EXPECT_EQ(VxFileGoTo(stream, "[ab]"), 1u) << "forward only";
-    EXPECT_EQ(VxFileGetLine(stream, line, sizeof line), -1);
-    EXPECT_EQ(VxFileGoTo(nullptr, "x") + VxFileGoTo(stream, nullptr) +
-                  VxFileGoTo(stream, std::string(1024, 'x').c_str()),
-              3u);
 }
 
 TEST_F(FileRead, FilesComeWholeWithAZeroByteBehind)
 {
-    for (size_t size : {0u, 1u, 65535u, 65536u, 65537u, 300000u}) {
+    for (size_t size : {0u, 1u, 65535u, 65536u, 300000u}) {
         SCOPED_TRACE(size);
         std::string bytes(size, 'x');
         for (size_t i = 0; i < size; ++i)
@@ -100,54 +70,45 @@ TEST_F(FileRead, FilesComeWholeWithAZeroByteBehind)
         open(bytes);
         void *whole = nullptr;
         void *rest = nullptr;
-        char *text = nullptr;
         int32_t count = -1;
         int32_t restCount = -1;
         ASSERT_EQ(VxFileToMem("f", &whole, &count), 0u);
         VxFileSeek(stream, 1, 0);
         ASSERT_EQ(VxFileToMem2(stream, &rest, &restCount), 0u);
-        ASSERT_EQ(VxFileRead("f", &text), 0u);
-        EXPECT_EQ(std::string(static_cast<char *>(whole), static_cast<size_t>(count)), bytes);
+        ASSERT_EQ(static_cast<size_t>(count), size);
+        EXPECT_EQ(std::memcmp(whole, bytes.c_str(), size + 1), 0);
         EXPECT_EQ(std::string(static_cast<char *>(rest), static_cast<size_t>(restCount)),
                   bytes.substr(std::min<size_t>(1, size)));
-        EXPECT_EQ(std::memcmp(text, bytes.c_str(), size + 1), 0);
-        EXPECT_EQ(static_cast<char *>(whole)[size], '\0');
         VxMemFree(&whole);
         VxMemFree(&rest);
-        VxMemFree(reinterpret_cast<void **>(&text));
     }
-    void *data = &data;
+    void *data = nullptr;
     int32_t size = 1;
-    EXPECT_EQ(VxFileToMem("none", &data, &size) + VxFileToMem(".", &data, &size) +
-                  VxFileToMem("\\dev\\zero", &data, &size) + VxFileToMem(nullptr, &data, &size) +
-                  VxFileToMem("f", nullptr, &size) + VxFileToMem2(nullptr, &data, &size),
-              6u);
-    EXPECT_EQ(data, nullptr);
+    EXPECT_EQ(VxFileToMem(".", &data, &size) + VxFileToMem("\\dev\\zero", &data, &size), 2u);
     fs::resize_file("f", 0x7FFFFFFF);
     EXPECT_EQ(VxFileToMem("f", &data, &size), 1u) << "no room for the zero byte in a 31-bit size";
-    ASSERT_EQ(VxFileToMem("\\proc\\self\\limits", &data, &size), 0u) << "has bytes, but no size";
-    EXPECT_GT(size, 100);
-    VxMemFree(&data);
+    char *text = nullptr;
+    ASSERT_EQ(VxFileRead("\\proc\\self\\limits", &text), 0u) << "has bytes, but no size";
+    EXPECT_NE(std::strstr(text, "Max open files"), nullptr);
+    VxMemFree(reinterpret_cast<void **>(&text));
 }
 
 TEST_F(FileRead, ReadingMeetsEachRefusalWithoutABlock)
 {
     folder.write("f", std::string(200000, 'x'));
+    folder.write("g", std::string(200000, 'x'));
     for (auto kind : {fault::Kind::verb, fault::Kind::allocation}) {
-        uint32_t result = 0;
         void *data = nullptr;
         int32_t size = 0;
         test::eachRefusal(
-            kind, nullptr, [&] { result = VxFileToMem("f", &data, &size); },
+            kind, nullptr, [&] { VxFileToMem("f", &data, &size); },
             [&](bool refused) {
-                EXPECT_EQ(result, refused);
-                EXPECT_EQ(data != nullptr, result == 0);
-                EXPECT_EQ(size, result ? 0 : 200000);
+                EXPECT_EQ(data == nullptr, refused);
+                EXPECT_EQ(size, refused ? 0 : 200000);
                 VxMemFree(&data);
             });
     }
     int32_t same = 0;
-    folder.write("g", std::string(200000, 'x'));
     test::eachRefusal(
         fault::Kind::verb, nullptr, [&] { same = VxFileDiff("f", "g"); },
         [&](bool refused) { EXPECT_EQ(same, refused ? -1 : 0); });
@@ -157,18 +118,14 @@ TEST_F(FileRead, FilesDifferInOneByteOrInLength)
 {
     std::string bytes(65536 * 2, 'x');
     folder.write("a", bytes);
-    folder.write("longer", bytes + "x");
-    folder.write("empty", "");
-    EXPECT_EQ(VxFileDiff("a", "a"), 0);
-    EXPECT_EQ(VxFileDiff("empty", "empty"), 0);
-    EXPECT_EQ(VxFileDiff("a", "longer") + VxFileDiff("longer", "a") + VxFileDiff("a", "empty"), 3);
-    for (size_t at : {size_t{0}, size_t{65535}, size_t{65536}, bytes.size() - 1}) {
+    for (size_t at : {size_t{65535}, size_t{65536}, bytes.size()}) {
         std::string other = bytes;
+        other.resize(std::max(bytes.size(), at + 1));
         other[at] = 'y';
         folder.write("b", other);
-        EXPECT_EQ(VxFileDiff("a", "b"), 1) << at;
+        EXPECT_EQ(VxFileDiff("a", "b") + VxFileDiff("b", "a"), 2) << at;
     }
-    EXPECT_EQ(VxFileDiff("a", "none") + VxFileDiff(".", "a") + VxFileDiff(nullptr, "a"), -3);
+    EXPECT_EQ(VxFileDiff("a", "none") + VxFileDiff(".", "a"), -2);
 }
 
 }

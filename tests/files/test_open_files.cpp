@@ -1,6 +1,5 @@
 #include <cinttypes>
 #include <string>
-#include <vector>
 
 #include "files/open_files.h"
 #include "tests/files/toolkit_fixture.h"
@@ -35,47 +34,29 @@ struct OpenFiles : test::ToolkitFixture {
 TEST_F(OpenFiles, FilesAreListedInOrderUntilTheyAreClosed)
 {
     EXPECT_EQ(f_open("none", "r"), nullptr);
-    EXPECT_EQ(f_open(nullptr, "r"), nullptr);
     EXPECT_EQ(report(), "") << "no list before the first file";
-    std::vector<FILE *> streams;
-    std::string others;
-    for (int i = 0; i < 20; ++i) {
-        streams.push_back(f_open(i % 2 ? "f" : "./f", "r"));
-        others += i ? line(streams.back()) : "";
-    }
-    EXPECT_EQ(report(), header + line(streams[0]) + others);
-    EXPECT_EQ(f_close(nullptr), 0);
-    EXPECT_EQ(f_close(streams[0]), 0);
-    EXPECT_EQ(report(), header + others);
-    for (size_t i = 1; i < streams.size(); ++i)
-        EXPECT_EQ(f_close(streams[i]), 0);
+    FILE *first = f_open("f", "r");
+    FILE *second = f_open("./f", "r");
+    EXPECT_EQ(report(), header + line(first) + line(second));
+    EXPECT_EQ(f_close(first), 0);
+    EXPECT_EQ(report(), header + line(second));
+    EXPECT_EQ(f_close(second), 0);
     EXPECT_EQ(report(), header);
 }
 
 TEST_F(OpenFiles, TrackingNeverChangesOpeningAndClosing)
 {
-    FILE *stream = f_open("f", "r");
-    EXPECT_EQ(f_free(), 0);
-    EXPECT_EQ(report(), "");
-    EXPECT_EQ(fgetc(stream), '1') << "the file itself stays open";
-    EXPECT_EQ(f_close(stream), 0);
+    FILE *stream = nullptr;
     test::eachRefusal(
         fault::Kind::allocation, nullptr, [&] { stream = f_open("f", "r"); },
         [&](bool refused) {
             ASSERT_NE(stream, nullptr);
             EXPECT_EQ(report(), refused ? (files::openFiles.list ? header : "") : header + line(stream));
-            EXPECT_EQ(fgetc(stream), '1');
-            EXPECT_EQ(f_close(stream), 0);
             f_free();
+            EXPECT_EQ(report(), "");
+            EXPECT_EQ(fgetc(stream), '1') << "the file itself stays open";
+            EXPECT_EQ(f_close(stream), 0);
         });
-    // Records of another size are none of these.
-    f_free();
-    stream = f_open("f", "r");
-    files::openFiles.list->elemSize += 8;
-    EXPECT_EQ(report(), header);
-    EXPECT_EQ(f_close(stream), 0);
-    EXPECT_EQ(errors().back(), "List size mismatch");
-    files::openFiles.list->elemSize -= 8;
 }
 
 }

@@ -17,12 +17,6 @@ std::string back(const char *native)
     return os::fromNative(native, out, sizeof out) == os::Error::none ? out : "(does not fit)";
 }
 
-TEST(NativePath, SeparatorsAreTranslatedOnlyWhereTheyAreCharacters)
-{
-    test::CodePageScope japanese(932);
-    EXPECT_STREQ(os::NativePath("\\a\\b/c").c_str(), "/a/b/c");
-}
-
 TEST(NativePath, NamesWithA0x5cTrailByteKeepTheirCharacters)
 {
     const struct {

@@ -12,39 +12,17 @@ using Words = std::vector<std::string>;
 
 TEST(CommandLine, IsDividedByBlanksQuotesAndBackslashes)
 {
-    struct Case {
-        const char *line;
-        Words words;
-    };
     // The results of the C runtime of Windows.
-    const Case cases[] = {
-        {"", {}},
-        {" \t ", {}},
-        {"a b\tc  ", {"a", "b", "c"}},
-        {"\"a b\" c", {"a b", "c"}},
-        {"a\" b\"c d", {"a bc", "d"}},
-        {"\"\" x \"\"", {"", "x", ""}},
-        {"a\\b c\\", {"a\\b", "c\\"}},
-        {"x \\\"a\\\" b", {"\"a\"", "b"}},
-        {"x \"a\\\\\" b", {"a\\", "b"}},
-        {"x a\\\\\\\"b", {"a\\\"b"}},
-        {"x \"a\"\"b\" c", {"a\"b", "c"}},
-        {"x \"open end", {"open end"}},
-        {"x 'a b'", {"'a", "b'"}},
+    const std::pair<const char *, Words> cases[] = {
+        {"a b\tc  ", {"a", "b", "c"}},  {"\"a b\" c", {"a b", "c"}},   {"a\" b\"c d", {"a bc", "d"}},
+        {"\"\" x \"\"", {"", "x", ""}}, {"a\\b c\\", {"a\\b", "c\\"}}, {"\\\"a\\\" b", {"\"a\"", "b"}},
+        {"\"a\\\\\" b", {"a\\", "b"}},  {"a\\\\\\\"b", {"a\\\"b"}},    {"\"a\"\"b\" c", {"a\"b", "c"}},
+        {"\"open end", {"open end"}},   {"'a b'", {"'a", "b'"}},
     };
-    for (const Case &one : cases) {
-        bool program = std::string_view(one.line).starts_with("x ");
-        Words words = program ? platform::wordsOfCommandLine(one.line) : platform::wordsOfArguments(one.line);
-        if (program)
-            words.erase(words.begin());
-        EXPECT_EQ(words, one.words) << one.line;
-    }
-}
-
-TEST(CommandLine, BackslashesOfTheProgramAreSeparators)
-{
-    EXPECT_EQ(platform::wordsOfCommandLine("\"C:\\a folder\\\" \"b\\\" c\""),
-              (Words{"C:\\a folder\\", "b\" c"}));
+    for (const auto &[line, words] : cases)
+        EXPECT_EQ(platform::wordsOfArguments(line), words) << line;
+    EXPECT_EQ(platform::wordsOfCommandLine("\"C:\\a b\\\" \"b\\\" c\""), (Words{"C:\\a b\\", "b\" c"}))
+        << "those of the program are separators";
 }
 
 TEST(CommandLine, IsWalkedByCharacters)

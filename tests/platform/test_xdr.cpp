@@ -1,6 +1,5 @@
 #include "examples/parameter_table/parameter_table.h"
 
-#include <memory>
 #include <random>
 #include <string>
 
@@ -80,32 +79,6 @@ TEST(ParameterTableFile, AnyCutOrAlteredByteIsToldAndChangesNothing)
             EXPECT_EQ(back, before);
             EXPECT_STRNE(textOf(expected), textOf(ReadResult::done));
         }
-}
-
-TEST(Xdr, ArraysThatBreakOffAreFreedWithTheSameRoutine)
-{
-    int32_t numbers[] = {1, -2, 3};
-    char *array = reinterpret_cast<char *>(numbers);
-    u_int count = 3;
-    char bytes[64];
-    XDR stream;
-    auto element = reinterpret_cast<xdrproc_t>(xdr_int32_t);
-    xdrmem_create(&stream, bytes, sizeof bytes, XDR_ENCODE);
-    ASSERT_TRUE(xdr_array(&stream, &array, &count, 10, sizeof(int32_t), element));
-    u_int size = xdr_getpos(&stream);
-    EXPECT_EQ(size, 16u);
-    for (u_int length = 0; length <= size; length += 4) {
-        char *decoded = nullptr;
-        xdrmem_create(&stream, bytes, length, XDR_DECODE);
-        EXPECT_EQ(xdr_array(&stream, &decoded, &count, 10, sizeof(int32_t), element), length == size);
-        stream.x_op = XDR_FREE;
-        xdr_array(&stream, &decoded, &count, 10, sizeof(int32_t), element);
-    }
-    xdrmem_create(&stream, bytes, size, XDR_DECODE);
-    char *decoded = nullptr;
-    EXPECT_FALSE(xdr_array(&stream, &decoded, &count, 2, sizeof(int32_t), element))
-        << "one more than is allowed";
-    EXPECT_EQ(decoded, nullptr);
 }
 
 }
