@@ -1,5 +1,8 @@
+#include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -171,6 +174,31 @@ TEST_F(Folders, WalksGoOnPastWhatIsClosedToThem)
     }));
     fs::permissions("d/m/closed", fs::perms(0700));
     EXPECT_TRUE(fs::exists("d/m/closed/f"));
+}
+
+TEST_F(Folders, WalksSurviveNamesThatVanish)
+{
+    std::atomic<bool> done{false};
+    auto makeAndRemove = [&] {
+        while (!done) {
+            fs::create_directories(folder.native() / "d/x/y");
+            std::ofstream(folder.native() / "d/x/f").put('x');
+            std::error_code ignored;
+            fs::remove_all(folder.native() / "d/x", ignored);
+        }
+    };
+    fs::create_directories("d/stays");
+    {
+        std::jthread worker(makeAndRemove);
+        for (int i = 0; i < 200; ++i) {
+            auto names = listed(VxDirSub, "d");
+            EXPECT_THAT(names, testing::Contains(folder.text("d\\stays")));
+            VxDirCpy("d", "copy");
+            VxDirDel("copy");
+        }
+        done = true;
+    }
+    EXPECT_TRUE(fs::exists("d/stays"));
 }
 
 TEST_F(Folders, EachRefusalEndsInAWholeListOrNone)
