@@ -3,11 +3,56 @@
 // The factorisation L D L' of symmetric band matrices.
 
 #include <algorithm>
+#include <array>
 
 #include "numerics/row_kernels.h"
 #include "numerics/storage.h"
+#include "platform/os/os.h"
 
 namespace vx::numerics {
+
+/**
+ * Room for the factor of a band matrix. In pieces, the first of which is the
+ * largest: run-time heaps give blocks above some size, 32 MB with glibc, back
+ * to the system at once and keep others, up to twice the largest, and new
+ * pages cost more than what is written to them.
+ */
+class BandFactor {
+public:
+    static constexpr int64_t pieceBytes = int64_t{30} << 20;
+
+    /** Null rows when the room cannot be had. */
+    BandFactor(int32_t n, int32_t width, int64_t bytes = pieceBytes) : row_(numerics::allocate<double *>(n))
+    {
+        constexpr int64_t manyBytes = int64_t{4} << 20;
+        const int64_t most = std::tuple_size_v<decltype(piece_)>;
+        const int64_t fitting = bytes / (width * int64_t{sizeof(double)});
+        const auto rows =
+            static_cast<int32_t>(std::min<int64_t>(n, std::max(fitting, (n + most - 1) / most)));
+        auto next = piece_.begin();
+        for (int32_t first = 0; first < n && row_; first += rows, ++next) {
+            const int32_t count = std::min(rows, n - first);
+            *next = numerics::allocate<double>(int64_t{count} * width);
+            if (!*next) {
+                row_.reset();
+                return;
+            }
+            const int64_t size = int64_t{count} * width * int64_t{sizeof(double)};
+            if (size >= manyBytes)
+                os::preferLargePages(next->get(), static_cast<size_t>(size));
+            for (int32_t i = 0; i < count; ++i)
+                row_.get()[first + i] = next->get() + int64_t{i} * width;
+        }
+        matrix_ = {n, width, row_.get()};
+    }
+
+    const VxBndMat &matrix() const noexcept { return matrix_; }
+
+private:
+    Block<double *> row_;
+    std::array<Block<double>, 8> piece_;
+    VxBndMat matrix_{};
+};
 
 /** Rows that the window takes before those that are done with leave it. */
 constexpr int32_t windowSlack = 64;

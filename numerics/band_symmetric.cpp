@@ -10,14 +10,10 @@
 #include "numerics/solve.h"
 #include "numerics/storage.h"
 #include "numerics/tridiagonal.h"
-#include "platform/os/os.h"
 
 namespace vx::numerics {
 
 namespace {
-
-/** From here on the pages of a block cost more than what is written to them. */
-constexpr size_t manyBytes = size_t{4} << 20;
 
 bool isBand(const VxBndMat *band, int32_t n, int32_t semi) noexcept
 {
@@ -55,15 +51,10 @@ uint32_t solveBand(const VxBndMat &band, int32_t count, double **solutions)
 {
     const RowKernels &kernel = *kernels().rows;
     const int32_t n = band.size, semi = band.width - 1;
-    OwnBndMat factor;
-    if (VxBndMatAlloc(n, band.width, &factor))
+    const BandFactor factor(n, band.width);
+    if (!factor.matrix().row || !factoriseBand(kernel, band, factor.matrix(), count, solutions))
         return 1;
-    const auto bytes = static_cast<size_t>(factor.row[n - 1] - factor.row[0]) * sizeof(double);
-    if (bytes >= manyBytes)
-        os::preferLargePages(factor.row[0], bytes);
-    if (!factoriseBand(kernel, band, factor, count, solutions))
-        return 1;
-    kernel.bandBackward(factor.row, n, semi, count, solutions);
+    kernel.bandBackward(factor.matrix().row, n, semi, count, solutions);
     return 0;
 }
 

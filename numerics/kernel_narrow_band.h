@@ -91,7 +91,8 @@ inline void computeHere(Vec &sum)
 #endif
 }
 
-/** Subtract from one or two vectors of each row what the rows above have there, `up` tiles above and below. */
+/** Subtract from one or two vectors of each row what the rows above have there, `up` tiles above and below.
+ */
 template <int32_t blocks, int32_t block, int32_t up, size_t vectors>
 inline void subtractTilesAbove(const NarrowBand &f, Elements<vectors> (&sum)[bandRows])
 {
@@ -119,9 +120,9 @@ template <int32_t blocks, int32_t block> inline void eliminateBlocks(const Narro
         Elements<vectors> sum[bandRows];
         for (int32_t r = 0; r < bandRows; ++r)
             for (size_t v = 0; v < vectors; ++v)
-                sum[r].part[v] =
-                    reinterpret_cast<Vec>(reinterpret_cast<Mask>(load(rows.from[r] + block * lanes + v * lanes)) &
-                                          f.inside[r][block + v]);
+                sum[r].part[v] = reinterpret_cast<Vec>(
+                    reinterpret_cast<Mask>(load(rows.from[r] + block * lanes + v * lanes)) &
+                    f.inside[r][block + v]);
         subtractTilesAbove<blocks, block, blocks - 1 - block>(f, sum);
         if constexpr (block == 0)
             eliminateDiagonal<0>(rows.corner, sum[0].part[0][0], sum);

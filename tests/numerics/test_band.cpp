@@ -61,7 +61,7 @@ std::vector<double> forwardPlainly(const Matrix &a, std::vector<double> x)
     return x;
 }
 
-/** The same band with rows of their own, one behind the other in no order. */
+/** The same band with rows of their own. */
 struct Scattered : VxBndMat {
     explicit Scattered(const VxBndMat &band) : VxBndMat{band.size, band.width, nullptr}
     {
@@ -113,6 +113,22 @@ TEST(Band, FactorsHaveTheBitsOfThePlainLoopsWithEveryKernel)
                 expectBits(inPlace, plain);
             }
         }
+}
+
+TEST(Band, AFactorInPiecesIsTheSame)
+{
+    Random random(87);
+    for (int32_t semi : {3, 30}) {
+        Band band(random, 100, semi);
+        Matrix plain = band.full();
+        factorisePlainly(plain);
+        for (int32_t pieces : {1, 2, 5, 100}) {
+            const BandFactor factor(100, semi + 1, 100 * (semi + 1) * 8 / pieces);
+            ASSERT_TRUE(factor.matrix().row);
+            ASSERT_TRUE(factoriseBand(*kernels().rows, band, factor.matrix(), 0, nullptr));
+            expectBits(factor.matrix(), plain);
+        }
+    }
 }
 
 TEST(Band, SubstitutionDoesNotDependOnTheKernel)
