@@ -10,14 +10,10 @@
 #include "numerics/solve.h"
 #include "numerics/storage.h"
 #include "numerics/tridiagonal.h"
-#include "platform/os/os.h"
 
 namespace vx::numerics {
 
 namespace {
-
-/** From here on the pages of a block cost more than what is written to them. */
-constexpr size_t manyBytes = size_t{4} << 20;
 
 bool isBand(const VxBndMat *band, int32_t n, int32_t semi) noexcept
 {
@@ -55,18 +51,10 @@ uint32_t solveBand(const VxBndMat &band, int32_t count, double **solutions)
 {
     const RowKernels &kernel = *kernels().rows;
     const int32_t n = band.size, semi = band.width - 1;
-    OwnBndMat factor;
-    if (VxBndMatAlloc(n, band.width, &factor))
+    const BandFactor factor(n, band.width);
+    if (!factor.matrix().row || !factoriseBand(kernel, band, factor.matrix(), count, solutions))
         return 1;
-    const auto bytes = static_cast<size_t>(factor.row[n - 1] - factor.row[0]) * sizeof(double);
-    if (bytes >= manyBytes)
-        os::preferLargePages(factor.row[0], bytes);
-    auto forward = [&](int32_t first, int32_t end) {
-        kernel.bandForward(factor.row, n, semi, first, end, count, solutions);
-    };
-    if (!factoriseBand(kernel, band, factor, forward))
-        return 1;
-    kernel.bandBackward(factor.row, n, semi, count, solutions);
+    kernel.bandBackward(factor.matrix().row, n, semi, count, solutions);
     return 0;
 }
 
@@ -89,8 +77,7 @@ uint32_t SolvBandMatSys(int32_t n, int32_t semi, const VxBndMat *band, int32_t c
 
 uint32_t VxMatBandGetLS(VxBndMat *band, int32_t n, int32_t semi)
 {
-    auto keep = [](int32_t, int32_t) {};
-    return isBand(band, n, semi) && factoriseBand(*kernels().rows, *band, *band, keep) ? 0 : 1;
+    return isBand(band, n, semi) && factoriseBand(*kernels().rows, *band, *band, 0, nullptr) ? 0 : 1;
 }
 
 uint32_t VxMatBandFBS(const VxBndMat *factor, int32_t n, int32_t semi, const double *b, double *x)

@@ -77,6 +77,10 @@ void substitute(const double *const *lu, int32_t n, double *x)
 
 }
 
+#include "numerics/kernel_eight.h"
+
+#include "numerics/kernel_band.h"
+#include "numerics/kernel_narrow_band.h"
 #include "numerics/row_kernel_code.h"
 
 namespace vx::numerics {

@@ -38,6 +38,9 @@ constexpr int64_t bandWorkSize(int32_t semi)
     return (2 * int64_t{semi} + mostBandRows + rowStep) * mostBandRows;
 }
 
+/** The widest band that eliminateNarrow takes. */
+constexpr int32_t narrowBand = 20;
+
 /** Rows of the matrix that lose their part along two directions at once: row -= left * sum + right * w. */
 struct Reflection {
     int32_t first, end;      ///< rows
@@ -80,6 +83,14 @@ struct RowKernels {
      * reading what is still being written would wait for that.
      */
     void (*takeBandRows)(const BandWindow &window, int32_t first, int32_t end, double *const *factor);
+
+    /**
+     * Factorise a whole matrix of semi-bandwidth 0 to narrowBand, and solve
+     * with L and D in place. The rows of the factor may be those of the
+     * matrix. False when a pivot is below `least`.
+     */
+    bool (*eliminateNarrow)(const double *const *matrix, double *const *factor, int32_t n, int32_t semi,
+                            double least, int32_t count, double *const *x);
 
     /** Solve with L and D in place, rows `first` to `end` of each of `count` vectors. */
     void (*bandForward)(const double *const *factor, int32_t n, int32_t semi, int32_t first, int32_t end,
