@@ -39,10 +39,12 @@ std::vector<std::string> nextStart()
     return entries;
 }
 
-/** A value of the environment may bring in a "$" that is none, and "\." at the end a blank in front of it. */
+/** A value of the environment may bring in a "$" that is none, and "\." at the end white space in front of it. */
 bool isStorable(const std::string &entry)
 {
-    return entry.find_first_of("$\n\r") == entry.npos && !std::strchr(" \t\v\f", entry.back());
+    std::string trimmed = entry;
+    VxStrRem(trimmed.data());
+    return entry.find_first_of("$\n\r") == entry.npos && std::strcmp(trimmed.c_str(), entry.c_str()) == 0;
 }
 
 }
