@@ -39,12 +39,19 @@ std::vector<std::string> nextStart()
     return entries;
 }
 
-/** A value of the environment may bring in a "$" that is none, and "\." at the end white space in front of it. */
+/**
+ * A value of the environment may bring in a "$" that is none, and "\." at the
+ * end white space in front of it; and of a directory that is named as the mark
+ * of subdirectories each start cuts a piece.
+ */
 bool isStorable(const std::string &entry)
 {
     std::string trimmed = entry;
     VxStrRem(trimmed.data());
-    return entry.find_first_of("$\n\r") == entry.npos && std::strcmp(trimmed.c_str(), entry.c_str()) == 0;
+    if (entry.find_first_of("$\n\r") != entry.npos || std::strcmp(trimmed.c_str(), entry.c_str()) != 0)
+        return false;
+    return !vx::files::cutSubdirectoryMark(trimmed.data()) ||
+           !vx::files::subdirectoryMark(trimmed.data());
 }
 
 }
