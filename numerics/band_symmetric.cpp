@@ -27,14 +27,6 @@ void copyVectors(int32_t n, int32_t count, double **from, double **to) noexcept
             std::copy_n(from[v], n, to[v]);
 }
 
-uint32_t solveExpanded(int32_t n, const VxBndMat &band, int32_t count, double **rhs, double **solutions)
-{
-    OwnGenMat full;
-    if (SymBnd2FullMat(&band, n, band.width - 1, &full))
-        return 1;
-    return SolvFullMatSys(n, &full, count, rhs, solutions);
-}
-
 uint32_t solveThreeDiagonals(const VxBndMat &band, int32_t count, double **solutions)
 {
     const int32_t n = band.size;

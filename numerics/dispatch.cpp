@@ -30,14 +30,6 @@ uint32_t solveAsBand(int32_t n, int32_t semi, const VxGenMat &matrix, int32_t co
     return SolvBandMatSys(n, semi, &band, count, rhs, solutions);
 }
 
-uint32_t solveExpanded(int32_t n, const VxBndMat &band, int32_t count, double **rhs, double **solutions)
-{
-    OwnGenMat full;
-    if (SymBnd2FullMat(&band, n, band.width - 1, &full))
-        return 1;
-    return SolvFullMatSys(n, &full, count, rhs, solutions);
-}
-
 }
 
 }

@@ -136,6 +136,14 @@ uint32_t solveDense(int32_t n, const VxGenMat &matrix, int32_t count, double **r
 
 }
 
+uint32_t solveExpanded(int32_t n, const VxBndMat &band, int32_t count, double **rhs, double **solutions)
+{
+    OwnGenMat full;
+    if (SymBnd2FullMat(&band, n, band.width - 1, &full))
+        return 1;
+    return SolvFullMatSys(n, &full, count, rhs, solutions);
+}
+
 }
 
 using namespace vx::numerics;
