@@ -39,15 +39,17 @@ public:
     {
         if (depth == 0)
             return leaf();
-        switch (pick(7)) {
-        case 0:
-        case 1: return sum(make(depth - 1), make(depth - 1));
-        case 2:
-        case 3: return product(make(depth - 1), make(depth - 1));
-        case 4: return call(make(depth - 1));
-        case 5: return choice(make(depth - 1), make(depth - 1), make(depth - 1));
-        default: return square(make(depth - 1));
-        }
+        // One after the other, so that a seed makes the same formulas with every compiler.
+        int which = pick(7);
+        Made first = make(depth - 1);
+        if (which == 4)
+            return call(first);
+        if (which == 6)
+            return square(first);
+        Made second = make(depth - 1);
+        if (which < 2)
+            return sum(first, second);
+        return which < 4 ? product(first, second) : choice(first, second, make(depth - 1));
     }
 
 private:
@@ -105,7 +107,8 @@ private:
     {
         static const char *const names[] = {"sin", "ln", "!", "abs", "-", "sqrt"};
         const int failures[] = {0, x.value <= 1e-12 ? 188 : 0, 0, 0, 0, x.value < -1e-12 ? 189 : 0};
-        const double values[] = {std::sin(x.value * 3.14159265358979323846 / 180),
+        // The toolkit's own factor: a comparison of sines near zero shows the last bit.
+        const double values[] = {std::sin(x.value * 0.017453292519943295),
                                  std::log(x.value),
                                  1.0 * (std::fabs(x.value) <= 1e-12),
                                  std::fabs(x.value),
