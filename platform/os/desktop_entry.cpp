@@ -1,4 +1,4 @@
-// After the "Desktop Entry Specification" and the "File URI Specification" of freedesktop.org.
+// Desktop entries and file URIs as freedesktop.org describes them.
 
 #include "platform/os/desktop_entry.h"
 

@@ -1,5 +1,5 @@
-// After the "Desktop Bookmark Specification" of freedesktop.org. The list is
-// edited as text, so that whatever others keep in it stays as it is.
+// Desktop bookmarks as freedesktop.org describes them. The list is edited as
+// text, so that whatever others keep in it stays as it is.
 
 #include "platform/os/recent_list.h"
 
