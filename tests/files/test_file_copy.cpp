@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/files/toolkit_fixture.h"
+#include "tests/support/code_page.h"
 #include "tests/support/child.h"
 #include "tests/support/each_refusal.h"
 #include "vx/file.h"
@@ -39,6 +40,7 @@ fs::path elsewhere()
 
 TEST_F(FileCopy, CopiesKeepTimesAndPermissions)
 {
+    test::CodePageScope utf8(65001);
     folder.write("x/a", "text");
     fs::permissions("x/a", fs::perms(0640));
     fs::last_write_time("x/a", fs::file_time_type::clock::now() - std::chrono::hours(1000));

@@ -6,6 +6,7 @@
 
 #include "platform/os/recent_list.h"
 #include "platform/os/test_values.h"
+#include "tests/support/code_page.h"
 #include "tests/support/each_refusal.h"
 #include "tests/support/temp_folder.h"
 #include "vx/sys.h"
@@ -59,6 +60,7 @@ struct Recent : testing::Test {
 
 TEST_F(Recent, DocumentsAreListedByAddressTimeAndApplication)
 {
+    test::CodePageScope utf8(65001);
     std::string list = add("a b&'\xC3\xBC.vxp");
     EXPECT_TRUE(isWellFormed(list)) << list;
     EXPECT_NE(list.find("href=\"file://" + folder.native().string() +
@@ -129,6 +131,7 @@ struct Shortcuts : testing::Test {
 
 TEST_F(Shortcuts, HaveAProgramsCommandLineOrADocumentsAddress)
 {
+    test::CodePageScope utf8(65001);
     folder.write("the program", "");
     fs::permissions(folder.native() / "the program", fs::perms(0755));
     std::string name = (folder.native() / "the program").string();
