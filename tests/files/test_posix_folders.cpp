@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/os/test_values.h"
 #include "tests/files/toolkit_fixture.h"
 #include "tests/support/code_page.h"
 #include "tests/support/each_refusal.h"
@@ -121,6 +122,31 @@ TEST_F(PosixFolders, NamesAreTakenOffPaths)
     test::CodePageScope japanese(932);
     char path[] = "a\\\x95\x5C";
     EXPECT_STREQ(VX::basename(path), "\x95\x5C");
+}
+
+TEST_F(PosixFolders, TheTimeHasWholeMilliseconds)
+{
+    os::setTestClock(1'234'567'891);
+    VxTimeVal time{};
+    int32_t command = 1;
+    EXPECT_EQ(VX::gettimeofday(&time, &command), 0);
+    EXPECT_EQ(time.sec, 1234);
+    EXPECT_EQ(time.usec, 567000);
+    command = 2;
+    EXPECT_EQ(VX::gettimeofday(&time, &command) + VX::gettimeofday(&time, nullptr), 0);
+    EXPECT_EQ(VX::gettimeofday(nullptr, nullptr), -1);
+}
+
+TEST_F(PosixFolders, TheSystemTellsItsNames)
+{
+    VxUtsName names;
+    EXPECT_EQ(VX::uname(&names), 1);
+    EXPECT_STREQ(names.sysname, "Linux");
+    EXPECT_NE(names.release[0] * names.machine[0], 0);
+    EXPECT_EQ(VX::uname(nullptr), -1);
+    test::eachRefusal(
+        fault::Kind::verb, nullptr, [&] { names.sysname[0] = static_cast<char>(VX::uname(&names)); },
+        [&](bool refused) { EXPECT_EQ(names.sysname[0], refused ? -1 : 1); });
 }
 
 }
