@@ -25,21 +25,29 @@ void dropLast(VxList &list)
     VxListDelElem(&list, list.count - 1, list.count - 1);
 }
 
-VxGraphNode newNode(VxList *edges) noexcept
+inline VxGraphNode newNode(VxList *edges) noexcept
 {
-    VxGraphNode node{};
-    node.edges = edges;
-    prepare(node);
-    return node;
+    return {.edges = edges,
+            .reserved = 0,
+            .number = none,
+            .parentNode = none,
+            .parentEdge = none,
+            .low = none,
+            .low2 = none,
+            .val = {-1, -1},
+            .removed = 0,
+            .user = nullptr};
 }
 
-VxGraphEdge newEdge(int32_t from, int32_t to) noexcept
+inline VxGraphEdge newEdge(int32_t from, int32_t to) noexcept
 {
-    VxGraphEdge edge{};
-    edge.from = from;
-    edge.to = to;
-    edge.region[0] = edge.region[1] = none;
-    return edge;
+    return {.from = from,
+            .to = to,
+            .regionCount = 0,
+            .region = {none, none},
+            .weight = 0,
+            .cycle = 0,
+            .removed = 0};
 }
 
 // The lists of a graph's nodes are one block, so that a list can be fetched
@@ -69,14 +77,21 @@ NodeList &listIn(void *block, int32_t node) noexcept
     return reinterpret_cast<NodeList *>(first)[node];
 }
 
-VxList *makeList(VxList &nodes, int32_t node)
+/** What the lists in the block are copies of. */
+NodeList emptyList() noexcept
 {
-    void *block = listBlock(&nodes);
-    if (!block)
-        return newSmallArray(sizeof(int32_t), slots, slots);
-    VxList *list = makeSmallArray(&listIn(block, node), sizeof(int32_t), slots, slots);
-    lendRecord(*list);
+    NodeList list{};
+    makeSmallArray(&list, sizeof(int32_t), slots, slots);
     return list;
+}
+
+/** Put an empty list where it stays. */
+inline VxList *place(const NodeList &empty, NodeList &list) noexcept
+{
+    list = empty;
+    list.record.data = list.numbers;
+    lendRecord(list.record);
+    return &list.record;
 }
 
 inline void prefetchList(const VxList &nodes, int32_t node) noexcept
@@ -95,23 +110,36 @@ uint32_t makeRoom(VxList &nodes, int32_t n)
     return VxListResizeArr(&nodes, (missing + slots - 1) / slots * slots);
 }
 
+/** Nodes in the slots from the first free one that lie side by side, up to the n-th. */
+bool fillSlots(VxList &nodes, int32_t n)
+{
+    const NodeList empty = emptyList();
+    void *block = listBlock(&nodes);
+    int32_t first = nodes.count;
+    int32_t run = std::min({n - first, nodes.capacity - first, runFrom(nodes, first)});
+    auto node = reinterpret_cast<VxGraphNode *>(slotAt(nodes, first));
+    for (int32_t i = 0; i < run; ++i, ++nodes.count) {
+        VxList *list =
+            block ? place(empty, listIn(block, first + i)) : newSmallArray(sizeof(int32_t), slots, slots);
+        if (!list)
+            return false;
+        node[i] = newNode(list);
+    }
+    return true;
+}
+
 uint32_t makeNodes(VxList &nodes, int32_t n)
 {
-    constexpr int32_t atOnce = 1000; // new slots are zeros, and still in the cache when they are filled
+    constexpr int32_t atOnce = 100; // new slots are zeros, and still in the cache when they are filled
     if (n > 0 && n <= mostInOneBlock) {
         Block<NodeList> block = allocate<NodeList>(int64_t{n} + 1);
         if (!block)
             return 1;
         nodes.order = reinterpret_cast<VxLnkNode *>(block.release());
     }
-    for (int32_t i = 0; i < n; ++i) {
-        if (i % atOnce == 0 && makeRoom(nodes, std::min(n - i, atOnce) + i))
+    while (nodes.count < n)
+        if (makeRoom(nodes, nodes.count + std::min(n - nodes.count, atOnce)) || !fillSlots(nodes, n))
             return 1;
-        VxList *edges = makeList(nodes, i);
-        if (!edges)
-            return 1;
-        append(&nodes, newNode(edges));
-    }
     return 0;
 }
 
@@ -138,6 +166,57 @@ uint32_t appendToBoth(VxList *first, VxList *second, int32_t number)
         return 1;
     }
     return 0;
+}
+
+[[gnu::noinline]] uint32_t addEdge(VxGraph *graph, int32_t from, int32_t to, bool directed,
+                                   VxGraphEdge **edge)
+{
+    if (edge)
+        *edge = nullptr;
+    if (!graph || !holds<VxGraphEdge>(graph->edges) || !holds<VxGraphNode>(graph->nodes) ||
+        !isNode(*graph->nodes, from) || !isNode(*graph->nodes, to))
+        return 1;
+    int32_t number = graph->edges->count;
+    // A removed node has no list.
+    VxList *first = nodeAt(*graph, from)->edges;
+    VxList *second = directed ? nullptr : nodeAt(*graph, to)->edges;
+    if (!first || (!directed && !second) || appendToBoth(first, second, number))
+        return 1;
+    if (append(graph->edges, newEdge(from, to))) {
+        dropLast(*first);
+        if (second)
+            dropLast(*second);
+        return 1;
+    }
+    if (edge)
+        *edge = edgeAt(*graph, number);
+    return 0;
+}
+
+/**
+ * The same for a directed edge where there is nothing to do but to store in free slots; else false with
+ * nothing done. A processor with few instructions to go to the next edge waits for the memory of several at
+ * once: that is most of the time in a large graph. The far end is not looked at for the same reason.
+ */
+inline bool addInPlace(VxGraph &graph, int32_t from, int32_t to, VxGraphEdge **added) noexcept
+{
+    VxList *nodes = graph.nodes, *edges = graph.edges;
+    if (!isArrayOf<VxGraphNode>(nodes) || !isNode(*nodes, from) || !isNode(*nodes, to))
+        return false;
+    auto node = reinterpret_cast<const VxGraphNode *>(slotAt(*nodes, from));
+    __builtin_prefetch(node);
+    prefetchList(*nodes, from);
+    auto edge = freeSlot<VxGraphEdge>(edges);
+    if (!edge || !node)
+        return false;
+    VxList *list = node->edges;
+    if (!isArrayOf<int32_t>(list) || list->pageLevel != 0 || list->count >= list->capacity)
+        return false;
+    static_cast<int32_t *>(list->data)[list->count++] = edges->count++;
+    *edge = newEdge(from, to);
+    if (added)
+        *added = edge;
+    return true;
 }
 
 /** Overwrite the first entry of an edge; the entries behind it stay where they are. */
@@ -185,27 +264,9 @@ uint32_t VxGraphMk(int32_t n, VxGraph *graph)
 
 uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t directed, VxGraphEdge **edge)
 {
-    if (edge)
-        *edge = nullptr;
-    if (!graph || !holds<VxGraphEdge>(graph->edges) || !holds<VxGraphNode>(graph->nodes) ||
-        !isNode(*graph->nodes, from) || !isNode(*graph->nodes, to))
-        return 1;
-    int32_t number = graph->edges->count;
-    prefetchList(*graph->nodes, from);
-    // A removed node has no list. The far end of a directed edge is not looked at: a cache miss.
-    VxList *first = nodeAt(*graph, from)->edges;
-    VxList *second = directed ? nullptr : nodeAt(*graph, to)->edges;
-    if (!first || (!directed && !second) || appendToBoth(first, second, number))
-        return 1;
-    if (append(graph->edges, newEdge(from, to))) {
-        dropLast(*first);
-        if (second)
-            dropLast(*second);
-        return 1;
-    }
-    if (edge)
-        *edge = edgeAt(*graph, number);
-    return 0;
+    if (graph && directed && addInPlace(*graph, from, to, edge)) [[likely]]
+        return 0;
+    return addEdge(graph, from, to, directed != 0, edge);
 }
 
 uint32_t VxGraphEdgeDel(VxGraph *graph, int32_t number)

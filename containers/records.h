@@ -17,7 +17,7 @@ template <typename T> bool holds(const VxList *list)
 {
     if (!list)
         return false;
-    if (list->elemSize == static_cast<int32_t>(sizeof(T)))
+    if (list->elemSize == static_cast<int32_t>(sizeof(T))) [[likely]]
         return true;
     VxListSizeError();
     return false;
@@ -28,11 +28,10 @@ template <typename T> T *recordAt(VxList *list, int32_t index)
 {
     if (!holds<T>(list) || index < 0 || index >= list->count)
         return nullptr;
+    if (list->layout == array) [[likely]]
+        return static_cast<T *>(static_cast<void *>(slotAt(*list, index)));
     void *record = nullptr;
-    if (list->layout == array)
-        record = slotAt(*list, index);
-    else
-        VxListGetPtr(list, index, &record);
+    VxListGetPtr(list, index, &record);
     return static_cast<T *>(record);
 }
 
@@ -49,17 +48,29 @@ template <typename T, typename Use> void forEach(VxList &list, Use use)
     }
 }
 
+template <typename T> bool isArrayOf(const VxList *list) noexcept
+{
+    return list && list->layout == array && list->elemSize == static_cast<int32_t>(sizeof(T));
+}
+
+/** The slot behind the last record of an array of them; null when there is more to it. */
+template <typename T> [[gnu::always_inline]] inline T *freeSlot(VxList *list) noexcept
+{
+    bool there = isArrayOf<T>(list) && list->count < list->capacity;
+    return there ? static_cast<T *>(static_cast<void *>(slotAt(*list, list->count))) : nullptr;
+}
+
 /** Append a record: 0, or 1 with the list as it was. */
 template <typename T> uint32_t append(VxList *list, const T &record)
 {
     if (!holds<T>(list))
         return 1;
-    if (list->layout == array && list->count < list->capacity) {
-        if (void *slot = slotAt(*list, list->count)) {
-            *static_cast<T *>(slot) = record;
-            ++list->count;
-            return 0;
-        }
+    if (list->layout == array && list->count == list->capacity)
+        growInPage(*list);
+    if (T *slot = freeSlot<T>(list); slot) [[likely]] {
+        *slot = record;
+        ++list->count;
+        return 0;
     }
     return VxListSet(list, list->count, &record);
 }

@@ -21,6 +21,18 @@ size_t bytesOf(const VxList &list, int32_t n) noexcept
 
 }
 
+bool growInPage(VxList &list) noexcept
+{
+    if (list.pageLevel == 0 || list.increment < 1)
+        return false;
+    auto within = static_cast<uint32_t>(list.capacity);
+    divisorsOf(list).elements.divide(within);
+    if (within == 0 || int64_t{within} + list.increment > elementsPerPage(list))
+        return false;
+    list.capacity += list.increment;
+    return true;
+}
+
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept
 {
     if (to < from) {

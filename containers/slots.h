@@ -89,6 +89,9 @@ inline void *slotInside(const VxList &list, int32_t index) noexcept
                                                                                : nullptr;
 }
 
+/** A step of growth of a full list whose last page has the slots; false when there is more to it. */
+bool growInPage(VxList &list) noexcept;
+
 /** Move n elements inside a list; the ranges may overlap, their pages are there. */
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept;
 

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <random>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -251,6 +252,32 @@ TEST(Graph, edgesStandInTheListsOfTheirEndsAndDeletionLeavesGapsThere)
     }
     EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 1, 1, nullptr), 1u) << "from a removed node";
     EXPECT_EQ(VxGraphAddEdge(&graph.graph, 0, 3, 1, nullptr), 1u) << "to none";
+}
+
+TEST(Graph, itsListsGrowAsAnyListDoesThroughBothLevelsOfPages)
+{
+    int32_t page = std::exchange(VgPageSize, 1200); // 150 pages of 30 edges at the first level
+    Graph graph(400);
+    std::vector<int32_t> ofNodeOne;
+    VxList *expected = nullptr;
+    ASSERT_EQ(VxListMk(2, sizeof(VxGraphEdge), 10, 10, nullptr, &expected), 0u);
+    for (int32_t i = 0; i < 6000 && !testing::Test::HasFailure(); ++i) {
+        VxGraphEdge *edge = nullptr;
+        EXPECT_EQ(VxGraphAddEdge(&graph.graph, i % 3, i % 400, i % 5, &edge), 0u);
+        EXPECT_EQ(edge, &graph.edge(i));
+        EXPECT_EQ(VxListSet(expected, i, edge), 0u);
+        EXPECT_EQ(graph.graph.edges->capacity, expected->capacity);
+        EXPECT_EQ(graph.graph.edges->pageLevel, expected->pageLevel);
+        for (int32_t end : {i % 3, i % 5 ? 0 : i % 400})
+            if (end == 1)
+                ofNodeOne.push_back(i);
+    }
+    EXPECT_EQ(expected->pageLevel, 2);
+    for (int32_t i = 0; i < graph.edges(); ++i)
+        EXPECT_EQ(graph.edge(i).from * 1000 + graph.edge(i).to, i % 3 * 1000 + i % 400);
+    EXPECT_EQ(graph.incident(1), ofNodeOne);
+    VxListDel(&expected);
+    VgPageSize = page;
 }
 
 using GraphFailures = vx::test::StartedToolkit;
