@@ -135,6 +135,7 @@ uint32_t makeNodes(VxList &nodes, int32_t n)
         Block<NodeList> block = allocate<NodeList>(int64_t{n} + 1);
         if (!block)
             return 1;
+        preferLargePages(block.get(), (static_cast<size_t>(n) + 1) * sizeof(NodeList));
         nodes.order = reinterpret_cast<VxLnkNode *>(block.release());
     }
     while (nodes.count < n)
@@ -206,6 +207,8 @@ inline bool addInPlace(VxGraph &graph, int32_t from, int32_t to, VxGraphEdge **a
     auto node = reinterpret_cast<const VxGraphNode *>(slotAt(*nodes, from));
     __builtin_prefetch(node);
     prefetchList(*nodes, from);
+    if (edges && edges->count == edges->capacity && edges->layout == array)
+        growInPage(*edges);
     auto edge = freeSlot<VxGraphEdge>(edges);
     if (!edge || !node)
         return false;

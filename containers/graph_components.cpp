@@ -6,13 +6,23 @@
 // connectivity algorithm and its applications in data flow analysis",
 // Computers & Mathematics with Applications 7 (1981).
 //
-// Both passes run over flat copies of what the lists hold. The records of the
+// The first walk already tells of most nodes that are alone. A way back to a
+// node on the path joins all that is finished from then on until that node
+// is. The nodes of a component are joined: only ways to the path lead to nodes
+// finished later, so those on the round from the first finished to the last
+// and back pass over all between. And what is not joined is alone: an edge
+// into a component from outside comes from a node finished after all of it,
+// which the second walks have taken by then. So they need only joined nodes.
+// This holds when the ways go over each edge; else all nodes are joined.
+//
+// Both walks run over a flat copy of what the lists hold. The records of the
 // graph are written when all else is done, so that a failure changes nothing.
 
 #include <cstring>
 #include <new>
-#include <vector>
+#include <utility>
 
+#include "containers/graph_flat.h"
 #include "containers/graph_records.h"
 #include "containers/memory.h"
 #include "containers/small_array.h"
@@ -22,243 +32,270 @@ namespace vx::containers {
 
 namespace {
 
-using Numbers = std::vector<int32_t>;
-
 constexpr int32_t closesCycle = -2;  ///< the low number of a node that leads back to its path
 constexpr int32_t listIncrement = 4; ///< of a component's list
 
-size_t at(int32_t number) noexcept
+/** What is known of a node, in few bytes, since the walks look here for each way. */
+enum class Mark : uint8_t {
+    unseen = 0,
+    onPath = 1,
+    entered = 2, ///< on the path, and a way leads back into it
+    closes = 4,  ///< a way leads back from it to the path; this stays
+    joined = 8,  ///< finished, and not known to be alone
+    alone = 16,  ///< in its component
+    taken = 32   ///< by its component, or removed
+};
+
+constexpr Mark operator|(Mark a, Mark b) noexcept
 {
-    return static_cast<size_t>(number);
+    return static_cast<Mark>(static_cast<uint8_t>(a) | static_cast<uint8_t>(b));
 }
 
-/** Runs one behind the other: run i is items[first[i]] .. items[first[i + 1] - 1]. */
-template <typename T> struct Runs {
-    Numbers first;
-    std::vector<T> items;
-};
-
-struct Way {
-    int32_t to = none; ///< none: not to be gone
-    int32_t edge = none;
-};
-
-struct Ends {
-    int32_t from = none;
-    int32_t to = none;
-};
-
-/** A graph without what was removed: the ends of its edges, and the ways out of its nodes. */
-struct Flat {
-    int32_t nodes = 0;
-    int32_t edges = 0;
-    std::vector<uint8_t> live;
-    std::vector<Ends> ends; ///< of each edge; none for one that was removed or leads to a removed node
-    Runs<Way> ways;         ///< out of each node
-};
-
-/** Where a walk stands in one node, next to each other since they are needed at once. */
-struct Place {
-    int32_t next, end; ///< the ways not yet gone
-    int32_t parent, parentEdge;
-};
-
-std::vector<Place> startOf(const Numbers &first)
+constexpr Mark operator&(Mark a, Mark b) noexcept
 {
-    std::vector<Place> places(first.size() - 1);
-    for (size_t i = 0; i < places.size(); ++i)
-        places[i] = {first[i], first[i + 1], none, none};
-    return places;
+    return static_cast<Mark>(static_cast<uint8_t>(a) & static_cast<uint8_t>(b));
 }
 
-enum class Mark : uint8_t { unseen, onPath, done };
+constexpr bool has(Mark marks, Mark mark) noexcept
+{
+    return (marks & mark) != Mark::unseen;
+}
 
-/** What the post-order walk finds. */
-struct Finished {
-    explicit Finished(const Flat &flat)
-        : marks(at(flat.nodes), Mark::unseen), places(startOf(flat.ways.first)), closes(at(flat.nodes), 0),
-          cycle(at(flat.edges), 0)
+/** A node that is finished. */
+struct Visit {
+    int32_t node;
+    int32_t parent;
+    int32_t way; ///< that led here, none to a root
+};
+
+/** What the post-order walk finds. A way that closes a cycle now leads to the complement of its node. */
+struct Visits {
+    Room<Mark> marks;
+    Room<Visit> order; ///< as nodes were finished
+    int32_t count = 0; ///< of them
+    int32_t joined = 0;
+};
+
+class FirstWalk {
+public:
+    explicit FirstWalk(FlatGraph &flat)
+        : flat_(flat), path_(flat.nodes + 1),
+          open_(flat.regular ? 0 : 1), found_{Room<Mark>(flat.nodes), Room<Visit>(flat.nodes)}
     {
-        order.reserve(at(flat.nodes));
     }
 
-    std::vector<Mark> marks; // few bytes, since a walk looks here for each way
-    std::vector<Place> places;
-    Numbers order;  ///< the nodes as they were finished
-    Numbers number; ///< of each node in this order
-    std::vector<uint8_t> closes, cycle;
+    Visits fromEach()
+    {
+        path_[0] = {none, 0, 0};
+        for (int32_t i = 0; i < flat_.nodes; ++i)
+            found_.marks[i] = flat_.removed[i] ? Mark::taken : Mark::unseen;
+        for (int32_t i = 0; i < flat_.nodes; ++i)
+            if (found_.marks[i] == Mark::unseen)
+                from(i);
+        return std::move(found_);
+    }
+
+private:
+    struct Step {
+        int32_t node;
+        int32_t next; ///< the first way not yet gone
+        int32_t end;  ///< of the ways
+    };
+
+    void enter(int32_t node)
+    {
+        found_.marks[node] = Mark::onPath;
+        path_[++depth_] = {node, flat_.start[node], flat_.start[node + 1]};
+    }
+
+    void from(int32_t root)
+    {
+        for (enter(root); depth_ > 0;) {
+            int32_t way = advance(path_[depth_]);
+            if (way == none)
+                finish();
+            else
+                enter(flat_.to[way]);
+        }
+    }
+
+    /** Go the ways of a node up to one that leads to an unseen node; none behind the last. */
+    int32_t advance(Step &step)
+    {
+        for (int32_t way = step.next; way < step.end; ++way) {
+            if (!flat_.regular && ledHere(way))
+                continue;
+            Mark mark = found_.marks[flat_.to[way]];
+            if (mark == Mark::unseen) {
+                step.next = way + 1;
+                return way;
+            }
+            if (has(mark, Mark::onPath))
+                close(step, way);
+        }
+        return none;
+    }
+
+    /** True when a way goes over the edge over which the walk came to its node. */
+    bool ledHere(int32_t way) const
+    {
+        const Step &before = path_[depth_ - 1];
+        return before.node != none && flat_.edge[way] == flat_.edge[before.next - 1];
+    }
+
+    void close(const Step &step, int32_t way)
+    {
+        Mark &mark = found_.marks[flat_.to[way]];
+        open_ += !has(mark, Mark::entered);
+        mark = mark | Mark::entered;
+        // Only the way to the parent can go over the edge that led here, but in irregular lists.
+        if (flat_.to[way] == path_[depth_ - 1].node && ledHere(way))
+            return;
+        flat_.to[way] = ~flat_.to[way];
+        found_.marks[step.node] = found_.marks[step.node] | Mark::closes;
+    }
+
+    void finish()
+    {
+        const Step &step = path_[depth_--];
+        Mark &mark = found_.marks[step.node];
+        Mark state = open_ > 0 ? Mark::joined : Mark::alone;
+        const Step &before = path_[depth_];
+        found_.order[found_.count++] = {step.node, before.node, before.next - 1};
+        found_.joined += open_ > 0;
+        open_ -= has(mark, Mark::entered);
+        mark = (mark & Mark::closes) | state;
+    }
+
+    FlatGraph &flat_;
+    Room<Step> path_; ///< behind a first step that no node takes
+    int32_t depth_ = 0;
+    int32_t open_; ///< nodes on the path that a way leads back into
+    Visits found_;
 };
 
-bool readEdges(VxGraph &graph, Flat &flat)
-{
-    bool valid = true;
-    auto isNode = [&](int32_t number) { return number >= 0 && number < flat.nodes; };
-    flat.ends.resize(at(flat.edges));
-    forEach<VxGraphEdge>(*graph.edges, [&](int32_t i, const VxGraphEdge &edge) {
-        if (edge.removed)
-            return;
-        if (!isNode(edge.from) || !isNode(edge.to))
-            valid = false;
-        else if (flat.live[at(edge.from)] && flat.live[at(edge.to)])
-            flat.ends[at(i)] = {edge.from, edge.to};
-    });
-    return valid;
-}
+/** Edges reversed, in their order: those into node i lead from items[start[i]] .. items[start[i + 1] - 1]. */
+struct Reversed {
+    Room<int32_t> start;
+    Room<int32_t> items;
+};
 
-/** The nodes and their edges, in the order of their lists. */
-bool readNodes(VxGraph &graph, Flat &flat)
+/** The edges between nodes that are joined. */
+Reversed reverse(const FlatGraph &flat, const Room<Mark> &marks)
 {
-    bool valid = true;
-    Runs<Way> &ways = flat.ways;
-    flat.live.resize(at(flat.nodes));
-    ways.first.reserve(at(flat.nodes) + 1);
-    ways.items.reserve(at(flat.edges));
-    for (int32_t i = 0; i < flat.nodes; ++i) {
-        ways.first.push_back(static_cast<int32_t>(ways.items.size()));
-        const VxGraphNode *node = liveNodeAt(graph, i);
-        if (!node)
-            continue;
-        flat.live[at(i)] = 1;
-        VxList *list = node->edges;
-        if (!holds<int32_t>(list))
-            return false;
-        forEach<int32_t>(*list, [&](int32_t, int32_t edge) {
-            valid = valid && edge >= none && edge < flat.edges;
-            if (edge != none)
-                ways.items.push_back({none, edge});
-        });
-    }
-    ways.first.push_back(static_cast<int32_t>(ways.items.size()));
-    return valid;
-}
-
-/** Where the ways lead: a pass of its own, in which the processor looks up many edges at once. */
-void findTargets(Flat &flat)
-{
+    Reversed ways;
+    auto forJoined = [&](auto use) {
+        for (int32_t i = 0; i < flat.edges; ++i) {
+            Ends ends = flat.ends[i];
+            if (ends.from != none && has(marks[ends.to] & marks[ends.from], Mark::joined))
+                use(ends);
+        }
+    };
+    ways.start = Room<int32_t>::zeros(flat.nodes + 2);
+    forJoined([&](Ends ends) { ++ways.start[ends.to + 2]; });
     for (int32_t i = 0; i < flat.nodes; ++i)
-        for (int32_t j = flat.ways.first[at(i)]; j < flat.ways.first[at(i) + 1]; ++j) {
-            Way &way = flat.ways.items[at(j)];
-            Ends ends = flat.ends[at(way.edge)];
-            way.to = ends.from == i ? ends.to : ends.from;
-        }
-}
-
-bool read(VxGraph &graph, Flat &flat)
-{
-    if (!holds<VxGraphNode>(graph.nodes) || !holds<VxGraphEdge>(graph.edges))
-        return false;
-    flat.nodes = graph.nodes->count;
-    flat.edges = graph.edges->count;
-    if (!readNodes(graph, flat) || !readEdges(graph, flat))
-        return false;
-    findTargets(flat);
-    return true;
-}
-
-/** One walk from `root`; the parents of the nodes on the path are the stack. */
-void finishFrom(int32_t root, const Flat &flat, Finished &done)
-{
-    done.marks[at(root)] = Mark::onPath;
-    for (int32_t node = root; node != none;) {
-        Place &place = done.places[at(node)];
-        if (place.next == place.end) {
-            done.marks[at(node)] = Mark::done;
-            done.order.push_back(node);
-            node = place.parent;
-            continue;
-        }
-        Way way = flat.ways.items[at(place.next++)];
-        if (way.to == none || way.edge == place.parentEdge)
-            continue;
-        Mark &mark = done.marks[at(way.to)];
-        if (mark == Mark::unseen) {
-            mark = Mark::onPath;
-            done.places[at(way.to)].parent = node;
-            done.places[at(way.to)].parentEdge = way.edge;
-            node = way.to;
-        } else if (mark == Mark::onPath) {
-            done.cycle[at(way.edge)] = 1;
-            done.closes[at(node)] = 1;
-        }
-    }
-}
-
-Finished finish(const Flat &flat)
-{
-    Finished done(flat);
-    for (int32_t i = 0; i < flat.nodes; ++i)
-        if (flat.live[at(i)] && done.marks[at(i)] == Mark::unseen)
-            finishFrom(i, flat, done);
-    done.number.assign(at(flat.nodes), none);
-    for (size_t i = 0; i < done.order.size(); ++i)
-        done.number[at(done.order[i])] = static_cast<int32_t>(i);
-    return done;
-}
-
-/** The ends of the edges reversed, in their order, between nodes renumbered: the one finished last is 0. */
-Runs<int32_t> reversed(const Flat &flat, const Finished &done)
-{
-    auto last = static_cast<int32_t>(done.order.size()) - 1;
-    Runs<int32_t> ways;
-    ways.first.assign(done.order.size() + 2, 0);
-    std::vector<Ends> turned;
-    turned.reserve(flat.ends.size());
-    for (Ends ends : flat.ends) {
-        if (ends.to == none)
-            continue;
-        turned.push_back({last - done.number[at(ends.to)], last - done.number[at(ends.from)]});
-        ++ways.first[at(turned.back().from) + 2];
-    }
-    for (size_t i = 2; i < ways.first.size(); ++i)
-        ways.first[i] += ways.first[i - 1];
-    ways.items.resize(turned.size());
-    // first[i + 1] runs from the start of node i's ways to their end.
-    for (Ends ends : turned)
-        ways.items[at(ways.first[at(ends.from) + 1]++)] = ends.to;
-    ways.first.pop_back();
+        ways.start[i + 2] += ways.start[i + 1];
+    ways.items = Room<int32_t>(ways.start[flat.nodes + 1]);
+    // start[i + 1] runs from the start of node i's ways to their end.
+    forJoined([&](Ends ends) { ways.items[ways.start[ends.to + 1]++] = ends.from; });
     return ways;
 }
 
-/** A walk over all that is reached from `root` and not yet seen. */
-void collectFrom(int32_t root, const Runs<int32_t> &ways, std::vector<Mark> &marks,
-                 std::vector<Place> &places, Numbers &members)
-{
-    marks[at(root)] = Mark::done;
-    members.push_back(root);
-    for (int32_t node = root; node != none;) {
-        Place &place = places[at(node)];
-        if (place.next == place.end) {
-            node = place.parent;
-            continue;
-        }
-        int32_t to = ways.items[at(place.next++)];
-        if (marks[at(to)] == Mark::unseen) {
-            marks[at(to)] = Mark::done;
-            members.push_back(to);
-            places[at(to)].parent = node;
-            node = to;
-        }
-    }
-}
+/** Components one behind the other: the i-th is members[first[i]] .. members[first[i + 1] - 1]. */
+struct Components {
+    Room<int32_t> first;
+    Room<int32_t> members;
+    int32_t count = 0;
+};
 
-/** The components, with the numbers that the nodes have in the graph. */
-Runs<int32_t> collect(const Runs<int32_t> &ways, const Numbers &order)
-{
-    Runs<int32_t> found;
-    size_t nodes = order.size();
-    found.items.reserve(nodes);
-    std::vector<Mark> marks(nodes, Mark::unseen);
-    std::vector<Place> places = startOf(ways.first);
-    for (size_t i = 0; i < nodes; ++i) {
-        if (marks[i] != Mark::unseen)
-            continue;
-        found.first.push_back(static_cast<int32_t>(found.items.size()));
-        collectFrom(static_cast<int32_t>(i), ways, marks, places, found.items);
+/** The walks over the edges reversed. */
+class SecondWalk {
+public:
+    SecondWalk(const FlatGraph &flat, const Visits &visits) : visits_(visits), path_(visits.joined)
+    {
+        found_.first = Room<int32_t>(visits.count + 1);
+        found_.members = Room<int32_t>(visits.count);
+        if (visits.joined > 0)
+            ways_ = reverse(flat, visits.marks);
     }
-    found.first.push_back(static_cast<int32_t>(nodes));
-    for (int32_t &member : found.items)
-        member = order[nodes - 1 - at(member)];
-    return found;
+
+    Components fromEach()
+    {
+        for (int32_t i = visits_.count - 1; i >= 0; --i) {
+            int32_t node = visits_.order[i].node;
+            if (has(visits_.marks[node], Mark::taken))
+                continue;
+            found_.first[found_.count++] = members_;
+            if (has(visits_.marks[node], Mark::joined))
+                from(node);
+            else
+                found_.members[members_++] = node;
+        }
+        found_.first[found_.count] = members_;
+        return std::move(found_);
+    }
+
+private:
+    /** The ways of a node that are not yet gone. */
+    struct Step {
+        int32_t next;
+        int32_t end;
+    };
+
+    Step take(int32_t node)
+    {
+        Mark &mark = visits_.marks[node];
+        mark = (mark & Mark::closes) | Mark::taken;
+        found_.members[members_++] = node;
+        return {ways_.start[node], ways_.start[node + 1]};
+    }
+
+    void from(int32_t root)
+    {
+        int32_t depth = 0;
+        path_[0] = take(root);
+        while (depth >= 0) {
+            Step &step = path_[depth];
+            while (step.next < step.end && has(visits_.marks[ways_.items[step.next]], Mark::taken))
+                ++step.next;
+            if (step.next == step.end)
+                --depth;
+            else
+                path_[++depth] = take(ways_.items[step.next++]);
+        }
+    }
+
+    const Visits &visits_;
+    Reversed ways_;
+    Room<Step> path_;
+    Components found_;
+    int32_t members_ = 0;
+};
+
+/** What the records are to hold. */
+struct Result {
+    struct Node {
+        int32_t number;
+        int32_t parent;
+        int32_t parentEdge;
+        int32_t low;
+    };
+    Room<Node> nodes;
+    Room<bool> cycle; ///< edges
+};
+
+Result resultOf(const FlatGraph &flat, const Visits &visits)
+{
+    Result result{Room<Result::Node>(flat.nodes), Room<bool>::zeros(flat.edges)};
+    for (int32_t i = 0; i < visits.count; ++i) {
+        Visit visit = visits.order[i];
+        result.nodes[visit.node] = {i, visit.parent, visit.way == none ? none : flat.edge[visit.way],
+                                    has(visits.marks[visit.node], Mark::closes) ? closesCycle : none};
+    }
+    for (int32_t way = 0; way < flat.start[flat.nodes]; ++way)
+        if (flat.to[way] < 0)
+            result.cycle[flat.edge[way]] = true;
+    return result;
 }
 
 void discard(VxList **lists, int32_t count)
@@ -267,68 +304,69 @@ void discard(VxList **lists, int32_t count)
         VxListDel(&lists[i]);
 }
 
-uint32_t makeList(const int32_t *members, int32_t n, VxList *&list)
+VxList *newList(const int32_t *members, int32_t n)
 {
-    list = newSmallArray(sizeof *members, n, listIncrement);
+    VxList *list = newSmallArray(sizeof *members, n, listIncrement);
     if (!list)
-        return 1;
-    std::memcpy(list->data, members, at(n) * sizeof *members);
+        return nullptr;
+    std::memcpy(list->data, members, static_cast<size_t>(n) * sizeof *members);
     list->count = n;
-    return 0;
+    return list;
 }
 
 /** An array of lists, null for no components. */
-uint32_t makeLists(const Runs<int32_t> &found, int32_t &count, VxList **&lists)
+uint32_t makeLists(const Components &found, int32_t &count, VxList **&lists)
 {
-    auto n = static_cast<int32_t>(found.first.size()) - 1;
-    if (n == 0)
+    if (found.count == 0)
         return 0;
-    Block<VxList *> block = allocate<VxList *>(n);
+    Block<VxList *> block = allocate<VxList *>(found.count);
     if (!block)
         return 1;
-    for (int32_t i = 0; i < n; ++i) {
-        int32_t first = found.first[at(i)];
-        if (makeList(&found.items[at(first)], found.first[at(i) + 1] - first, block.get()[i])) {
+    for (int32_t i = 0; i < found.count; ++i) {
+        int32_t first = found.first[i];
+        block.get()[i] = newList(&found.members[first], found.first[i + 1] - first);
+        if (!block.get()[i]) {
             discard(block.get(), i);
             return 1;
         }
     }
-    count = n;
+    count = found.count;
     lists = block.release();
     return 0;
 }
 
 /** Leave the records as the post-order walk leaves them. */
-void write(VxGraph &graph, const Finished &done)
+void write(VxGraph &graph, const Result &result)
 {
     forEach<VxGraphNode>(*graph.nodes, [&](int32_t i, VxGraphNode &node) {
         if (node.removed)
             return;
+        const Result::Node &found = result.nodes[i];
         prepare(node);
-        node.number = done.number[at(i)];
-        node.parentNode = done.places[at(i)].parent;
-        node.parentEdge = done.places[at(i)].parentEdge;
-        if (done.closes[at(i)])
-            node.low = closesCycle;
+        node.number = found.number;
+        node.parentNode = found.parent;
+        node.parentEdge = found.parentEdge;
+        node.low = found.low;
     });
     forEach<VxGraphEdge>(*graph.edges, [&](int32_t i, VxGraphEdge &edge) {
         if (edge.removed)
             return;
         prepare(edge);
-        edge.cycle = done.cycle[at(i)];
+        edge.cycle = result.cycle[i];
     });
 }
 
 uint32_t components(VxGraph &graph, int32_t &count, VxList **&lists)
 {
-    Flat flat;
-    if (!read(graph, flat))
+    FlatGraph flat;
+    if (!flatten(graph, flat))
         return 1;
-    Finished done = finish(flat);
-    Runs<int32_t> found = collect(reversed(flat, done), done.order);
+    Visits visits = FirstWalk(flat).fromEach();
+    Components found = SecondWalk(flat, visits).fromEach();
+    Result result = resultOf(flat, visits);
     if (makeLists(found, count, lists))
         return 1;
-    write(graph, done);
+    write(graph, result);
     return 0;
 }
 

@@ -35,17 +35,32 @@ template <typename T> T *recordAt(VxList *list, int32_t index)
     return static_cast<T *>(record);
 }
 
-/** Call use(index, record) for each record of a list that holds them; those side by side are looked up once.
+/**
+ * Call use(first index, records, n) for each run of records that lie side by side in a list that holds them.
+ * False when one could not be had.
  */
-template <typename T, typename Use> void forEach(VxList &list, Use use)
+template <typename T, typename Use> bool forEachRun(VxList &list, Use use)
 {
+    bool all = true;
     int32_t run = 1;
     for (int32_t i = 0; i < list.count; i += run) {
-        T *record = recordAt<T>(&list, i);
+        T *records = recordAt<T>(&list, i);
         run = list.layout == array ? std::min(runFrom(list, i), list.count - i) : 1;
-        for (int32_t j = 0; record && j < run; ++j)
-            use(i + j, record[j]);
+        if (records)
+            use(i, records, run);
+        else
+            all = false;
     }
+    return all;
+}
+
+/** Call use(index, record) for each; false as above. */
+template <typename T, typename Use> bool forEach(VxList &list, Use use)
+{
+    return forEachRun<T>(list, [&](int32_t first, T *records, int32_t n) {
+        for (int32_t i = 0; i < n; ++i)
+            use(first + i, records[i]);
+    });
 }
 
 template <typename T> bool isArrayOf(const VxList *list) noexcept

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include <boost/graph/adjacency_list.hpp>
@@ -78,6 +79,76 @@ void expectAgreementWithBoost(Graph &graph)
     }
 }
 
+/** The two walks as they are described, on graphs and with the walks that users have. */
+std::vector<Numbers> literally(Graph &graph)
+{
+    int32_t finished = 0, reached = 0;
+    VxGraphWalkInit(&graph.graph);
+    for (int32_t i = 0; i < graph.nodes(); ++i)
+        if (!graph.node(i).removed && graph.node(i).number == -1)
+            VxGraphWalk(&graph.graph, 1, i, -1, nullptr, &finished, nullptr);
+    Graph turned(finished);
+    auto place = [&](int32_t node) { return finished - 1 - graph.node(node).number; };
+    Numbers nodeAt(static_cast<size_t>(finished));
+    for (int32_t i = 0; i < graph.nodes(); ++i)
+        if (!graph.node(i).removed)
+            nodeAt[static_cast<size_t>(place(i))] = i;
+    for (int32_t i = 0; i < graph.edges(); ++i) {
+        const VxGraphEdge &edge = graph.edge(i);
+        if (!edge.removed && !graph.node(edge.from).removed && !graph.node(edge.to).removed)
+            turned.add(place(edge.to), place(edge.from));
+    }
+    std::vector<Numbers> components;
+    auto collect = [](VxGraph *walked, int32_t, int32_t to, int32_t, int32_t event) {
+        if (event == VX_GRAPH_REACHED && Graph::at<VxGraphNode>(walked->nodes, to)->number == -1)
+            static_cast<Numbers *>(walked->context)->push_back(to);
+        return 0u;
+    };
+    VxGraphWalkInit(&turned.graph);
+    for (int32_t i = 0; i < finished; ++i) {
+        if (turned.node(i).number != -1)
+            continue;
+        turned.graph.context = &components.emplace_back();
+        VxGraphWalk(&turned.graph, 0, i, -1, collect, &reached, nullptr);
+        for (int32_t &member : components.back())
+            member = nodeAt[static_cast<size_t>(member)];
+    }
+    return components;
+}
+
+/** A small graph with some directed edges, some undirected ones and removals. */
+void fill(Graph &graph, unsigned seed)
+{
+    std::mt19937 random(seed);
+    const auto nodes = static_cast<uint32_t>(graph.nodes());
+    auto node = [&] { return static_cast<int32_t>(random() % nodes); };
+    const auto undirected = random() % 3;
+    for (auto n = random() % (2 * nodes + 2); n > 0; --n) {
+        auto [from, to] = std::minmax({node(), node()});
+        bool back = random() % 8 == 0; // most graphs have few cycles
+        graph.add(back ? to : from, back ? from : to, random() % 4 >= undirected);
+    }
+    for (int32_t i = 0; i < graph.edges(); ++i)
+        if (random() % 12 == 0)
+            VxGraphEdgeDel(&graph.graph, i);
+    if (random() % 4 == 0)
+        VxGraphNodeDel(&graph.graph, node());
+}
+
+/** Lists as only their holder can make them: an edge that no list names, or one that stands where it does not
+ * end. */
+void tamper(Graph &graph, unsigned seed)
+{
+    std::mt19937 random(seed);
+    const auto nodes = static_cast<uint32_t>(graph.nodes()), edges = static_cast<uint32_t>(graph.edges());
+    for (auto n = random() % 4; n > 0 && edges > 0; --n) {
+        VxList *list = graph.node(static_cast<int32_t>(random() % nodes)).edges;
+        auto edge = static_cast<int32_t>(random() % (edges + 1)) - 1;
+        if (list)
+            VxListSet(list, static_cast<int32_t>(random() % static_cast<uint32_t>(list->count + 1)), &edge);
+    }
+}
+
 Pairs path(int32_t nodes)
 {
     Pairs pairs;
@@ -141,6 +212,29 @@ TEST_F(GraphComponents, ofWhatRemovalsLeaveAgreeWithBoost)
         if (random() % 2)
             VxGraphNodeDel(&graph.graph, static_cast<int32_t>(random() % 10) % n);
         expectAgreementWithBoost(graph);
+    }
+}
+
+TEST_F(GraphComponents, andRecordsAreThoseOfTheTwoWalksAsDescribed)
+{
+    for (unsigned seed = 0; seed < 6000 && !testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE(seed);
+        const auto nodes = static_cast<int32_t>(1 + seed % 12);
+        Graph graph(nodes), same(nodes);
+        for (Graph *made : {&graph, &same}) {
+            fill(*made, seed);
+            if (seed % 3 == 0)
+                tamper(*made, seed);
+        }
+        EXPECT_EQ(componentsOf(graph.graph), literally(same));
+        for (int32_t i = 0; i < nodes; ++i) {
+            const VxGraphNode &a = graph.node(i), &b = same.node(i);
+            EXPECT_EQ(std::tie(a.number, a.parentNode, a.parentEdge, a.low, a.low2, a.val[0], a.val[1]),
+                      std::tie(b.number, b.parentNode, b.parentEdge, b.low, b.low2, b.val[0], b.val[1]))
+                << "node " << i;
+        }
+        for (int32_t i = 0; i < graph.edges(); ++i)
+            EXPECT_EQ(graph.edge(i).cycle, same.edge(i).cycle) << "edge " << i;
     }
 }
 
