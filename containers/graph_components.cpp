@@ -102,62 +102,62 @@ private:
         int32_t end;  ///< of the ways
     };
 
-    void enter(int32_t node)
+    Step enter(int32_t node)
     {
         found_.marks[node] = Mark::onPath;
-        path_[++depth_] = {node, flat_.start[node], flat_.start[node + 1]};
+        return {node, flat_.start[node], flat_.start[node + 1]};
     }
 
     void from(int32_t root)
     {
-        for (enter(root); depth_ > 0;) {
-            int32_t way = advance(path_[depth_]);
-            if (way == none)
-                finish();
-            else
-                enter(flat_.to[way]);
+        for (Step step = enter(root); step.node != none;) {
+            if (advance(step)) {
+                path_[++depth_] = step;
+                step = enter(flat_.to[step.next - 1]);
+            } else {
+                finish(step);
+                step = path_[depth_ > 0 ? depth_-- : 0];
+            }
         }
     }
 
-    /** Go the ways of a node up to one that leads to an unseen node; none behind the last. */
-    int32_t advance(Step &step)
+    /** Go the ways of a node up to one that leads to an unseen node; false behind the last. */
+    bool advance(Step &step)
     {
-        for (int32_t way = step.next; way < step.end; ++way) {
-            if (!flat_.regular && ledHere(way))
+        while (step.next < step.end) {
+            int32_t way = step.next++;
+            if (!flat_.regular && ledTo(way))
                 continue;
             Mark mark = found_.marks[flat_.to[way]];
-            if (mark == Mark::unseen) {
-                step.next = way + 1;
-                return way;
-            }
+            if (mark == Mark::unseen)
+                return true;
             if (has(mark, Mark::onPath))
-                close(step, way);
+                close(step.node, way);
         }
-        return none;
+        return false;
     }
 
     /** True when a way goes over the edge over which the walk came to its node. */
-    bool ledHere(int32_t way) const
+    bool ledTo(int32_t way) const
     {
-        const Step &before = path_[depth_ - 1];
+        const Step &before = path_[depth_];
         return before.node != none && flat_.edge[way] == flat_.edge[before.next - 1];
     }
 
-    void close(const Step &step, int32_t way)
+    void close(int32_t node, int32_t way)
     {
         Mark &mark = found_.marks[flat_.to[way]];
         open_ += !has(mark, Mark::entered);
         mark = mark | Mark::entered;
         // Only the way to the parent can go over the edge that led here, but in irregular lists.
-        if (flat_.to[way] == path_[depth_ - 1].node && ledHere(way))
+        if (flat_.to[way] == path_[depth_].node && ledTo(way))
             return;
         flat_.to[way] = ~flat_.to[way];
-        found_.marks[step.node] = found_.marks[step.node] | Mark::closes;
+        found_.marks[node] = found_.marks[node] | Mark::closes;
     }
 
-    void finish()
+    void finish(const Step &step)
     {
-        const Step &step = path_[depth_--];
         Mark &mark = found_.marks[step.node];
         Mark state = open_ > 0 ? Mark::joined : Mark::alone;
         const Step &before = path_[depth_];
@@ -168,7 +168,7 @@ private:
     }
 
     FlatGraph &flat_;
-    Room<Step> path_; ///< behind a first step that no node takes
+    Room<Step> path_; ///< to the node where the walk is, behind a first step of no node
     int32_t depth_ = 0;
     int32_t open_; ///< nodes on the path that a way leads back into
     Visits found_;
@@ -253,15 +253,18 @@ private:
     void from(int32_t root)
     {
         int32_t depth = 0;
-        path_[0] = take(root);
-        while (depth >= 0) {
-            Step &step = path_[depth];
+        for (Step step = take(root);;) {
             while (step.next < step.end && has(visits_.marks[ways_.items[step.next]], Mark::taken))
                 ++step.next;
-            if (step.next == step.end)
-                --depth;
-            else
-                path_[++depth] = take(ways_.items[step.next++]);
+            if (step.next < step.end) {
+                int32_t next = ways_.items[step.next++];
+                path_[depth++] = step;
+                step = take(next);
+            } else if (depth > 0) {
+                step = path_[--depth];
+            } else {
+                return;
+            }
         }
     }
 
