@@ -94,15 +94,6 @@ inline VxList *place(const NodeList &empty, NodeList &list) noexcept
     return &list.record;
 }
 
-inline void prefetchList(const VxList &nodes, int32_t node) noexcept
-{
-    if (void *block = listBlock(&nodes)) {
-        const NodeList &list = listIn(block, node);
-        __builtin_prefetch(&list, 1);
-        __builtin_prefetch(reinterpret_cast<const char *>(&list) + sizeof list / 2, 1);
-    }
-}
-
 /** Slots for n nodes, as many as growing by increments would make. */
 uint32_t makeRoom(VxList &nodes, int32_t n)
 {
@@ -194,32 +185,41 @@ uint32_t appendToBoth(VxList *first, VxList *second, int32_t number)
     return 0;
 }
 
-/**
- * The same for a directed edge where there is nothing to do but to store in free slots; else false with
- * nothing done. A processor with few instructions to go to the next edge waits for the memory of several at
- * once: that is most of the time in a large graph. The far end is not looked at for the same reason.
- */
-inline bool addInPlace(VxGraph &graph, int32_t from, int32_t to, VxGraphEdge **added) noexcept
+// A large graph is scattered over memory, and a processor that has few
+// instructions to go to the next edge waits for the memory of several at once:
+// that is most of the time. So edges that find free slots go a straight way,
+// in two steps, for which the registers suffice.
+
+/** The node that an edge leaves, on its way from memory with its list; null when there is more to see to. */
+inline const VxGraphNode *fetch(const VxGraph *graph, int32_t from, int32_t to) noexcept
 {
-    VxList *nodes = graph.nodes, *edges = graph.edges;
+    const VxList *nodes = graph ? graph->nodes : nullptr;
     if (!isArrayOf<VxGraphNode>(nodes) || !isNode(*nodes, from) || !isNode(*nodes, to))
-        return false;
-    auto node = reinterpret_cast<const VxGraphNode *>(slotAt(*nodes, from));
+        return nullptr;
+    auto node = slotIn<const VxGraphNode>(*nodes, from);
+    const NodeList &list =
+        listIn(nodes->order, from); // only if the lists are a block, but any address can be tried
     __builtin_prefetch(node);
-    prefetchList(*nodes, from);
-    if (edges && edges->count == edges->capacity && edges->layout == array)
-        growInPage(*edges);
-    auto edge = freeSlot<VxGraphEdge>(edges);
-    if (!edge || !node)
-        return false;
+    __builtin_prefetch(&list, 1);
+    __builtin_prefetch(reinterpret_cast<const char *>(&list) + sizeof list / 2, 1);
+    return node;
+}
+
+/** Add a directed edge. Its far end is not looked at: a cache miss. */
+[[gnu::noinline]] uint32_t addInPlace(VxGraph *graph, int32_t from, int32_t to, const VxGraphNode *node,
+                                      VxGraphEdge **added)
+{
+    VxList *edges = graph->edges;
+    bool free = isArrayOf<VxGraphEdge>(edges) && (edges->count < edges->capacity);
+    auto edge = free ? slotIn<VxGraphEdge>(*edges, edges->count) : nullptr;
     VxList *list = node->edges;
-    if (!isArrayOf<int32_t>(list) || list->pageLevel != 0 || list->count >= list->capacity)
-        return false;
+    if (!edge || !isArrayOf<int32_t>(list) || list->pageLevel != 0 || list->count >= list->capacity)
+        return addEdge(graph, from, to, true, added);
     static_cast<int32_t *>(list->data)[list->count++] = edges->count++;
     *edge = newEdge(from, to);
     if (added)
         *added = edge;
-    return true;
+    return 0;
 }
 
 /** Overwrite the first entry of an edge; the entries behind it stay where they are. */
@@ -267,9 +267,8 @@ uint32_t VxGraphMk(int32_t n, VxGraph *graph)
 
 uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t directed, VxGraphEdge **edge)
 {
-    if (graph && directed && addInPlace(*graph, from, to, edge)) [[likely]]
-        return 0;
-    return addEdge(graph, from, to, directed != 0, edge);
+    const VxGraphNode *node = directed ? fetch(graph, from, to) : nullptr;
+    return node ? addInPlace(graph, from, to, node, edge) : addEdge(graph, from, to, directed != 0, edge);
 }
 
 uint32_t VxGraphEdgeDel(VxGraph *graph, int32_t number)

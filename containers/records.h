@@ -23,13 +23,26 @@ template <typename T> bool holds(const VxList *list)
     return false;
 }
 
+template <typename T> bool isArrayOf(const VxList *list) noexcept
+{
+    return list && list->layout == array && list->elemSize == static_cast<int32_t>(sizeof(T));
+}
+
+/** The slot of an index in 0..capacity-1 of an array of such records; null when its page is not there. */
+template <typename T> inline T *slotIn(const VxList &list, int32_t index) noexcept
+{
+    auto within = static_cast<uint32_t>(index);
+    auto start = static_cast<T *>(pageOf(list, within));
+    return start ? start + within : nullptr;
+}
+
 /** The record at an index below the list's count, or null. */
 template <typename T> T *recordAt(VxList *list, int32_t index)
 {
     if (!holds<T>(list) || index < 0 || index >= list->count)
         return nullptr;
     if (list->layout == array) [[likely]]
-        return static_cast<T *>(static_cast<void *>(slotAt(*list, index)));
+        return slotIn<T>(*list, index);
     void *record = nullptr;
     VxListGetPtr(list, index, &record);
     return static_cast<T *>(record);
@@ -63,29 +76,17 @@ template <typename T, typename Use> bool forEach(VxList &list, Use use)
     });
 }
 
-template <typename T> bool isArrayOf(const VxList *list) noexcept
-{
-    return list && list->layout == array && list->elemSize == static_cast<int32_t>(sizeof(T));
-}
-
-/** The slot behind the last record of an array of them; null when there is more to it. */
-template <typename T> [[gnu::always_inline]] inline T *freeSlot(VxList *list) noexcept
-{
-    bool there = isArrayOf<T>(list) && list->count < list->capacity;
-    return there ? static_cast<T *>(static_cast<void *>(slotAt(*list, list->count))) : nullptr;
-}
-
 /** Append a record: 0, or 1 with the list as it was. */
 template <typename T> uint32_t append(VxList *list, const T &record)
 {
     if (!holds<T>(list))
         return 1;
-    if (list->layout == array && list->count == list->capacity)
-        growInPage(*list);
-    if (T *slot = freeSlot<T>(list); slot) [[likely]] {
-        *slot = record;
-        ++list->count;
-        return 0;
+    if (isArrayOf<T>(list) && (list->count < list->capacity || growInPage(*list))) {
+        if (T *slot = slotIn<T>(*list, list->count); slot) [[likely]] {
+            *slot = record;
+            ++list->count;
+            return 0;
+        }
     }
     return VxListSet(list, list->count, &record);
 }

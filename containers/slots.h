@@ -64,21 +64,28 @@ inline const Divisors &divisorsOf(const VxList &list) noexcept
     return *reinterpret_cast<const Divisors *>(static_cast<void **>(list.data) + list.dirSlots);
 }
 
-/** The slot of an index in 0..capacity-1; null when its page is not there. */
-inline char *slotAt(const VxList &list, int32_t index) noexcept
+/** The block or page of an index in 0..capacity-1, which becomes the place in it; null when it is not there.
+ */
+inline void *pageOf(const VxList &list, uint32_t &index) noexcept
 {
     if (list.pageLevel == 0)
-        return list.data ? static_cast<char *>(list.data) + int64_t{index} * list.elemSize : nullptr;
+        return list.data;
     const Divisors &divisors = divisorsOf(list);
-    auto within = static_cast<uint32_t>(index);
     auto directory = static_cast<void **>(list.data);
-    uint32_t page = divisors.elements.divide(within);
+    uint32_t page = divisors.elements.divide(index);
     if (list.pageLevel == 2) {
         directory = static_cast<void **>(directory[divisors.slots.divide(page)]);
         if (!directory)
             return nullptr;
     }
-    auto start = static_cast<char *>(directory[page]);
+    return directory[page];
+}
+
+/** The slot of an index in 0..capacity-1; null when its page is not there. */
+inline char *slotAt(const VxList &list, int32_t index) noexcept
+{
+    auto within = static_cast<uint32_t>(index);
+    auto start = static_cast<char *>(pageOf(list, within));
     return start ? start + size_t{within} * elementBytes(list) : nullptr;
 }
 
