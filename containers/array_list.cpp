@@ -45,6 +45,7 @@ void removePages(VxList &list, int64_t first, int64_t end) noexcept
     for (int64_t page = first; page < end; ++page)
         if (void **slot = pageSlot(list, page))
             VxMemFree(slot);
+    divisorsOf(list).lastFirst = Divisors::gone;
     if (list.pageLevel != 2)
         return;
     auto directory = static_cast<void **>(list.data);

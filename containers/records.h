@@ -82,7 +82,10 @@ template <typename T> uint32_t append(VxList *list, const T &record)
     if (!holds<T>(list))
         return 1;
     if (isArrayOf<T>(list) && (list->count < list->capacity || growInPage(*list))) {
-        if (T *slot = slotIn<T>(*list, list->count); slot) [[likely]] {
+        T *slot = nextSlot<T>(*list);
+        if (!slot && rememberPage(*list))
+            slot = nextSlot<T>(*list);
+        if (slot) [[likely]] {
             *slot = record;
             ++list->count;
             return 0;

@@ -33,6 +33,17 @@ bool growInPage(VxList &list) noexcept
     return true;
 }
 
+bool rememberPage(VxList &list) noexcept
+{
+    if (list.pageLevel == 0)
+        return true;
+    Divisors &behind = divisorsOf(list);
+    auto within = static_cast<uint32_t>(list.count);
+    behind.lastPage = pageOf(list, within);
+    behind.lastFirst = behind.lastPage ? static_cast<uint32_t>(list.count) - within : Divisors::gone;
+    return behind.lastPage != nullptr;
+}
+
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept
 {
     if (to < from) {

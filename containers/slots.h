@@ -57,11 +57,17 @@ private:
 struct Divisors {
     Divisor elements; ///< of a page
     Divisor slots;    ///< of a directory
+
+    /** The page where elements were appended, and its first index, so far from all others when it may be
+     * gone. */
+    static constexpr uint32_t gone = uint32_t{1} << 31;
+    void *lastPage = nullptr;
+    uint32_t lastFirst = gone;
 };
 
-inline const Divisors &divisorsOf(const VxList &list) noexcept
+inline Divisors &divisorsOf(const VxList &list) noexcept
 {
-    return *reinterpret_cast<const Divisors *>(static_cast<void **>(list.data) + list.dirSlots);
+    return *reinterpret_cast<Divisors *>(static_cast<void **>(list.data) + list.dirSlots);
 }
 
 /** The block or page of an index in 0..capacity-1, which becomes the place in it; null when it is not there.
@@ -80,6 +86,21 @@ inline void *pageOf(const VxList &list, uint32_t &index) noexcept
     }
     return directory[page];
 }
+
+/** The slot behind the last element, of size T, when it is in the page of the last append or in the one
+ * block. */
+template <typename T> inline T *nextSlot(const VxList &list) noexcept
+{
+    if (list.pageLevel == 0)
+        return static_cast<T *>(list.data) + list.count;
+    const Divisors &behind = divisorsOf(list);
+    uint32_t within = static_cast<uint32_t>(list.count) - behind.lastFirst;
+    return within < static_cast<uint32_t>(elementsPerPage(list)) ? static_cast<T *>(behind.lastPage) + within
+                                                                 : nullptr;
+}
+
+/** Let the page of the next append be found without a search; false when it is not there. */
+bool rememberPage(VxList &list) noexcept;
 
 /** The slot of an index in 0..capacity-1; null when its page is not there. */
 inline char *slotAt(const VxList &list, int32_t index) noexcept

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "containers/records.h"
 #include "tests/session/started_toolkit.h"
 #include "platform/os/fault.h"
 #include "vx/mem.h"
@@ -108,6 +109,39 @@ TEST_F(List, KeysThatComeAndGoDuringAWalkAreVisitedAsIfSteppedByOne)
                 change();
         }
     }
+}
+
+TEST_F(List, IsAppendedToInPlaceAfterAnyChangeOfItsPages)
+{
+    int32_t page =
+        std::exchange(VgPageSize, 48); // 6 pages of 12 elements at the first level, 36 at the second
+    make(array, 10, 5);
+    std::vector<int32_t> model;
+    std::mt19937 random(3);
+    for (int32_t i = 0; i < 20'000 && !HasFailure(); ++i) {
+        const auto n = static_cast<int32_t>(model.size());
+        auto below = [&](int32_t limit) {
+            return static_cast<int32_t>(random() % static_cast<unsigned>(limit));
+        };
+        const int32_t kept = n > 0 ? below(n) : 0;
+        if (n > 300 || below(40) == 0) {
+            EXPECT_EQ(VxListDownsize(list_, kept), 0u);
+            model.resize(static_cast<size_t>(kept));
+        } else if (n > 0 && below(20) == 0) {
+            EXPECT_EQ(VxListDelElem(list_, kept, kept), 0u);
+            model.erase(model.begin() + kept);
+        } else if (below(10) == 0) {
+            EXPECT_EQ(VxListIns(list_, kept, &i), 0u);
+            model.insert(model.begin() + kept, i);
+        } else {
+            EXPECT_EQ(containers::append(list_, i), 0u);
+            model.push_back(i);
+        }
+        ASSERT_EQ(list_->count, static_cast<int32_t>(model.size()));
+        for (int32_t at = 0; at < list_->count; ++at)
+            ASSERT_EQ(*containers::recordAt<int32_t>(list_, at), model[static_cast<size_t>(at)]);
+    }
+    VgPageSize = page;
 }
 
 TEST_F(List, ThatGrowsInOneBlockIsNotCopiedForEachIncrement)
