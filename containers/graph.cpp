@@ -267,8 +267,12 @@ uint32_t VxGraphMk(int32_t n, VxGraph *graph)
 
 uint32_t VxGraphAddEdge(VxGraph *graph, int32_t from, int32_t to, int32_t directed, VxGraphEdge **edge)
 {
-    const VxGraphNode *node = directed ? fetch(graph, from, to) : nullptr;
-    return node ? addInPlace(graph, from, to, node, edge) : addEdge(graph, from, to, directed != 0, edge);
+    const VxGraphNode *node = fetch(graph, from, to);
+    if (node && directed)
+        return addInPlace(graph, from, to, node, edge);
+    if (node)
+        fetch(graph, to, from);
+    return addEdge(graph, from, to, directed != 0, edge);
 }
 
 uint32_t VxGraphEdgeDel(VxGraph *graph, int32_t number)
