@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "containers/memory.h"
@@ -347,10 +348,12 @@ const Layout arrayLayout = {
     .step = stepSlots,
 };
 
-VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept
+namespace {
+
+/** The record in front of its slots, which are not set. */
+VxList *recordBefore(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept
 {
-    std::memset(block, 0, static_cast<size_t>(smallArrayBytes(elemSize, capacity)));
-    auto list = static_cast<VxList *>(block);
+    auto list = new (block) VxList{};
     list->layout = array;
     list->elemSize = elemSize;
     list->capacity = capacity;
@@ -361,10 +364,30 @@ VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t 
     return list;
 }
 
+}
+
+VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t increment) noexcept
+{
+    VxList *list = recordBefore(block, elemSize, capacity, increment);
+    std::memset(list->data, 0, static_cast<size_t>(capacity) * elementBytes(*list));
+    return list;
+}
+
 VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment)
 {
     char *block = allocate<char>(smallArrayBytes(elemSize, capacity)).release();
     return block ? makeSmallArray(block, elemSize, capacity, increment) : nullptr;
+}
+
+VxList *newSmallArrayOf(int32_t elemSize, const void *elements, int32_t n, int32_t increment)
+{
+    char *block = allocate<char>(smallArrayBytes(elemSize, n)).release();
+    if (!block)
+        return nullptr;
+    VxList *list = recordBefore(block, elemSize, n, increment);
+    copyBytes(list->data, elements, n * elemSize);
+    list->count = n;
+    return list;
 }
 
 }

@@ -18,7 +18,6 @@
 // Both walks run over a flat copy of what the lists hold. The records of the
 // graph are written when all else is done, so that a failure changes nothing.
 
-#include <cstring>
 #include <new>
 #include <utility>
 
@@ -307,16 +306,6 @@ void discard(VxList **lists, int32_t count)
         VxListDel(&lists[i]);
 }
 
-VxList *newList(const int32_t *members, int32_t n)
-{
-    VxList *list = newSmallArray(sizeof *members, n, listIncrement);
-    if (!list)
-        return nullptr;
-    std::memcpy(list->data, members, static_cast<size_t>(n) * sizeof *members);
-    list->count = n;
-    return list;
-}
-
 /** An array of lists, null for no components. */
 uint32_t makeLists(const Components &found, int32_t &count, VxList **&lists)
 {
@@ -327,7 +316,8 @@ uint32_t makeLists(const Components &found, int32_t &count, VxList **&lists)
         return 1;
     for (int32_t i = 0; i < found.count; ++i) {
         int32_t first = found.first[i];
-        block.get()[i] = newList(&found.members[first], found.first[i + 1] - first);
+        block.get()[i] = newSmallArrayOf(sizeof(int32_t), &found.members[first], found.first[i + 1] - first,
+                                         listIncrement);
         if (!block.get()[i]) {
             discard(block.get(), i);
             return 1;

@@ -24,6 +24,9 @@ VxList *makeSmallArray(void *block, int32_t elemSize, int32_t capacity, int32_t 
 /** The same in a block of its own, which VxListDel frees; null for want of memory. */
 VxList *newSmallArray(int32_t elemSize, int32_t capacity, int32_t increment);
 
+/** One full of the n elements of an array, 1 or more. */
+VxList *newSmallArrayOf(int32_t elemSize, const void *elements, int32_t n, int32_t increment);
+
 // Array lists have no chain. The pointer to one marks these lists: the record's
 // own address, or the next one where the record is part of a larger block.
 
