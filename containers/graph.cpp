@@ -4,6 +4,7 @@
 #include "vx/graph.h"
 
 #include <algorithm>
+#include <new>
 
 #include "containers/graph_records.h"
 #include "containers/memory.h"
@@ -69,12 +70,12 @@ void *listBlock(const VxList *nodes) noexcept
     return nodes && nodes->layout == array && markOf(*nodes) > 1 ? nodes->order : nullptr;
 }
 
-/** A list in the block, which has room for one more than there are nodes. */
-NodeList &listIn(void *block, int32_t node) noexcept
+/** Where a node's list is in the block, which has room for one more than there are nodes. */
+uintptr_t addressIn(const void *block, int32_t node) noexcept
 {
     constexpr uintptr_t alignment = alignof(NodeList);
-    auto first = (reinterpret_cast<uintptr_t>(block) + alignment - 1) & ~(alignment - 1);
-    return reinterpret_cast<NodeList *>(first)[node];
+    uintptr_t first = (reinterpret_cast<uintptr_t>(block) + alignment - 1) & ~(alignment - 1);
+    return first + static_cast<uintptr_t>(node) * sizeof(NodeList);
 }
 
 /** What the lists in the block are copies of. */
@@ -86,9 +87,9 @@ NodeList emptyList() noexcept
 }
 
 /** Put an empty list where it stays. */
-inline VxList *place(const NodeList &empty, NodeList &list) noexcept
+inline VxList *place(const NodeList &empty, uintptr_t address) noexcept
 {
-    list = empty;
+    auto &list = *new (reinterpret_cast<void *>(address)) NodeList(empty);
     list.record.data = list.numbers;
     lendRecord(list.record);
     return &list.record;
@@ -108,10 +109,10 @@ bool fillSlots(VxList &nodes, int32_t n)
     void *block = listBlock(&nodes);
     int32_t first = nodes.count;
     int32_t run = std::min({n - first, nodes.capacity - first, runFrom(nodes, first)});
-    auto node = reinterpret_cast<VxGraphNode *>(slotAt(nodes, first));
+    auto node = slotIn<VxGraphNode>(nodes, first);
     for (int32_t i = 0; i < run; ++i, ++nodes.count) {
         VxList *list =
-            block ? place(empty, listIn(block, first + i)) : newSmallArray(sizeof(int32_t), slots, slots);
+            block ? place(empty, addressIn(block, first + i)) : newSmallArray(sizeof(int32_t), slots, slots);
         if (!list)
             return false;
         node[i] = newNode(list);
@@ -160,6 +161,7 @@ uint32_t appendToBoth(VxList *first, VxList *second, int32_t number)
     return 0;
 }
 
+/** Add an edge where lists may grow or be refused. */
 [[gnu::noinline]] uint32_t addEdge(VxGraph *graph, int32_t from, int32_t to, bool directed,
                                    VxGraphEdge **edge)
 {
@@ -197,11 +199,11 @@ inline const VxGraphNode *fetch(const VxGraph *graph, int32_t from, int32_t to) 
     if (!isArrayOf<VxGraphNode>(nodes) || !isNode(*nodes, from) || !isNode(*nodes, to))
         return nullptr;
     auto node = slotIn<const VxGraphNode>(*nodes, from);
-    const NodeList &list =
-        listIn(nodes->order, from); // only if the lists are a block, but any address can be tried
+    // Its list is where the block says if the lists are one; any address can be asked for.
+    uintptr_t list = addressIn(nodes->order, from);
     __builtin_prefetch(node);
-    __builtin_prefetch(&list, 1);
-    __builtin_prefetch(reinterpret_cast<const char *>(&list) + sizeof list / 2, 1);
+    __builtin_prefetch(reinterpret_cast<const void *>(list), 1);
+    __builtin_prefetch(reinterpret_cast<const void *>(list + sizeof(NodeList) / 2), 1);
     return node;
 }
 
