@@ -27,10 +27,12 @@
  * Misuse       A block handed back twice, a foreign pointer and a block whose
  *              tags are overwritten are ignored, never followed. Debug builds
  *              tell the debugger's output of them, with the area's name.
- * Large areas  A block given back to an area of four chunks or more may merge
- *              with its neighbours a little later, in a group of 32: before a
- *              chunk is taken, and before any function here but those that
- *              allocate from a pool or give back looks at an area.
+ * Many blocks  An area with more than 256 blocks in use keeps small ones (256
+ *              bytes at most) that are given back for the next requests of
+ *              their size. They merge with their neighbours when nothing else
+ *              fits and an eighth as many are kept as are in use, before a
+ *              chunk is refused, when three quarters of the blocks are gone,
+ *              and before VxHpAreaUsage and VxHpStatistics look.
  * Limits       The environment variable BHSM_PSEUDO_VM_LIMIT, a number of
  *              bytes (decimal, 0x..., 0...) read at the start, caps what all
  *              areas hold together; 0 or unset is no cap. All areas together
