@@ -56,19 +56,12 @@ uint32_t reset(VxList &list)
 
 uint32_t put(VxList &list, int32_t key, const void *element, bool replace)
 {
-    KeyedStore *store = storeFor(list);
     bool made = false;
-    VxLnkNode *node = store ? store->trie.at(key, made) : nullptr;
-    if (!node)
+    void *stored = keyedElementMade(list, key, made);
+    if (!stored)
         return 1;
     if (made || replace)
-        copyElement(list, KeyTrie::elementOf(node), element);
-    if (!made)
-        return 0;
-    ++list.count;
-    list.capacity = std::max(list.capacity, key);
-    list.order = store->trie.chain();
-    store->order.added(node);
+        copyElement(list, stored, element);
     return 0;
 }
 
@@ -210,6 +203,21 @@ int32_t step(VxListIter &iter, void **ptr)
     return iter.direction == 0 ? stepChain(iter, ptr) : stepOrdered(iter, ptr);
 }
 
+}
+
+void *keyedElementMade(VxList &list, int32_t key, bool &made)
+{
+    KeyedStore *store = storeFor(list);
+    VxLnkNode *node = store ? store->trie.at(key, made) : nullptr;
+    if (!node)
+        return nullptr;
+    if (made) {
+        ++list.count;
+        list.capacity = std::max(list.capacity, key);
+        list.order = store->trie.chain();
+        store->order.added(node);
+    }
+    return KeyTrie::elementOf(node);
 }
 
 VxLnkNode *keyedNode(const VxList &list, int32_t key) noexcept

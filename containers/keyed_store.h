@@ -27,4 +27,7 @@ inline void *keyedElement(const VxList &list, int32_t key) noexcept
     return node ? KeyTrie::elementOf(node) : nullptr;
 }
 
+/** The element of a key, made when the key is absent: it is then to be set. Null for want of memory. */
+void *keyedElementMade(VxList &list, int32_t key, bool &made);
+
 }
