@@ -26,20 +26,27 @@ public:
     BlockPool(const BlockPool &) = delete;
     BlockPool &operator=(const BlockPool &) = delete;
 
-    /** A block, not set; null when no memory is left. */
-    void *take()
+    /** True when a block can be had without a call. */
+    bool isReady() const noexcept { return free_ || left_ >= bytes_; }
+
+    /** Be ready; false when no memory is left. */
+    bool prepare() { return isReady() || addChunk(); }
+
+    /** A block of a pool that is ready, not set. */
+    void *takeReady() noexcept
     {
         if (Free *block = free_) {
             free_ = block->next;
             return block;
         }
-        if (left_ < bytes_ && !addChunk())
-            return nullptr;
         void *block = next_;
         next_ += bytes_;
         left_ -= bytes_;
         return block;
     }
+
+    /** A block, not set; null when no memory is left. */
+    void *take() { return prepare() ? takeReady() : nullptr; }
 
     void giveBack(void *block) noexcept
     {
@@ -73,8 +80,8 @@ private:
     static constexpr size_t fewest = 8; ///< blocks in the first chunk
     static constexpr size_t full = heap::chunkBytes;
 
-    /** A chunk as large as all before it, and soon full ones. Inside take() it would cost registers. */
-    [[gnu::noinline]] bool addChunk()
+    /** A chunk as large as all before it, and soon full ones. */
+    bool addChunk()
     {
         size_t extra = sizeof(Chunk) + alignment_;
         size_t bytes = std::max(fewest * bytes_ + extra, held_);

@@ -81,10 +81,11 @@ uint32_t addUnindexed(VxList &values, int32_t value, bool &added)
 /** False for want of memory. */
 bool addKey(VxList &index, int32_t value, bool &added)
 {
-    auto key = static_cast<uint8_t *>(keyedElementMade(index, value, added));
+    auto [key, made] = keyedElementMade(index, value);
     if (!key)
         return false;
-    *key = present;
+    *static_cast<uint8_t *>(key) = present;
+    added = made;
     return true;
 }
 

@@ -17,6 +17,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "containers/block_pool.h"
 #include "vx/queue.h"
@@ -41,11 +42,25 @@ public:
     /** A node's element. */
     static void *elementOf(VxLnkNode *node) noexcept { return node + 1; }
 
-    /**
-     * The node of a key, made when the key is absent: its element is then to
-     * be set. Null for want of memory, no key has then come or gone.
-     */
-    VxLnkNode *at(int32_t key, bool &made);
+    struct Entry {
+        VxLnkNode *node; ///< null for want of memory, no key has then come or gone
+        bool made;       ///< the key was absent: the element is to be set
+    };
+
+    /** The node of a key, made when the key is absent. */
+    Entry at(int32_t key)
+    {
+        for (;;) {
+            uint32_t shift = 0;
+            Cell *cell = cellFor(key, shift);
+            if (VxLnkNode *known = nodeIn(*cell, key))
+                return {known, false};
+            if (hasRoom(*cell))
+                return {addNode(*cell, key), true};
+            if (!makeRoom(key))
+                return {nullptr, false};
+        }
+    }
 
     /** Remove a key; false when it is absent. */
     bool remove(int32_t key) noexcept;
@@ -122,17 +137,65 @@ private:
         return static_cast<uint32_t>(key) >> shift & 15;
     }
 
+    /** The bucket where a key belongs, and the position of the nibble that would part it. */
+    Cell *cellFor(int32_t key, uint32_t &shift) noexcept
+    {
+        Cell *cell = &table_[static_cast<uint32_t>(key) & mask_];
+        shift = shift_;
+        for (; isBranch(*cell); shift += 4)
+            cell = &branch(*cell)->child[nibble(key, shift)];
+        return cell;
+    }
+
+    /** True when a node can be added to a bucket as everything stands. */
+    bool hasRoom(Cell cell) const noexcept
+    {
+        uint32_t count = countOf(cell);
+        return count_ < widenAt_ && count < bucketSize && nodes_.isReady() &&
+               (count != 1 || buckets_.isReady());
+    }
+
+    /** A node for an absent key, in a bucket that has room and as the circle's last; its element is not set. */
+    VxLnkNode *addNode(Cell &cell, int32_t key) noexcept
+    {
+        auto node = static_cast<VxLnkNode *>(nodes_.takeReady());
+        if (!chain_)
+            chain_ = node->chainPrev = node;
+        VxLnkNode *last = chain_->chainPrev;
+        new (node) VxLnkNode{key, nullptr, nullptr, chain_, last, elementOf(node)};
+        last->chainNext = chain_->chainPrev = node;
+        put(cell, key, node);
+        ++count_;
+        return node;
+    }
+
+    /** Add a node to a bucket that is not full; the block of a bucket must be ready when it has one node. */
+    void put(Cell &cell, int32_t key, VxLnkNode *node) noexcept
+    {
+        uint32_t count = countOf(cell);
+        if (count == 0) {
+            cell = cellOf(node, 1);
+            return;
+        }
+        Bucket *several = bucket(cell);
+        if (count == 1) {
+            several = new (buckets_.takeReady()) Bucket;
+            several->keys[0] = several->keys[1] = Bucket::Keys{};
+            several->put(0, single(cell)->key, single(cell));
+        }
+        several->put(count, key, node);
+        cell = cellOf(several, count + 1);
+    }
+
+    bool makeRoom(int32_t key);
     bool widen();
     bool spread(Cell cell, Cell *first);
     void takeBack(const Cell *wide, uint32_t cells) noexcept;
     void giveBackBlock(Cell cell) noexcept;
     void giveBackTable() noexcept;
-    Cell *cellFor(int32_t key, uint32_t &shift) noexcept;
     bool add(Cell &cell, int32_t key, VxLnkNode *node);
     bool split(Cell &cell, uint32_t shift);
     VxLnkNode *takeFrom(Cell &cell, int32_t key) noexcept;
-    VxLnkNode *newNode(int32_t key);
-    void linkIntoChain(VxLnkNode *node) noexcept;
 
     static constexpr uint32_t widest = 20;       ///< bits of an index
     static constexpr uint32_t fewestToWiden = 8; ///< nodes: half as many as there will be cells
@@ -142,7 +205,7 @@ private:
     uint32_t mask_ = 0;
     uint32_t shift_ = 0; ///< bits of an index
     uint32_t count_ = 0; ///< nodes
-    uint32_t widenAt_ = fewestToWiden;
+    uint32_t widenAt_ = fewestToWiden; ///< nodes, at the next of which the table is to be widened
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
     BlockPool buckets_;

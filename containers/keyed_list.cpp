@@ -15,15 +15,18 @@ namespace vx::containers {
 
 namespace {
 
-/** The store, made anew for a list whose storage was deleted; null for want of memory. */
-KeyedStore *storeFor(VxList &list)
+KeyedStore *newStore(VxList &list)
 {
-    if (!list.data) {
-        Block<KeyedStore> block = allocate<KeyedStore>(1);
-        if (block)
-            list.data = std::construct_at(block.release(), elementBytes(list));
-    }
+    Block<KeyedStore> block = allocate<KeyedStore>(1);
+    if (block)
+        list.data = std::construct_at(block.release(), elementBytes(list));
     return storeOf(list);
+}
+
+/** The store, made anew for a list whose storage was deleted; null for want of memory. */
+inline KeyedStore *storeFor(VxList &list)
+{
+    return list.data ? storeOf(list) : newStore(list);
 }
 
 uint32_t make(VxList &list)
@@ -56,12 +59,11 @@ uint32_t reset(VxList &list)
 
 uint32_t put(VxList &list, int32_t key, const void *element, bool replace)
 {
-    bool made = false;
-    void *stored = keyedElementMade(list, key, made);
-    if (!stored)
+    MadeElement stored = keyedElementMade(list, key);
+    if (!stored.element)
         return 1;
-    if (made || replace)
-        copyElement(list, stored, element);
+    if (stored.made || replace)
+        copyElement(list, stored.element, element);
     return 0;
 }
 
@@ -205,19 +207,19 @@ int32_t step(VxListIter &iter, void **ptr)
 
 }
 
-void *keyedElementMade(VxList &list, int32_t key, bool &made)
+MadeElement keyedElementMade(VxList &list, int32_t key)
 {
     KeyedStore *store = storeFor(list);
-    VxLnkNode *node = store ? store->trie.at(key, made) : nullptr;
+    auto [node, made] = store ? store->trie.at(key) : KeyTrie::Entry{};
     if (!node)
-        return nullptr;
+        return {nullptr, false};
     if (made) {
         ++list.count;
         list.capacity = std::max(list.capacity, key);
         list.order = store->trie.chain();
         store->order.added(node);
     }
-    return KeyTrie::elementOf(node);
+    return {KeyTrie::elementOf(node), made};
 }
 
 VxLnkNode *keyedNode(const VxList &list, int32_t key) noexcept

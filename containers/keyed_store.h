@@ -27,7 +27,12 @@ inline void *keyedElement(const VxList &list, int32_t key) noexcept
     return node ? KeyTrie::elementOf(node) : nullptr;
 }
 
-/** The element of a key, made when the key is absent: it is then to be set. Null for want of memory. */
-void *keyedElementMade(VxList &list, int32_t key, bool &made);
+struct MadeElement {
+    void *element; ///< null for want of memory
+    bool made;     ///< the key was absent: the element is to be set
+};
+
+/** The element of a key, made when the key is absent. */
+MadeElement keyedElementMade(VxList &list, int32_t key);
 
 }
