@@ -155,7 +155,8 @@ private:
                (count != 1 || buckets_.isReady());
     }
 
-    /** A node for an absent key, in a bucket that has room and as the circle's last; its element is not set. */
+    /** A node for an absent key, in a bucket that has room and as the circle's last; its element is not set.
+     */
     VxLnkNode *addNode(Cell &cell, int32_t key) noexcept
     {
         auto node = static_cast<VxLnkNode *>(nodes_.takeReady());
@@ -203,8 +204,8 @@ private:
     Cell root_ = 0;
     Cell *table_ = &root_;
     uint32_t mask_ = 0;
-    uint32_t shift_ = 0; ///< bits of an index
-    uint32_t count_ = 0; ///< nodes
+    uint32_t shift_ = 0;               ///< bits of an index
+    uint32_t count_ = 0;               ///< nodes
     uint32_t widenAt_ = fewestToWiden; ///< nodes, at the next of which the table is to be widened
     VxLnkNode *chain_ = nullptr;
     BlockPool nodes_;
