@@ -29,7 +29,7 @@ bool hasRightSizes(const VxIntSet &set)
 
 bool isIndexed(const VxIntSet &set, int32_t value)
 {
-    return keyedElement(*set.index, value) != nullptr;
+    return keyedNode(*set.index, value) != nullptr;
 }
 
 /** True for values in one block, which are looked through here: a walk would cost several times as much. */

@@ -2,6 +2,8 @@
 
 #include "containers/key_trie.h"
 
+#include <algorithm>
+
 #include "vx/mem.h"
 
 namespace vx::containers {
@@ -11,10 +13,14 @@ namespace {
 constexpr size_t cacheLine = 64;
 constexpr size_t tagAlignment = 16; ///< leaves the bits of a cell's tag free
 
+constexpr size_t gapBegin = offsetof(VxLnkNode, key) + sizeof(VxLnkNode::key);
+constexpr size_t gapEnd = offsetof(VxLnkNode, next);
+
 }
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
-    : nodes_(sizeof(VxLnkNode) + elementBytes, tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
+    : elementAt_(gapBegin + elementBytes <= gapEnd ? gapBegin : sizeof(VxLnkNode)),
+      nodes_(std::max(sizeof(VxLnkNode), elementAt_ + elementBytes), tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
       branches_(sizeof(Branch), cacheLine)
 {
 }

@@ -11,8 +11,9 @@
 //
 // Nodes, buckets and branches come from chunks of the trie's own. A bucket
 // holds copies of its nodes' keys, so that a search touches no node; a bucket
-// of one node is that node. A node's element lies right behind it, and all
-// nodes form a circle in the order they came.
+// of one node is that node. A node's element lies right behind it, or in the
+// gap behind its key where it fits; all nodes form a circle in the order they
+// came.
 
 #include <bit>
 #include <cstddef>
@@ -40,7 +41,7 @@ public:
     }
 
     /** A node's element. */
-    static void *elementOf(VxLnkNode *node) noexcept { return node + 1; }
+    void *elementOf(VxLnkNode *node) const noexcept { return reinterpret_cast<char *>(node) + elementAt_; }
 
     struct Entry {
         VxLnkNode *node; ///< null for want of memory, no key has then come or gone
@@ -92,6 +93,13 @@ private:
         VxLnkNode *nodes[bucketSize];
 
         int32_t keyAt(uint32_t place) const noexcept { return keys[place / 4][place % 4]; }
+        /** Said to be there, so that who only asks whether a key is known does not read it. */
+        VxLnkNode *nodeAt(uint32_t place) const noexcept
+        {
+            if (!nodes[place])
+                __builtin_unreachable();
+            return nodes[place];
+        }
         void put(uint32_t place, int32_t key, VxLnkNode *node) noexcept
         {
             keys[place / 4][place % 4] = key;
@@ -125,7 +133,7 @@ private:
         if (count > 1) {
             const Bucket &several = *bucket(cell);
             uint32_t at = several.placeOf(key);
-            return at < count ? several.nodes[at] : nullptr;
+            return at < count ? several.nodeAt(at) : nullptr;
         }
         VxLnkNode *one = single(cell);
         return one && one->key == key ? one : nullptr;
@@ -160,11 +168,11 @@ private:
     VxLnkNode *addNode(Cell &cell, int32_t key) noexcept
     {
         auto node = static_cast<VxLnkNode *>(nodes_.takeReady());
-        if (!chain_)
-            chain_ = node->chainPrev = node;
-        VxLnkNode *last = chain_->chainPrev;
-        new (node) VxLnkNode{key, nullptr, nullptr, chain_, last, elementOf(node)};
-        last->chainNext = chain_->chainPrev = node;
+        VxLnkNode *first = chain_ ? chain_ : node;
+        VxLnkNode *last = chain_ ? chain_->chainPrev : node;
+        new (node) VxLnkNode{key, nullptr, nullptr, first, last, elementOf(node)};
+        last->chainNext = first->chainPrev = node;
+        chain_ = first;
         put(cell, key, node);
         ++count_;
         return node;
@@ -208,6 +216,7 @@ private:
     uint32_t count_ = 0;               ///< nodes
     uint32_t widenAt_ = fewestToWiden; ///< nodes, at the next of which the table is to be widened
     VxLnkNode *chain_ = nullptr;
+    size_t elementAt_; ///< in a node's block
     BlockPool nodes_;
     BlockPool buckets_;
     BlockPool branches_;

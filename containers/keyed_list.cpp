@@ -9,7 +9,6 @@
 #include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
-#include "containers/nodes.h"
 
 namespace vx::containers {
 
@@ -219,13 +218,7 @@ MadeElement keyedElementMade(VxList &list, int32_t key)
         list.order = store->trie.chain();
         store->order.added(node);
     }
-    return {KeyTrie::elementOf(node), made};
-}
-
-VxLnkNode *keyedNode(const VxList &list, int32_t key) noexcept
-{
-    const KeyedStore *store = storeOf(list);
-    return store ? store->trie.find(key) : nullptr;
+    return {store->trie.elementOf(node), made};
 }
 
 const Layout keyedLayout = {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "containers/layout.h"
+#include "containers/keyed_store.h"
 #include "containers/memory.h"
 #include "containers/nodes.h"
 
