@@ -20,8 +20,8 @@ constexpr size_t gapEnd = offsetof(VxLnkNode, next);
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
     : elementAt_(gapBegin + elementBytes <= gapEnd ? gapBegin : sizeof(VxLnkNode)),
-      nodes_(std::max(sizeof(VxLnkNode), elementAt_ + elementBytes), tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
-      branches_(sizeof(Branch), cacheLine)
+      nodes_(std::max(sizeof(VxLnkNode), elementAt_ + elementBytes), tagAlignment),
+      buckets_(sizeof(Bucket), tagAlignment), branches_(sizeof(Branch), cacheLine)
 {
 }
 
