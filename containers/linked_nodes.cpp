@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
 #include "containers/nodes.h"

@@ -15,6 +15,8 @@
  *             gives it back to the heap, so that the host has memory to save
  *             the user's work in; it is not taken again before the next
  *             VxMemInit. The refused request itself is not tried again.
+ * Kept        of what lists give back up to 2 MB is kept for the next ones; a
+ *             refused request and VxMemExit free it with the reserve.
  * Refusal     when the heap refuses a request of a function that reports:
  *             VxMemTracerLastMallocFailed if VgMemLeak is set, the reserve is
  *             given back if still there, VgEmergency(0) is called if set, and
