@@ -250,8 +250,7 @@ uint32_t grow(VxList &list, int32_t extra)
     return growBlock(list, extra);
 }
 
-/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
- */
+/** Pages up to `last`, and more slots; those below the capacity first, so that refusals change nothing. */
 bool makeRoom(VxList &list, int32_t last, int32_t extra)
 {
     return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);

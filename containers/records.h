@@ -36,8 +36,7 @@ template <typename T> T *recordAt(VxList *list, int32_t index)
     return static_cast<T *>(record);
 }
 
-/** Call use(index, record) for each record of a list that holds them; those side by side are looked up once.
- */
+/** Call use(index, record) for each record of a list of them; those side by side are looked up once. */
 template <typename T, typename Use> void forEach(VxList &list, Use use)
 {
     int32_t run = 1;

@@ -125,8 +125,7 @@ constexpr int32_t keptHeader(int64_t payload)
     return static_cast<int32_t>(INT32_MIN + payload);
 }
 
-/** Payload bytes of a kept block, or 0 for a header that says something else: no block in use is that large.
- */
+/** Payload bytes of a kept block, or 0 for another header: no block in use is that large. */
 constexpr int32_t keptPayload(int32_t header)
 {
     return header <= keptHeader(largestKept) ? header - keptHeader(0) : 0;
