@@ -234,7 +234,7 @@ template <typename Body, typename Result> inline Result guarded(Result failure, 
     return failure;
 }
 
-/** Walk an area: headers, trailers, merging, links, lists, guards. Null when all is well, else what is not. */
+/** Walk an area: headers, trailers, merging, links, lists, guards. Null, or what is wrong with it. */
 const char *verifyArea(int32_t area);
 
 }

@@ -91,7 +91,7 @@ VX_API uint32_t VxMemSmrtResize(int32_t size, void **block);
 /** Free a block, if there is one, and clear the pointer. Always 0. */
 VX_API uint32_t VxMemFree(void **block);
 
-/** A new block with a copy of `size` bytes; null after a failure: a null source, a size below 1, no memory. */
+/** A new block with a copy of `size` bytes; null for a null source, a size below 1, or want of memory. */
 VX_API uint32_t VxMemDup(int32_t size, const void *source, void **copy);
 
 /* ---------------------------------------------------------------- bytes and numbers */

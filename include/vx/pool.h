@@ -68,7 +68,7 @@ typedef struct VxHsmArea {
     VxHsmHead heads[34];
     /** Names the area's chunks in the layer below. */
     uint32_t storage;
-    /** Reference size, peak and current bytes asked for, gross bytes, allocations, frees; while statistics are on. */
+    /** With statistics: reference size, peak and current bytes asked for, gross bytes, requests, frees. */
     int32_t statistics[6];
     int32_t index;
     /** What the area takes when it is full, in bytes: at its start and now. */
@@ -108,7 +108,7 @@ VX_API bool VxInitHeapStMgr(void);
 /** Whether the manager runs. */
 VX_API bool AskHeapStMgrStatus(void);
 
-/** Give every chunk of every area back and stop; every pool and block is gone. It may be started again. @return 0 */
+/** Give every chunk back and stop; every pool and block is gone. It may be started again. @return 0 */
 VX_API uint32_t VxExitHeapStMgr(void);
 
 /* ---------------------------------------------------------------- areas */
@@ -146,7 +146,7 @@ VX_API int32_t AskHeapSMemArea(const void *block);
 VX_API int32_t VxCreHpMemPool(int32_t kilobytes, const char *name, int32_t flags, const char *description,
                               void **pool);
 
-/** Free a pool and every block in it; when it is the current pool there is none any more. @return 1 for no pool */
+/** Free a pool and every block in it. If it is current, no pool is then. @return 1 for what is no pool */
 VX_API uint32_t VxFreeHpMemPool(void *pool);
 
 /** Make a pool the current one; null for none. @return 1 for what is no pool, and nothing changes */

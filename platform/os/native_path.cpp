@@ -112,8 +112,9 @@ Error fromNative(const char *native, char *out, size_t size) noexcept
     std::string_view path = native;
     Drive best{'\0', {}};
     eachDrive([&](const Drive &drive) {
-        bool under = path.starts_with(drive.folder) &&
-                     (path.size() == drive.folder.size() || path[drive.folder.size()] == '/' || drive.folder == "/");
+        bool under =
+            path.starts_with(drive.folder) &&
+            (path.size() == drive.folder.size() || path[drive.folder.size()] == '/' || drive.folder == "/");
         if (under && drive.folder.size() > best.folder.size())
             best = drive;
         return false;
