@@ -316,7 +316,7 @@ void followOcc(benchmark::State &state, int64_t n)
 }
 
 // Positions known beforehand: processors read many elements at once where the
-// whole access is compiled into the loop, fewer through a call.
+// whole access is compiled into the loop, as VxListAt is, fewer through a call.
 
 std::vector<int32_t> randomPositions(int64_t n)
 {
@@ -325,21 +325,33 @@ std::vector<int32_t> randomPositions(int64_t n)
     return shuffled(positions);
 }
 
-void randomGetVx(benchmark::State &state, int64_t n)
+/** @param get  the element at a position of a list */
+template <typename Get> void randomGet(benchmark::State &state, int64_t n, Get get)
 {
     VxList *list = arrayList(static_cast<int32_t>(n));
     auto positions = randomPositions(n);
     for (auto _ : state) {
         int64_t sum = 0;
-        for (int32_t position : positions) {
-            void *element = nullptr;
-            VxListGetPtr(list, position, &element);
-            sum += static_cast<Element *>(element)->words[0];
-        }
+        for (int32_t position : positions)
+            sum += static_cast<Element *>(get(list, position))->words[0];
         benchmark::DoNotOptimize(sum);
     }
     VxListDel(&list);
     perItem(state, n);
+}
+
+void randomGetVx(benchmark::State &state, int64_t n)
+{
+    randomGet(state, n, [](VxList *list, int32_t position) {
+        void *element = nullptr;
+        VxListGetPtr(list, position, &element);
+        return element;
+    });
+}
+
+void randomGetVxInline(benchmark::State &state, int64_t n)
+{
+    randomGet(state, n, [](VxList *list, int32_t position) { return VxListAt(list, position); });
 }
 
 void randomGetOcc(benchmark::State &state, int64_t n)
@@ -392,6 +404,8 @@ BENCHMARK_CAPTURE(followOcc, many, 1'000'000)->Name("list array random get/NColl
 BENCHMARK_CAPTURE(randomGetVx, many, 1'000'000)->Name("list array random get, positions known/vx");
 BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)
     ->Name("list array random get, positions known/NCollection_Vector");
+BENCHMARK_CAPTURE(randomGetVxInline, many, 1'000'000)->Name("list array random get, inline/vx");
+BENCHMARK_CAPTURE(randomGetOcc, many, 1'000'000)->Name("list array random get, inline/NCollection_Vector");
 BENCHMARK(insertVx)->Name("list array insert in the middle/vx");
 BENCHMARK(insertMemmove)->Name("list array insert in the middle/memmove");
 

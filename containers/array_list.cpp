@@ -15,63 +15,78 @@ namespace vx::containers {
 
 namespace {
 
-/** A directory without pages, with its divisors behind it; null for want of memory. */
-void **newDirectory(int32_t slots, int32_t elements)
-{
-    constexpr int64_t extra = (sizeof(Divisors) + sizeof(void *) - 1) / sizeof(void *);
-    void **directory = allocateZero<void *>(slots + extra).release();
-    if (directory)
-        new (directory + slots) Divisors{Divisor(elements), Divisor(slots)};
-    return directory;
-}
-
 int64_t pagesFor(const VxList &list, int64_t elements) noexcept
 {
     return (elements + elementsPerPage(list) - 1) / elementsPerPage(list);
 }
 
-/** Where the pointer to a page stands; null when its directory is not there. */
-void **pageSlot(const VxList &list, int64_t page) noexcept
+/**
+ * A directory with its page table in front; null for want of memory. At level 1
+ * it is itself the table, at level 2 there is room for no page yet.
+ */
+void **newDirectory(int32_t level, int32_t slots, int32_t elements)
 {
-    auto directory = static_cast<void **>(list.data);
-    if (list.pageLevel == 1)
-        return directory + page;
-    auto second = static_cast<void **>(directory[page / list.perPage]);
-    return second ? second + page % list.perPage : nullptr;
+    auto bytes = static_cast<int64_t>(sizeof(VxListPages) + static_cast<size_t>(slots) * sizeof(void *));
+    char *block = allocateZero<char>(bytes).release();
+    if (!block)
+        return nullptr;
+    auto directory = reinterpret_cast<void **>(block + sizeof(VxListPages));
+    Divisor divisor(elements);
+    bool first = level == 1;
+    new (block) VxListPages{first ? directory : nullptr, divisor.multiplier, divisor.shift, elements,
+                            first ? slots : 0};
+    return directory;
 }
 
-/** Free the pages from `first` to `end` and the directories that only they need. */
-void removePages(VxList &list, int64_t first, int64_t end) noexcept
+/** Let the table of level 2 have room for so many pages; it doubles, so that it is seldom copied. */
+bool coverPages(const VxList &list, int64_t needed)
+{
+    VxListPages &table = pagesOf(list);
+    if (needed <= table.room)
+        return true;
+    int64_t most = int64_t{list.dirSlots} * list.dirSlots;
+    int64_t room = std::min(std::max(needed, int64_t{table.room} * 2), most);
+    int64_t directories = (room + list.dirSlots - 1) / list.dirSlots;
+    Block<void *> pages = allocateZero<void *>(directories * list.dirSlots);
+    if (!pages)
+        return false;
+    std::copy_n(table.pages, table.room, pages.get());
+    Block<void *> old(std::exchange(table.pages, pages.release()));
+    table.room = static_cast<int32_t>(directories * list.dirSlots);
+    for (int64_t i = 0; i < directories; ++i)
+        static_cast<void **>(list.data)[i] = table.pages + i * list.dirSlots;
+    return true;
+}
+
+/** Free directories whose pages are elsewhere or gone. */
+void freeDirectories(VxList &list) noexcept
+{
+    VxListPages &table = pagesOf(list);
+    list.data = nullptr;
+    if (list.pageLevel == 2)
+        Block<void *>(table.pages).reset();
+    Block<VxListPages>(&table).reset();
+}
+
+void removePages(const VxList &list, int64_t first, int64_t end) noexcept
 {
     for (int64_t page = first; page < end; ++page)
-        if (void **slot = pageSlot(list, page))
-            VxMemFree(slot);
-    divisorsOf(list).lastFirst = Divisors::gone;
-    if (list.pageLevel != 2)
-        return;
-    auto directory = static_cast<void **>(list.data);
-    for (int64_t i = (first + list.perPage - 1) / list.perPage; i < list.dirSlots; ++i)
-        VxMemFree(&directory[i]);
+        VxMemFree(&pagesOf(list).pages[page]);
 }
 
-bool addPage(VxList &list, int64_t page)
+bool addPage(const VxList &list, int64_t page)
 {
-    if (list.pageLevel == 2) {
-        void *&second = static_cast<void **>(list.data)[page / list.perPage];
-        if (!second)
-            second = allocateZero<void *>(list.dirSlots).release();
-        if (!second)
-            return false;
-    }
-    void **slot = pageSlot(list, page);
-    if (!*slot)
-        *slot = allocateZero<char>(int64_t{elementsPerPage(list)} * list.elemSize).release();
-    return *slot != nullptr;
+    void *&slot = pagesOf(list).pages[page];
+    if (!slot)
+        slot = allocateZero<char>(int64_t{elementsPerPage(list)} * list.elemSize).release();
+    return slot != nullptr;
 }
 
 /** Pages behind all that are there; none of them for want of memory. */
-bool addPages(VxList &list, int64_t first, int64_t end)
+bool addPages(const VxList &list, int64_t first, int64_t end)
 {
+    if (list.pageLevel == 2 && !coverPages(list, end))
+        return false;
     for (int64_t page = first; page < end; ++page) {
         if (addPage(list, page))
             continue;
@@ -97,8 +112,10 @@ void discard(VxList &list)
 {
     if (slotsBehindRecord(list))
         list.data = nullptr;
-    if (list.pageLevel > 0 && list.data)
+    if (list.pageLevel > 0 && list.data) {
         removePages(list, 0, pagesFor(list, list.capacity));
+        freeDirectories(list);
+    }
     VxMemFree(&list.data);
     list.perPage = list.perPage2 = 0;
 }
@@ -111,12 +128,12 @@ uint32_t makePages(VxList &list, int32_t level, int32_t capacity)
     list.perPage = level == 1 ? VgPageSize / list.elemSize : list.dirSlots;
     list.perPage2 = level == 1 ? 0 : VgPageSize / list.elemSize;
     list.capacity = capacity;
-    list.data = newDirectory(list.dirSlots, elementsPerPage(list));
+    list.data = newDirectory(level, list.dirSlots, elementsPerPage(list));
     if (!list.data)
         return 1;
     if (addPages(list, 0, pagesFor(list, capacity)))
         return 0;
-    VxMemFree(&list.data);
+    freeDirectories(list);
     return 1;
 }
 
@@ -146,25 +163,27 @@ uint32_t turnIntoPages(VxList &list, int32_t level, int32_t capacity)
     return 0;
 }
 
-/** From one level of pages to two: the directory becomes the first of the second level. */
+/** From one level of pages to two, with the same pages. */
 uint32_t deepen(VxList &list, int32_t capacity)
 {
     VxList deeper = list;
     deeper.pageLevel = 2;
     deeper.perPage2 = list.perPage;
     deeper.perPage = list.dirSlots;
+    deeper.capacity = capacity;
+    int64_t had = pagesFor(list, list.capacity);
     int64_t needed = pagesFor(deeper, capacity);
     if ((needed - 1) / list.dirSlots >= list.dirSlots)
         return 1;
-    Block<void *> top(newDirectory(list.dirSlots, list.perPage));
-    if (!top)
+    deeper.data = newDirectory(2, list.dirSlots, list.perPage);
+    if (!deeper.data)
         return 1;
-    top.get()[0] = list.data;
-    deeper.data = top.get();
-    if (!addPages(deeper, pagesFor(list, list.capacity), needed))
+    if (!addPages(deeper, had, needed)) {
+        freeDirectories(deeper);
         return 1;
-    top.release();
-    deeper.capacity = capacity;
+    }
+    std::copy_n(pagesOf(list).pages, had, pagesOf(deeper).pages);
+    freeDirectories(list);
     list = deeper;
     return 0;
 }
@@ -232,8 +251,7 @@ uint32_t grow(VxList &list, int32_t extra)
     return growBlock(list, extra);
 }
 
-/** Pages up to `last`, and more slots; those below the capacity first, so that a refusal leaves it as it was.
- */
+/** Pages up to `last`, and more slots; those below the capacity first, so that refusals change nothing. */
 bool makeRoom(VxList &list, int32_t last, int32_t extra)
 {
     return backSlots(list, std::min(last, list.capacity - 1)) && (extra == 0 || grow(list, extra) == 0);
@@ -277,7 +295,7 @@ uint32_t insert(VxList &list, int32_t index, const void *element)
 /** The first page becomes the one block. */
 void turnIntoBlock(VxList &list)
 {
-    void *first = std::exchange(*pageSlot(list, 0), nullptr);
+    void *first = std::exchange(pagesOf(list).pages[0], nullptr);
     int32_t elements = elementsPerPage(list);
     discard(list);
     list.data = first;

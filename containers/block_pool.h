@@ -1,12 +1,14 @@
 #pragma once
 
-// Blocks of one size, cut from chunks of the toolkit's allocator. A block that
-// is given back is the next to be taken; chunks are freed all at once.
+// Blocks of one size, cut from chunks. A block that is given back is the next
+// to be taken; chunks go back all at once.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
 
+#include "heap/spare_chunks.h"
 #include "vx/mem.h"
 
 namespace vx::containers {
@@ -24,21 +26,27 @@ public:
     BlockPool(const BlockPool &) = delete;
     BlockPool &operator=(const BlockPool &) = delete;
 
-    /** A block, not set; null when no memory is left. */
-    void *take()
+    /** True when a block can be had without a call. */
+    bool isReady() const noexcept { return free_ || left_ >= bytes_; }
+
+    /** Be ready; false when no memory is left. */
+    bool prepare() { return isReady() || addChunk(); }
+
+    /** A block of a pool that is ready, not set. */
+    void *takeReady() noexcept
     {
-        if (free_) {
-            Free *block = free_;
+        if (Free *block = free_) {
             free_ = block->next;
             return block;
         }
-        if (left_ < bytes_ && !addChunk())
-            return nullptr;
         void *block = next_;
         next_ += bytes_;
         left_ -= bytes_;
         return block;
     }
+
+    /** A block, not set; null when no memory is left. */
+    void *take() { return prepare() ? takeReady() : nullptr; }
 
     void giveBack(void *block) noexcept
     {
@@ -50,14 +58,13 @@ public:
     void freeAll() noexcept
     {
         while (chunks_) {
-            void *chunk = chunks_;
-            chunks_ = chunks_->next;
-            VxMemFree(&chunk);
+            Chunk *chunk = chunks_;
+            chunks_ = chunk->next;
+            freeChunk(chunk);
         }
         free_ = nullptr;
         next_ = nullptr;
-        left_ = 0;
-        blocksInChunk_ = fewest;
+        left_ = held_ = 0;
     }
 
 private:
@@ -65,32 +72,57 @@ private:
         Free *next;
     };
 
-    static constexpr size_t fewest = 8; ///< blocks in the first chunk; each next one has twice as many
-    static constexpr size_t largestChunk = 64 * 1024; ///< bytes, unless one block is larger
+    struct Chunk {
+        Chunk *next;
+        size_t bytes;
+    };
 
+    static constexpr size_t fewest = 8; ///< blocks in the first chunk
+    static constexpr size_t full = heap::spareChunkBytes;
+
+    /** A chunk as large as all before it, and soon full ones. */
     bool addChunk()
     {
-        size_t payload = bytes_ * (bytes_ > largestChunk ? 1 : blocksInChunk_);
-        size_t bytes = payload + sizeof(Free) + alignment_;
-        void *chunk = nullptr;
-        if (bytes > INT32_MAX || VxMemAlloc(static_cast<int32_t>(bytes), &chunk))
+        size_t extra = sizeof(Chunk) + alignment_;
+        size_t bytes = std::max(fewest * bytes_ + extra, held_);
+        if (bytes > full / 4)
+            bytes = std::max(full, bytes_ + extra);
+        Chunk *chunk = newChunk(bytes);
+        if (!chunk)
             return false;
-        chunks_ = new (chunk) Free{chunks_};
-        auto first = reinterpret_cast<uintptr_t>(chunks_ + 1);
+        chunks_ = chunk;
+        held_ += bytes;
+        auto first = reinterpret_cast<uintptr_t>(chunk + 1);
         next_ = reinterpret_cast<char *>((first + alignment_ - 1) & ~(alignment_ - 1));
-        left_ = payload;
-        if (2 * payload <= largestChunk)
-            blocksInChunk_ *= 2;
+        left_ = bytes - extra;
         return true;
+    }
+
+    Chunk *newChunk(size_t bytes)
+    {
+        void *chunk = nullptr;
+        if (bytes == full)
+            chunk = heap::takeSpareChunk();
+        else if (bytes <= INT32_MAX)
+            VxMemAlloc(static_cast<int32_t>(bytes), &chunk);
+        return chunk ? new (chunk) Chunk{chunks_, bytes} : nullptr;
+    }
+
+    static void freeChunk(void *chunk) noexcept
+    {
+        if (static_cast<Chunk *>(chunk)->bytes == full)
+            heap::giveBackSpareChunk(chunk);
+        else
+            VxMemFree(&chunk);
     }
 
     size_t bytes_;
     size_t alignment_;
     Free *free_ = nullptr;
-    Free *chunks_ = nullptr;
+    Chunk *chunks_ = nullptr;
     char *next_ = nullptr;
     size_t left_ = 0;
-    size_t blocksInChunk_ = fewest;
+    size_t held_ = 0; ///< bytes of all chunks
 };
 
 }

@@ -213,7 +213,7 @@ inline const VxGraphNode *fetch(const VxGraph *graph, int32_t from, int32_t to) 
 {
     VxList *edges = graph->edges;
     bool free = isArrayOf<VxGraphEdge>(edges) && edges->count < edges->capacity;
-    auto edge = free ? nextSlot<VxGraphEdge>(*edges) : nullptr;
+    auto edge = free ? slotIn<VxGraphEdge>(*edges, edges->count) : nullptr;
     VxList *list = node->edges;
     if (!edge || !isArrayOf<int32_t>(list) || list->pageLevel != 0 || list->count >= list->capacity)
         return addEdge(graph, from, to, true, added);

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "containers/nodes.h"
+#include "containers/keyed_store.h"
 #include "containers/records.h"
 #include "vx/mem.h"
 
@@ -78,22 +78,32 @@ uint32_t addUnindexed(VxList &values, int32_t value, bool &added)
     return failed;
 }
 
+/** False for want of memory. */
+bool addKey(VxList &index, int32_t value, bool &added)
+{
+    auto [key, made] = keyedElementMade(index, value);
+    if (!key)
+        return false;
+    *static_cast<uint8_t *>(key) = present;
+    added = made;
+    return true;
+}
+
 /** Add to the index and to the values, or to neither. */
 uint32_t addIndexed(VxIntSet &set, int32_t value, bool &added)
 {
     VxList &index = *set.index;
-    int32_t before = index.count;
     int32_t highest = index.capacity;
-    if (VxListSet(&index, value, &present))
+    if (!addKey(index, value, added))
         return 1;
-    if (index.count == before)
+    if (!added)
         return 0;
     if (set.values && append(set.values, value)) {
         VxListDelElem(&index, value, value);
         index.capacity = highest;
+        added = false;
         return 1;
     }
-    added = true;
     return 0;
 }
 
@@ -103,8 +113,9 @@ uint32_t fill(VxList &index, VxList &values)
     VxListItrInit2(&values, 0, &walk);
     int32_t value = 0;
     int32_t end = 0;
+    bool added = false;
     while ((end = VxListItr(&walk, &value)) == 0)
-        if (VxListSet(&index, value, &present))
+        if (!addKey(index, value, added))
             return 1;
     return end != -1;
 }

@@ -2,7 +2,7 @@
 
 #include "containers/key_trie.h"
 
-#include <new>
+#include <algorithm>
 
 #include "vx/mem.h"
 
@@ -13,50 +13,29 @@ namespace {
 constexpr size_t cacheLine = 64;
 constexpr size_t tagAlignment = 16; ///< leaves the bits of a cell's tag free
 
+constexpr size_t gapBegin = offsetof(VxLnkNode, key) + sizeof(VxLnkNode::key);
+constexpr size_t gapEnd = offsetof(VxLnkNode, next);
+
 }
 
 KeyTrie::KeyTrie(size_t elementBytes) noexcept
-    : nodes_(sizeof(VxLnkNode) + elementBytes, tagAlignment), buckets_(sizeof(Bucket), tagAlignment),
-      branches_(sizeof(Branch), cacheLine)
+    : elementAt_(gapBegin + elementBytes <= gapEnd ? gapBegin : sizeof(VxLnkNode)),
+      nodes_(std::max(sizeof(VxLnkNode), elementAt_ + elementBytes), tagAlignment),
+      buckets_(sizeof(Bucket), tagAlignment), branches_(sizeof(Branch), cacheLine)
 {
 }
 
-/** The bucket where a key belongs, and the position of the nibble that would part it. */
-inline KeyTrie::Cell *KeyTrie::cellFor(int32_t key, uint32_t &shift) noexcept
+/** Let hasRoom() hold where a key belongs; false for want of memory. */
+bool KeyTrie::makeRoom(int32_t key)
 {
-    Cell *cell = &table_[static_cast<uint32_t>(key) & mask_];
-    shift = shift_;
-    for (; isBranch(*cell); shift += 4)
-        cell = &branch(*cell)->child[nibble(key, shift)];
-    return cell;
-}
-
-VxLnkNode *KeyTrie::at(int32_t key, bool &made)
-{
-    made = false;
+    if (count_ >= widenAt_ && !widen())
+        return false;
     uint32_t shift = 0;
     Cell *cell = cellFor(key, shift);
-    if (VxLnkNode *known = nodeIn(*cell, key))
-        return known;
-    if (count_ >= widenAt_ && shift_ < widest) {
-        if (!widen())
-            return nullptr;
-        cell = cellFor(key, shift);
-    }
     for (; countOf(*cell) == bucketSize; cell = cellFor(key, shift))
         if (!split(*cell, shift))
-            return nullptr;
-    VxLnkNode *node = newNode(key);
-    if (!node)
-        return nullptr;
-    if (!add(*cell, key, node)) {
-        nodes_.giveBack(node);
-        return nullptr;
-    }
-    linkIntoChain(node);
-    ++count_;
-    made = true;
-    return node;
+            return false;
+    return nodes_.prepare() && (countOf(*cell) != 1 || buckets_.prepare());
 }
 
 /** Make the next level a part of the table. It stays as it is where there is no memory for a larger one. */
@@ -83,7 +62,7 @@ bool KeyTrie::widen()
     table_ = wide;
     mask_ = cells * 16 - 1;
     shift_ += 4;
-    widenAt_ = cells * 16 * 8;
+    widenAt_ = shift_ < widest ? cells * 16 * 8 : UINT32_MAX;
     return true;
 }
 
@@ -130,25 +109,12 @@ void KeyTrie::giveBackTable() noexcept
     VxMemFree(&table);
 }
 
-/** Add a node to a bucket that is not full. */
+/** Add a node to a bucket that is not full; false for want of memory. */
 inline bool KeyTrie::add(Cell &cell, int32_t key, VxLnkNode *node)
 {
-    uint32_t count = countOf(cell);
-    if (count == 0) {
-        cell = cellOf(node, 1);
-        return true;
-    }
-    Bucket *several = bucket(cell);
-    if (count == 1) {
-        void *block = buckets_.take();
-        if (!block)
-            return false;
-        several = new (block) Bucket;
-        several->keys[0] = several->keys[1] = Bucket::Keys{};
-        several->put(0, single(cell)->key, single(cell));
-    }
-    several->put(count, key, node);
-    cell = cellOf(several, count + 1);
+    if (countOf(cell) == 1 && !buckets_.prepare())
+        return false;
+    put(cell, key, node);
     return true;
 }
 
@@ -174,29 +140,6 @@ bool KeyTrie::split(Cell &cell, uint32_t shift)
         giveBackBlock(child);
     branches_.giveBack(made);
     return false;
-}
-
-/** A node in no bucket and no chain; its element is not set. */
-VxLnkNode *KeyTrie::newNode(int32_t key)
-{
-    void *block = nodes_.take();
-    if (!block)
-        return nullptr;
-    auto node = new (block) VxLnkNode{};
-    node->key = key;
-    node->element = elementOf(node);
-    return node;
-}
-
-/** The node becomes the circle's last. */
-void KeyTrie::linkIntoChain(VxLnkNode *node) noexcept
-{
-    if (!chain_)
-        chain_ = node->chainPrev = node;
-    node->chainNext = chain_;
-    node->chainPrev = chain_->chainPrev;
-    node->chainPrev->chainNext = node;
-    chain_->chainPrev = node;
 }
 
 /** Take a key's node out of its bucket; null when it is absent. */

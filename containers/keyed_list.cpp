@@ -9,21 +9,23 @@
 #include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
-#include "containers/nodes.h"
 
 namespace vx::containers {
 
 namespace {
 
-/** The store, made anew for a list whose storage was deleted; null for want of memory. */
-KeyedStore *storeFor(VxList &list)
+KeyedStore *newStore(VxList &list)
 {
-    if (!list.data) {
-        Block<KeyedStore> block = allocate<KeyedStore>(1);
-        if (block)
-            list.data = std::construct_at(block.release(), elementBytes(list));
-    }
+    Block<KeyedStore> block = allocate<KeyedStore>(1);
+    if (block)
+        list.data = std::construct_at(block.release(), elementBytes(list));
     return storeOf(list);
+}
+
+/** The store, made anew for a list whose storage was deleted; null for want of memory. */
+inline KeyedStore *storeFor(VxList &list)
+{
+    return list.data ? storeOf(list) : newStore(list);
 }
 
 uint32_t make(VxList &list)
@@ -56,19 +58,11 @@ uint32_t reset(VxList &list)
 
 uint32_t put(VxList &list, int32_t key, const void *element, bool replace)
 {
-    KeyedStore *store = storeFor(list);
-    bool made = false;
-    VxLnkNode *node = store ? store->trie.at(key, made) : nullptr;
-    if (!node)
+    MadeElement stored = keyedElementMade(list, key);
+    if (!stored.element)
         return 1;
-    if (made || replace)
-        copyElement(list, KeyTrie::elementOf(node), element);
-    if (!made)
-        return 0;
-    ++list.count;
-    list.capacity = std::max(list.capacity, key);
-    list.order = store->trie.chain();
-    store->order.added(node);
+    if (stored.made || replace)
+        copyElement(list, stored.element, element);
     return 0;
 }
 
@@ -212,10 +206,19 @@ int32_t step(VxListIter &iter, void **ptr)
 
 }
 
-VxLnkNode *keyedNode(const VxList &list, int32_t key) noexcept
+MadeElement keyedElementMade(VxList &list, int32_t key)
 {
-    const KeyedStore *store = storeOf(list);
-    return store ? store->trie.find(key) : nullptr;
+    KeyedStore *store = storeFor(list);
+    auto [node, made] = store ? store->trie.at(key) : KeyTrie::Entry{};
+    if (!node)
+        return {nullptr, false};
+    if (made) {
+        ++list.count;
+        list.capacity = std::max(list.capacity, key);
+        list.order = store->trie.chain();
+        store->order.added(node);
+    }
+    return {store->trie.elementOf(node), made};
 }
 
 const Layout keyedLayout = {

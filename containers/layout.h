@@ -25,8 +25,7 @@ struct Range {
 };
 
 struct Layout {
-    /** Storage of an empty list; `capacity` and `increment` are what the caller asked for, to be put right.
-     */
+    /** Storage of an empty list; `capacity` and `increment` are as the caller asked, to be put right. */
     uint32_t (*make)(VxList &list);
     /** Free all storage; may be called again. */
     void (*discard)(VxList &list);

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "containers/keyed_store.h"
 #include "containers/layout.h"
 #include "containers/memory.h"
 #include "containers/nodes.h"
@@ -14,16 +15,19 @@ namespace {
 
 inline VxLnkNode *makeNode(int32_t key, int32_t elemSize, const void *element)
 {
-    constexpr int64_t alignment = alignof(VxLnkNode);
-    int64_t offset = (elemSize + alignment - 1) / alignment * alignment;
-    char *block = allocate<char>(offset + static_cast<int64_t>(sizeof(VxLnkNode))).release();
+    constexpr uint32_t alignment = alignof(VxLnkNode);
+    uint32_t offset = (static_cast<uint32_t>(elemSize) + alignment - 1) & ~(alignment - 1);
+    char *block = allocate<char>(int64_t{offset} + static_cast<int64_t>(sizeof(VxLnkNode))).release();
     if (!block)
         return nullptr;
     copyBytes(block, element, elemSize);
-    auto node = new (block + offset) VxLnkNode{};
-    node->key = key;
-    node->element = block;
-    return node;
+    return new (block + offset) VxLnkNode{key, nullptr, nullptr, nullptr, nullptr, block};
+}
+
+/** Apart from VxLnkLstInsNode, which mostly appends. */
+[[gnu::noinline]] VxLnkNode *nodeAt(const VxList &list, int32_t position) noexcept
+{
+    return seek<links>(static_cast<VxLnkNode *>(list.data), list.count, position);
 }
 
 }
@@ -49,12 +53,11 @@ uint32_t VxLnkLstInsNode(VxList *list, int32_t position, const void *element)
         return 1;
     if (list->count == INT32_MAX)
         return 1;
-    auto head = static_cast<VxLnkNode *>(list->data);
     VxLnkNode *node = makeNode(position, list->elemSize, element);
     if (!node)
         return 1;
-    VxLnkNode *next = position < list->count ? seek<links>(head, list->count, position) : head;
-    linkBefore<links>(node, next);
+    auto head = static_cast<VxLnkNode *>(list->data);
+    linkBefore<links>(node, position == list->count ? head : nodeAt(*list, position));
     if (position == 0)
         list->data = node;
     ++list->count;

@@ -132,8 +132,7 @@ void sortBlock(void *first, size_t bytes, int32_t n, VxCmpFn compare)
     }
 }
 
-/** In a block beside them, where there is memory for one: finding a slot costs more than its element's move.
- */
+/** In a block beside them, where there is memory: finding a slot costs more than moving its element. */
 void sortPages(VxList &list, VxCmpFn compare)
 {
     int64_t bytes = int64_t{list.count} * list.elemSize;

@@ -4,20 +4,14 @@
 
 #include <cstdint>
 #include <limits>
-#include <memory>
 
+#include "heap/block.h"
 #include "platform/os/os.h"
 #include "vx/err.h"
-#include "vx/mem.h"
 
 namespace vx::containers {
 
-struct FreeBlock {
-    void operator()(void *block) const noexcept { VxMemFree(&block); }
-};
-
-/** A block that is given back unless it is released. */
-template <typename T = void> using Block = std::unique_ptr<T, FreeBlock>;
+using heap::Block;
 
 /** True for a size that a block can have; one that is too large is filed as a refused request. */
 inline bool blockCanHave(int64_t bytes)

@@ -77,7 +77,4 @@ template <Circle circle> int32_t stepNodes(VxListIter &iter, VxLnkNode *head, vo
     return 0;
 }
 
-/** The node of a key of a keyed list, or null. */
-VxLnkNode *keyedNode(const VxList &list, int32_t key) noexcept;
-
 }

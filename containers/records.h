@@ -28,14 +28,6 @@ template <typename T> bool isArrayOf(const VxList *list) noexcept
     return list && list->layout == array && list->elemSize == static_cast<int32_t>(sizeof(T));
 }
 
-/** The slot of an index in 0..capacity-1 of an array of such records; null when its page is not there. */
-template <typename T> inline T *slotIn(const VxList &list, int32_t index) noexcept
-{
-    auto within = static_cast<uint32_t>(index);
-    auto start = static_cast<T *>(pageOf(list, within));
-    return start ? start + within : nullptr;
-}
-
 /** The record at an index below the list's count, or null. */
 template <typename T> T *recordAt(VxList *list, int32_t index)
 {
@@ -82,10 +74,7 @@ template <typename T> uint32_t append(VxList *list, const T &record)
     if (!holds<T>(list))
         return 1;
     if (isArrayOf<T>(list) && (list->count < list->capacity || growInPage(*list))) {
-        T *slot = nextSlot<T>(*list);
-        if (!slot && rememberPage(*list))
-            slot = nextSlot<T>(*list);
-        if (slot) [[likely]] {
+        if (T *slot = slotIn<T>(*list, list->count); slot) [[likely]] {
             *slot = record;
             ++list->count;
             return 0;

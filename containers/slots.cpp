@@ -25,23 +25,11 @@ bool growInPage(VxList &list) noexcept
 {
     if (list.pageLevel == 0 || list.increment < 1)
         return false;
-    auto within = static_cast<uint32_t>(list.capacity);
-    divisorsOf(list).elements.divide(within);
-    if (within == 0 || int64_t{within} + list.increment > elementsPerPage(list))
+    int32_t within = list.capacity % elementsPerPage(list);
+    if (within == 0 || list.increment > elementsPerPage(list) - within)
         return false;
     list.capacity += list.increment;
     return true;
-}
-
-bool rememberPage(VxList &list) noexcept
-{
-    if (list.pageLevel == 0)
-        return true;
-    Divisors &behind = divisorsOf(list);
-    auto within = static_cast<uint32_t>(list.count);
-    behind.lastPage = pageOf(list, within);
-    behind.lastFirst = behind.lastPage ? static_cast<uint32_t>(list.count) - within : Divisors::gone;
-    return behind.lastPage != nullptr;
 }
 
 void moveElements(VxList &list, int32_t from, int32_t to, int32_t n) noexcept

@@ -3,9 +3,11 @@
 // Where the elements of array and wrapped lists lie, and moving runs of them.
 //
 // Level 0 is one block. At level 1 `data` is a directory of pages, at level 2
-// a directory of directories. A directory has dirSlots pointers; `perPage` is
-// the elements of a page at level 1 and dirSlots at level 2, where `perPage2`
-// is the elements of a page.
+// a directory of directories, which stand in one block, side by side: one
+// table of all pages, so that finding one takes a step at either level. A
+// directory has dirSlots pointers; `perPage` is the elements of a page at
+// level 1 and dirSlots at level 2, where `perPage2` is the elements of a page.
+// The table has room for the pages of all slots; some may not be there.
 
 #include <bit>
 #include <cstdint>
@@ -26,91 +28,49 @@ inline int32_t runFrom(const VxList &list, int32_t index) noexcept
 }
 
 /**
- * Division of numbers below 2^31 by multiplication, several times as fast
- * (Granlund and Montgomery, Division by Invariant Integers using
- * Multiplication, 1994).
+ * Division of numbers below 2^31 by multiplication, several times as fast: the
+ * quotient is n * multiplier >> shift (Granlund and Montgomery, Division by
+ * Invariant Integers using Multiplication, 1994).
  */
-class Divisor {
-public:
+struct Divisor {
     explicit Divisor(int32_t divisor) noexcept
-        : divisor_(static_cast<uint32_t>(divisor)),
-          shift_(31 + static_cast<uint32_t>(std::bit_width(divisor_ - 1))),
-          multiplier_(((uint64_t{1} << shift_) + divisor_ - 1) / divisor_)
+        : shift(31 + static_cast<uint32_t>(std::bit_width(static_cast<uint32_t>(divisor) - 1))),
+          multiplier(((uint64_t{1} << shift) + static_cast<uint32_t>(divisor) - 1) /
+                     static_cast<uint32_t>(divisor))
     {
     }
 
-    /** The quotient; `n` becomes the remainder. */
-    uint32_t divide(uint32_t &n) const noexcept
-    {
-        auto quotient = static_cast<uint32_t>(n * multiplier_ >> shift_);
-        n -= quotient * divisor_;
-        return quotient;
-    }
-
-private:
-    uint32_t divisor_;
-    uint32_t shift_;
-    uint64_t multiplier_;
+    uint32_t shift;
+    uint64_t multiplier;
 };
 
-/** What stands behind the slots of the first directory. */
-struct Divisors {
-    Divisor elements; ///< of a page
-    Divisor slots;    ///< of a directory
-
-    /** The page where elements were appended, and its first index, so far from all others when it may be
-     * gone. */
-    static constexpr uint32_t gone = uint32_t{1} << 31;
-    void *lastPage = nullptr;
-    uint32_t lastFirst = gone;
-};
-
-inline Divisors &divisorsOf(const VxList &list) noexcept
+/** The page table of levels 1 and 2. */
+inline VxListPages &pagesOf(const VxList &list) noexcept
 {
-    return *reinterpret_cast<Divisors *>(static_cast<void **>(list.data) + list.dirSlots);
+    return static_cast<VxListPages *>(list.data)[-1];
 }
-
-/** The block or page of an index in 0..capacity-1, which becomes the place in it; null when it is not there.
- */
-inline void *pageOf(const VxList &list, uint32_t &index) noexcept
-{
-    if (list.pageLevel == 0)
-        return list.data;
-    const Divisors &divisors = divisorsOf(list);
-    auto directory = static_cast<void **>(list.data);
-    uint32_t page = divisors.elements.divide(index);
-    if (list.pageLevel == 2) {
-        directory = static_cast<void **>(directory[divisors.slots.divide(page)]);
-        if (!directory)
-            return nullptr;
-    }
-    return directory[page];
-}
-
-/** The slot behind the last element, of size T, when it is in the page of the last append or in the one
- * block. */
-template <typename T> inline T *nextSlot(const VxList &list) noexcept
-{
-    if (list.pageLevel == 0)
-        return static_cast<T *>(list.data) + list.count;
-    const Divisors &behind = divisorsOf(list);
-    uint32_t within = static_cast<uint32_t>(list.count) - behind.lastFirst;
-    return within < static_cast<uint32_t>(elementsPerPage(list)) ? static_cast<T *>(behind.lastPage) + within
-                                                                 : nullptr;
-}
-
-/** Let the page of the next append be found without a search; false when it is not there. */
-bool rememberPage(VxList &list) noexcept;
 
 /** The slot of an index in 0..capacity-1; null when its page is not there. */
 inline char *slotAt(const VxList &list, int32_t index) noexcept
 {
-    auto within = static_cast<uint32_t>(index);
-    auto start = static_cast<char *>(pageOf(list, within));
-    return start ? start + size_t{within} * elementBytes(list) : nullptr;
+    if (list.pageLevel != 0 && !pagesOf(list).pages[VxListPageOf(&pagesOf(list), index)])
+        return nullptr;
+    return static_cast<char *>(VxListAt(&list, index));
 }
 
-/** The same for any index; null for one outside. */
+/** The same in an array of elements of type T. */
+template <typename T> inline T *slotIn(const VxList &list, int32_t index) noexcept
+{
+    if (list.pageLevel == 0)
+        return static_cast<T *>(list.data) + index;
+    const VxListPages &table = pagesOf(list);
+    uint32_t page = VxListPageOf(&table, index);
+    auto start = static_cast<T *>(table.pages[page]);
+    return start ? start + (static_cast<uint32_t>(index) - page * static_cast<uint32_t>(table.perPage))
+                 : nullptr;
+}
+
+/** The same as slotAt() for any index; null for one outside. */
 inline void *slotInside(const VxList &list, int32_t index) noexcept
 {
     return static_cast<uint32_t>(index) < static_cast<uint32_t>(list.capacity) ? slotAt(list, index)

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "expr/ascii.h"
+#include "platform/ascii.h"
 
 namespace vx::expr {
 

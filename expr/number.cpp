@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "expr/ascii.h"
+#include "platform/ascii.h"
 #include "expr/tree.h"
 #include "platform/os/os.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "expr/ascii.h"
+#include "platform/ascii.h"
 #include "vx/debug.h"
 #include "vx/str.h"
 

@@ -30,8 +30,7 @@ class Delimiters {
 public:
     Delimiters(const text::CodePage &page, bool commas) noexcept : page_(page), commas_(commas) {}
 
-    /** Bytes of the delimiter at `p`, 0 when there is none; the text goes on to a terminator or to ',' or
-     * ')'. */
+    /** Bytes of the delimiter at `p`, 0 when there is none; the text goes on to its end, ',' or ')'. */
     int at(const char *p) const noexcept;
 
 private:

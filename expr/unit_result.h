@@ -6,8 +6,7 @@
 
 namespace vx::expr {
 
-/** The record that asks for a result in the unit; false for a name that is no unit. Null and "" ask for none.
- */
+/** The record that asks for a result in the unit; false for no unit's name. Null and "" ask for none. */
 bool expectedIn(const char *unitName, VxDimNum &expected) noexcept;
 
 /** Evaluate a tree and give the result in a unit. */

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/ascii.h"
 #include "text/codepage.h"
 #include "vx/err.h"
 #include "vx/path.h"
@@ -46,8 +47,7 @@ bool endsInSeparator(const char *path) noexcept
 
 bool hasDrive(const char *path) noexcept
 {
-    char letter = path[0];
-    return ((letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z')) && path[1] == ':';
+    return ascii::isLetter(path[0]) && path[1] == ':';
 }
 
 bool join(char *out, size_t size, std::initializer_list<std::string_view> parts) noexcept

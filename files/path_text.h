@@ -36,8 +36,7 @@ bool endsInSeparator(const char *path) noexcept;
 /** "D:" at the front of a path. */
 bool hasDrive(const char *path) noexcept;
 
-/** Write the parts one behind the other; when they do not fit, `out` becomes empty and the result is false.
- */
+/** Write the parts one behind the other; false and an empty `out` when they do not fit. */
 bool join(char *out, size_t size, std::initializer_list<std::string_view> parts) noexcept;
 
 }

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "platform/ascii.h"
 #include "text/codepage.h"
-#include "text/str_case.h"
 #include "vx/lang.h"
 
 namespace vx::frame {
@@ -41,7 +41,7 @@ bool beginsWithTag(std::string_view line, std::string_view tag) noexcept
 {
     return !tag.empty() && line.size() >= tag.size() &&
            std::equal(tag.begin(), tag.end(), line.begin(),
-                      [](char a, char b) { return text::lowerAscii(a) == text::lowerAscii(b); });
+                      [](char a, char b) { return ascii::lower(a) == ascii::lower(b); });
 }
 
 bool parseAlertLine(std::string_view line, std::string_view tag, AlertEntry &entry) noexcept

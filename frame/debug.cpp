@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstring>
 
+#include "platform/ascii.h"
 #include "platform/os/os.h"
 #include "text/codepage.h"
 #include "vx/config.h"
@@ -57,8 +58,7 @@ int32_t number(const char *key)
 
 bool isNameCharacter(char c)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-           (c && std::strchr("._-+", c));
+    return ascii::isLetter(c) || ascii::isDigit(c) || (c && std::strchr("._-+", c));
 }
 
 /** Where a channel's trace goes: a stream's name, or a file's and how it is opened. */

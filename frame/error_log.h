@@ -46,7 +46,7 @@ struct ErrorCounters {
     void clear() noexcept { errors = warnings = others = 0; }
 };
 
-/** The error that a thread logged last. Within its second it needs no look at the filter: that has this time. */
+/** The error that a thread logged last. Within its second the filter need not be looked at. */
 struct LatestError {
     uint64_t pair;
     int64_t second = INT64_MIN;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "heap/allocate.h"
+#include "heap/spare_chunks.h"
 #include "heap/heap_state.h"
 #include "platform/os/fault.h"
 #include "platform/os/os.h"
@@ -125,6 +126,7 @@ uint32_t VxMemExit(void)
 
 uint32_t VxMemEmerFree(void)
 {
+    heap::freeSpareChunks();
     std::free(heap::state().reserve.exchange(nullptr));
     return VgEmergency ? VgEmergency(0) : 0;
 }

@@ -256,8 +256,10 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 {
     if (!usage || !isArea(index))
         return 1;
-    mergeWaiting();
-    const AreaState &area = stateOf(index);
+    settleWaiting();
+    AreaState &area = stateOf(index);
+    if (keepsAny(area))
+        mergeFree(area);
     *usage = {"", area.requests, area.frees, area.bytes, area.peakBytes, area.grossBytes, 0, 0};
     VxStrCpy(usage->name, area.name, sizeof usage->name);
     for (uint32_t number = area.chunks; number; number = chunkAt(number).next) {
@@ -269,8 +271,13 @@ uint32_t VxHpAreaUsage(int32_t index, VxHsmUsage *usage)
 
 void VxHpStatistics(int32_t on)
 {
-    mergeWaiting();
-    manager().statistics = on != 0;
+    settleWaiting();
+    mergeEverything();
+    StorageManager &all = manager();
+    all.statistics = on != 0;
+    all.lastPool = noBlock();
+    for (auto &area : all.areas)
+        setMergeBelow(*area, mergeBelowFor(*area));
 }
 
 namespace VX {

@@ -127,19 +127,20 @@ void openArea(int32_t index, const char *name, int32_t chunkSize, bool tracked)
     entry.inUse = 1;
     AreaState &state = stateOf(index);
     state.trackingBytes = tracked ? VgTransientTrailerSize : 0;
+    setMergeBelow(state, mergeBelowFor(state));
     std::snprintf(state.name, sizeof state.name, "%s", name);
 }
 
 void closeArea(int32_t index)
 {
-    mergeWaiting();
+    settleWaiting();
     for (uint32_t number = stateOf(index).chunks; number;) {
         uint32_t next = chunkAt(number).next;
         giveChunk(number);
         number = next;
     }
     clearArea(index);
-    manager().lastPool = nullptr;
+    manager().lastPool = noBlock();
 }
 
 void dropChunk(const Chunk &chunk)
@@ -151,22 +152,27 @@ void dropChunk(const Chunk &chunk)
     else
         chunk.area->chunks = chunk.next;
     --chunk.area->chunkCount;
+    setMergeBelow(*chunk.area, chunk.area->mergeBelow);
     giveChunk(chunk.number);
-    manager().lastPool = nullptr;
+    manager().lastPool = noBlock();
 }
 
 Link addChunk(AreaState &area, int64_t gross)
 {
     uint32_t number = 0;
     int64_t wanted = std::max<int64_t>(gross, entryOf(area.index).chunkSize[1] - 2 * wordBytes);
-    if (takeChunk(wanted, area, number) != ChunkCode::done)
+    if (takeChunk(wanted, area, number) != ChunkCode::done) {
+        if (mergeEverything())
+            return nullLink;
         throw VX::VxException(__LINE__, "src\\heap\\VxOsAlloc");
+    }
     Chunk &chunk = chunkAt(number);
     chunk.next = area.chunks;
     if (area.chunks)
         chunkAt(area.chunks).previous = number;
     area.chunks = number;
     ++area.chunkCount;
+    setMergeBelow(area, area.live < manyBlocks ? area.mergeBelow : std::max(area.mergeBelow, area.live / 4));
     return linkOf(chunk, chunk.first);
 }
 

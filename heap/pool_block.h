@@ -62,10 +62,21 @@ constexpr int64_t maxRequest = INT32_MAX - 64;
 
 using Payload = std::byte *;
 
-/** Header, payload, padding and trailer for `size` bytes, which are 1 at least. */
+/** The payload with padding for `size` bytes, which are 1 at least, in units of 8 bytes and in bytes. */
+constexpr uint64_t unitsFor(uint64_t size)
+{
+    return (size + unitBytes - 1) / unitBytes;
+}
+
+constexpr int64_t payloadFor(int64_t size)
+{
+    return static_cast<int64_t>(unitsFor(static_cast<uint64_t>(size)) * unitBytes);
+}
+
+/** The same with header and trailer. */
 constexpr int64_t grossOf(int64_t size)
 {
-    return (size + tagBytes + unitBytes - 1) & ~int64_t{unitBytes - 1};
+    return payloadFor(size) + tagBytes;
 }
 static_assert(grossOf(1) == minGross && grossOf(8) == 16 && grossOf(9) == 24);
 
@@ -103,6 +114,36 @@ inline void setFree(Payload p, int32_t payload)
     setHeader(p, payload);
     setWord(p + payload, payload);
 }
+
+// A block may be kept for requests to come: neither in use nor free. Its header
+// says how large it is, its trailer is the area's tag as that of a block in use.
+
+constexpr int32_t largestKept = 4096 - tagBytes;
+
+constexpr int32_t keptHeader(int64_t payload)
+{
+    return static_cast<int32_t>(INT32_MIN + payload);
+}
+
+/** Payload bytes of a kept block, or 0 for another header: no block in use is that large. */
+constexpr int32_t keptPayload(int32_t header)
+{
+    return header <= keptHeader(largestKept) ? header - keptHeader(0) : 0;
+}
+
+/** A kept block begins with the address of another one of its size. */
+inline Payload nextKept(const std::byte *p)
+{
+    Payload next;
+    std::memcpy(&next, p, sizeof next);
+    return next;
+}
+
+inline void setNextKept(Payload p, Payload next)
+{
+    std::memcpy(p, &next, sizeof next);
+}
+static_assert(sizeof(Payload) <= minGross - tagBytes);
 
 /** The two links of a free block: to the next one of its list, and to the link that names this one. */
 struct FreeLinks {

@@ -2,17 +2,18 @@
 // each block stands in this file, so that the compiler sees it whole.
 //
 // With many blocks alive the time goes into cache misses, and into branches
-// that nobody can foretell: whether a neighbour is free. So a block merges
-// without asking, as an absent neighbour is a block of no bytes; and blocks of
-// large areas wait until there is a group of them, of which everything that
-// merging touches is fetched at once. Whoever looks at an area has them merged
-// first, and while misuse is reported none waits.
+// that nobody can foretell: whether a neighbour is free. So an area of many
+// blocks keeps a small one that is given back for the next request of its size.
+// Merging is left to a walk over the whole area (pool_merge.cpp), which looks at
+// each block once and in the order of addresses. New blocks are cut from a slab
+// of zeros, without a free block being split for each. Nothing of this changes
+// what an area of few blocks does, and misuse finds the same checks everywhere.
 
 #include <algorithm>
 #include <bit>
-#include <utility>
 
 #include "heap/pool_area.h"
+#include "heap/pool_lists.h"
 #include "vx/pool.h"
 
 namespace vx::heap {
@@ -23,64 +24,31 @@ constexpr int32_t persistentArea = 1;
 constexpr int32_t noArea = -2;
 constexpr int32_t notFound = -1;
 
-// An area of so many chunks does not fit near the processor.
-constexpr uint32_t manyChunks = 4;
-
 constexpr int32_t recordBytes = sizeof(VxHpPool);
+constexpr int32_t largestSmall = leastLarge - unitBytes; ///< payload bytes
 
 // How many blocks of the large list are looked at for one that fits exactly.
 constexpr int exactTries = 25;
 
-// Bytes zeroed at a time ahead of where an area carves: one call for many blocks.
-constexpr ptrdiff_t zeroAhead = 2048;
-
-/** Zero a small payload. Sizes vary, so as many words are written for each as for the usual ones' largest. */
-inline void zeroSmall(Payload p, int32_t payload)
+/** Zero from the byte `from` on: `to` says how many writes, those too many fall on the last 16 bytes. */
+template <ptrdiff_t from, ptrdiff_t to> inline void zeroPart(Payload p, ptrdiff_t payload)
 {
-    constexpr int32_t step = 16;
-    constexpr int32_t usual = 8 * step;
-    if (payload < step) {
-        setLinks(p, {});
-        return;
-    }
-    int32_t last = payload - step;
+    constexpr ptrdiff_t step = 16;
 #pragma GCC unroll 8
-    for (int32_t at = 0; at < usual; at += step)
-        std::memset(p + std::min(at, last), 0, step);
-    for (int32_t at = usual; at < payload; at += step)
-        std::memset(p + std::min(at, last), 0, step);
-}
-// ---------------------------------------------------------------- lists
-
-// A list's head begins with a link to its first block, as a free block does
-// with one to the next.
-
-inline Payload headOf(const AreaState &area, int32_t list)
-{
-    return area.heads + static_cast<uint32_t>(list) * sizeof(VxHsmHead);
-}
-static_assert(sizeof(VxHsmHead) == unitBytes);
-
-/** Make a free block of `payload` bytes at `p`, which `self` names, and put it at the front of its list. */
-inline void pushFree(AreaState &area, Link self, Payload p, int32_t payload)
-{
-    setFree(p, payload);
-    int32_t list = listOf(payload);
-    Payload head = headOf(area, list);
-    Link next = nextOf(head);
-    setNext(p, next);
-    setBack(p, area.headsLink + static_cast<Link>(list));
-    setBack(payloadOf(next), self);
-    setNext(head, self);
-    area.mayHave |= uint64_t{1} << list;
+    for (ptrdiff_t at = from; at < to; at += step)
+        std::memset(p + std::min(at, payload - step), 0, step);
 }
 
-inline void unlinkFree(Payload p)
+/** Zero a small payload. Sizes vary, and a branch for each 16 bytes would mostly be a guess. */
+inline void zeroSmall(Payload p, ptrdiff_t payload)
 {
-    Link next = nextOf(p);
-    Link back = backOf(p);
-    setBack(payloadOf(next), back);
-    setNext(payloadOf(back), next);
+    if (payload < 16)
+        return setLinks(p, {});
+    zeroPart<0, 64>(p, payload);
+    if (payload > 64)
+        zeroPart<64, 128>(p, payload);
+    if (payload > 128)
+        zeroPart<128, largestSmall>(p, payload);
 }
 
 /**
@@ -101,6 +69,7 @@ inline Payload firstOf(const AreaState &area, int32_t list, Link self)
 
 // ---------------------------------------------------------------- choosing a block
 
+/** A block with its trailer: only its header does not say yet that it is in use. */
 struct Chosen {
     Payload p = nullptr;
     Link self = nullLink;
@@ -121,59 +90,30 @@ inline Chosen takeFirst(AreaState &area, int32_t list, int32_t payload)
     int32_t gross = payload + tagBytes;
     if (int32_t rest = list * unitBytes - gross; rest > 0)
         pushFree(area, self + static_cast<uint32_t>(gross) / unitBytes, p + gross, rest);
+    setWord(p + payload, area.tag);
     return {p, self};
+}
+
+/**
+ * The exact lists that may have a block, from the payload's own on: bit 0 is
+ * that, bit 1 never set, as the remainder of a block one unit larger could not
+ * be a block.
+ */
+inline uint64_t fittingLists(const AreaState &area, int32_t payload)
+{
+    constexpr uint64_t exact = (uint64_t{1} << exactLists) - 1;
+    return (area.mayHave & exact) >> (static_cast<uint32_t>(payload) / unitBytes) & ~uint64_t{2};
 }
 
 inline Chosen fromExactLists(AreaState &area, int32_t payload)
 {
-    constexpr uint64_t exact = (uint64_t{1} << exactLists) - 1;
-    // Its own list or one from the next but one on: the remainder of a block
-    // one unit larger could not be a block.
-    uint32_t k = static_cast<uint32_t>(payload) / unitBytes;
-    while (uint64_t fits = (area.mayHave & exact) >> k & ~uint64_t{2}) {
-        auto list = static_cast<int32_t>(k) + std::countr_zero(fits);
+    while (uint64_t fits = fittingLists(area, payload)) {
+        int32_t list = payload / unitBytes + std::countr_zero(fits);
         if (Chosen chosen = takeFirst(area, list, payload); chosen.p) [[likely]]
             return chosen;
         area.mayHave &= ~(uint64_t{1} << list);
     }
     return {};
-}
-
-/** The front of the block that was carved from last, when it still is the first of the large list and is
- * zero. */
-inline Chosen carve(AreaState &area, int32_t payload)
-{
-    Carving &carving = area.carving;
-    Payload head = headOf(area, largeList);
-    Link self = nextOf(head);
-    Payload p = carving.p;
-    int32_t gross = payload + tagBytes;
-    int32_t rest = carving.payload - gross;
-    Payload behind = p + gross;
-    if (self != carving.block || headerOf(p) != carving.payload || rest < leastLarge ||
-        behind + sizeof(FreeLinks) > carving.zeroTo)
-        return {};
-    FreeLinks links = linksOf(p);
-    Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
-    setLinks(p, {});
-    setFree(behind, rest);
-    setLinks(behind, links);
-    setBack(payloadOf(links.next), behindLink);
-    setNext(head, behindLink);
-    carving = {behindLink, rest, behind, carving.zeroTo};
-    return {p, self};
-}
-
-/** Zero some more of the block that was carved from last. */
-void zeroOn(Carving &carving, int32_t payload)
-{
-    if (!carving.block || headerOf(carving.p) != carving.payload)
-        return;
-    std::byte *from = carving.zeroTo;
-    std::byte *end = carving.p + carving.payload;
-    std::byte *needed = std::min(end, carving.p + payload + tagBytes + sizeof(FreeLinks));
-    carving.zeroTo = end - from > zeroAhead ? std::max(needed, from + zeroAhead) : end;
-    std::memset(from, 0, static_cast<size_t>(carving.zeroTo - from));
 }
 
 bool isFreeBlock(const AreaState &area, const std::byte *p)
@@ -212,70 +152,145 @@ Link searchLargeList(const AreaState &area, int32_t payload)
     return fit;
 }
 
+/** Use the front of a block of the large list, zeroed, and the rest as a free block. */
+Payload splitLarge(AreaState &area, Link self, int32_t payload)
+{
+    Payload p = payloadOf(self);
+    int32_t gross = payload + tagBytes;
+    int32_t rest = headerOf(p) - gross;
+    unlinkFree(p);
+    if (rest > 0)
+        pushFree(area, self + static_cast<uint32_t>(gross) / unitBytes, p + gross, rest);
+    std::memset(p, 0, static_cast<size_t>(payload));
+    setWord(p + payload, area.tag);
+    return p;
+}
+
+/** A zeroed block that is kept for a request of its size, or null. */
+inline Payload takeKept(AreaState &area, size_t units)
+{
+    auto payload = static_cast<ptrdiff_t>(units * unitBytes);
+    Payload &kept = area.kept[units];
+    Payload p = kept;
+    if (headerOf(p) != keptHeader(payload))
+        return nullptr; // there is none, or somebody has written over it
+    kept = nextKept(p);
+    zeroSmall(p, payload);
+    return p;
+}
+
+/** A zeroed small block from the front of the slab, or null. What fits on a list goes first. */
+inline Payload cutSlab(AreaState &area, int32_t payload)
+{
+    Payload p = area.slab;
+    int32_t rest = area.slabPayload - payload - tagBytes;
+    if (rest < unitBytes || fittingLists(area, payload) || headerOf(p) != keptHeader(area.slabPayload))
+        return nullptr;
+    area.slab = p + payload + tagBytes;
+    area.slabPayload = rest;
+    ++area.blocks;
+    setHeader(area.slab, keptHeader(rest));
+    setWord(p + payload, area.tag);
+    return p;
+}
+
+inline void keep(AreaState &area, Payload p, size_t units)
+{
+    setHeader(p, keptHeader(static_cast<ptrdiff_t>(units * unitBytes)));
+    setNextKept(p, area.kept[units]);
+    area.kept[units] = p;
+}
+
+/** Have a new slab when the old one is too small; what is left of that is kept. False without room for it. */
+bool renewSlab(AreaState &area)
+{
+    Link self = searchLargeList(area, largestKept);
+    if (!self)
+        return false;
+    if (area.slabPayload && headerOf(area.slab) != keptHeader(area.slabPayload)) {
+        complain(&area, "a free block is overwritten", area.slab);
+    } else if (area.slabPayload) {
+        keep(area, area.slab, static_cast<size_t>(area.slabPayload) / unitBytes);
+        ++area.blocks;
+    }
+    area.slab = splitLarge(area, self, largestKept);
+    area.slabPayload = largestKept;
+    setHeader(area.slab, keptHeader(largestKept));
+    return true;
+}
+
 Chosen choose(AreaState &area, int32_t payload);
 
 /** @throw VX::VxException without a chunk */
 Chosen fromLargeList(AreaState &area, int32_t payload)
 {
     Link self = searchLargeList(area, payload);
-    int32_t gross = payload + tagBytes;
     if (!self && manager().waiting.count) {
-        mergeWaiting(); // there may be room yet
+        settleWaiting();
+        return choose(area, payload);
+    }
+    if (!self && isWorthMerging(area)) {
+        mergeFree(area); // there may be room yet
         return choose(area, payload);
     }
     if (!self) {
         // Room for this block and for a smallest one behind it.
-        self = addChunk(area, int64_t{gross} + minGross);
+        self = addChunk(area, int64_t{payload} + tagBytes + minGross);
+        if (!self)
+            return choose(area, payload);
         Payload p = payloadOf(self);
         pushFree(area, self, p, headerOf(p));
     }
-    Payload p = payloadOf(self);
-    int32_t rest = headerOf(p) - gross;
-    unlinkFree(p);
-    area.carving = {};
-    if (rest > 0) {
-        Payload behind = p + gross;
-        Link behindLink = self + static_cast<uint32_t>(gross) / unitBytes;
-        pushFree(area, behindLink, behind, rest);
-        if (rest >= leastLarge)
-            area.carving = {behindLink, rest, behind, behind + sizeof(FreeLinks)};
-    }
-    std::memset(p, 0, static_cast<size_t>(payload));
-    return {p, self};
-}
-
-/** A zeroed small block that needs neither a call nor a search. */
-inline Chosen chooseSmall(AreaState &area, int32_t payload)
-{
-    Chosen chosen = fromExactLists(area, payload);
-    if (!chosen.p)
-        return carve(area, payload);
-    zeroSmall(chosen.p, payload);
-    return chosen;
+    ++area.blocks;
+    return {splitLarge(area, self, payload), self};
 }
 
 Chosen choose(AreaState &area, int32_t payload)
 {
     if (payload < leastLarge) {
-        zeroOn(area.carving, payload);
-        if (Chosen chosen = chooseSmall(area, payload); chosen.p)
+        // Areas that need links keep nothing.
+        if (Payload p = takeKept(area, static_cast<size_t>(payload) / unitBytes))
+            return {p, nullLink};
+        if (Chosen chosen = fromExactLists(area, payload); chosen.p) {
+            zeroSmall(chosen.p, payload);
+            ++area.blocks;
             return chosen;
+        }
+        if (Payload p = cutSlab(area, payload))
+            return {p, nullLink};
+        if (area.live > area.mergeBelow && renewSlab(area))
+            return choose(area, payload);
     }
     return fromLargeList(area, payload);
 }
 
-inline Payload use(const AreaState &area, Payload p, int64_t size, int32_t payload)
+inline Payload enterUsed(AreaState &area, Payload p, int64_t size)
 {
+    ++area.live;
     setHeader(p, static_cast<int32_t>(-size));
-    setWord(p + payload, area.tag);
     return p;
+}
+
+/** A block that waits was free and given back once more: it is not to be taken from its new owner. */
+[[gnu::noinline, gnu::cold]] Payload forgetAndUse(AreaState &area, Payload p, int64_t size)
+{
+    manager().waiting.forget(p);
+    return enterUsed(area, p, size);
+}
+
+/** @return the block, in use */
+inline Payload use(AreaState &area, Payload p, int64_t size)
+{
+    if (isLarge(area) && manager().waiting.mayHave(p)) [[unlikely]]
+        return forgetAndUse(area, p, size);
+    return enterUsed(area, p, size);
 }
 
 Payload allocateIn(AreaState &area, int64_t size)
 {
-    auto payload = static_cast<int32_t>(grossOf(size + area.trackingBytes) - tagBytes);
+    auto payload = static_cast<int32_t>(payloadFor(size + area.trackingBytes));
     auto [p, self] = choose(area, payload);
-    use(area, p, size, payload);
+    use(area, p, size);
     if (manager().statistics || area.trackingBytes)
         enter(area, p, self, static_cast<int32_t>(size), payload);
     return p;
@@ -302,6 +317,14 @@ Payload allocateIn(AreaState &area, int64_t size)
     return block;
 }
 
+/** A small block from the pool of the last time, when none is kept. */
+[[gnu::noinline]] void *allocateUnkept(AreaState &area, int32_t size, int32_t payload)
+{
+    if (Payload p = cutSlab(area, payload)) [[likely]]
+        return use(area, p, size);
+    return allocateOrRefuse(&area, 1, size, "VxAlocHpMemPool");
+}
+
 uint32_t store(void *block, void **out)
 {
     *out = block;
@@ -315,11 +338,11 @@ BlockInUse inspectIn(const Chunk &chunk, const std::byte *p)
 {
     BlockInUse block{Found::damaged, chunk.area};
     int64_t header = headerOf(p);
-    if (header >= 0) {
+    if (header >= 0 || keptPayload(headerOf(p))) {
         block.found = header ? Found::freeBlock : Found::damaged;
         return block;
     }
-    int64_t payload = grossOf(-header + chunk.area->trackingBytes) - tagBytes;
+    int64_t payload = payloadFor(-header + chunk.area->trackingBytes);
     if (payload > chunk.first + chunk.span - p || wordAt(p + payload) != chunk.area->tag)
         return block;
     block.found = Found::block;
@@ -387,7 +410,41 @@ void leaveOut(const AreaState &area, Neighbour &damaged)
     damaged = {noBlock(), 0, 0};
 }
 
-/** Fetch a block's tags, and the tags of its neighbours, unless it is a long one. */
+/** Merge a block in use with its neighbours; a damaged one is left out. */
+void mergeNow(const Chunk &chunk, Payload p, int32_t payload)
+{
+    AreaState &area = *chunk.area;
+    Leaving block(chunk, p, payload);
+    if (!block.beforeIsSound())
+        leaveOut(area, block.before);
+    if (!block.afterIsSound())
+        leaveOut(area, block.after);
+    join(block);
+}
+
+/** Whatever may be the matter: no block, a large one, few blocks in the area, somebody counting. */
+[[gnu::noinline]] void giveBack(Payload p)
+{
+    if (!p)
+        return;
+    const Chunk *chunk = chunkOf(p);
+    BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
+    if (found.found != Found::block)
+        return complain(found.area,
+                        found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
+    AreaState &area = *found.area;
+    leave(area, p, found.size, found.payload);
+    bool fewLeft = --area.live < area.mergeBelow;
+    --area.blocks;
+    if (chunk->damaged)
+        pushFree(area, linkOf(*chunk, p), p, found.payload);
+    else
+        mergeNow(*chunk, p, found.payload);
+    if (fewLeft && keepsAny(area))
+        mergeFree(area);
+}
+
+/** Fetch a block's tags, unless it is a long one. */
 inline void fetchBlock(const std::byte *p)
 {
     constexpr ptrdiff_t cacheLine = 64;
@@ -395,72 +452,47 @@ inline void fetchBlock(const std::byte *p)
     __builtin_prefetch(p - tagBytes + cacheLine, 1);
 }
 
-/** Fetch what merging a block will write to. What is no block is found out later. */
-inline void fetchAround(Payload p)
+/** Keep a small block while more than `limit` are in use in its area; false when it is anything else. */
+inline bool keepSmall(Payload p, uint32_t AreaState::*limit)
 {
+    const Chunk &chunk = chunkNear(p);
+    if (!chunk.mayHaveSmall(p))
+        return false;
+    AreaState &area = *chunk.area;
+    if (area.live <= area.*limit)
+        return false; // and not looked at
+    auto size = -static_cast<uint32_t>(headerOf(p));
+    size_t units = unitsFor(size);
+    if (size - 1 >= uint32_t{largestSmall} || wordAt(p + units * unitBytes) != area.tag)
+        return false;
+    --area.live;
+    keep(area, p, units);
+    return true;
+}
+
+/** A block of a large area, or whatever else may be the matter. */
+[[gnu::noinline]] void giveBackLater(Payload p)
+{
+    StorageManager &all = manager();
     const Chunk *chunk = chunkOf(p);
-    if (!chunk || headerOf(p) >= 0)
-        return;
-    ptrdiff_t payload = grossOf(-int64_t{headerOf(p)}) - tagBytes;
-    if (payload > chunk->first + chunk->span - p)
-        return;
-    Leaving block(*chunk, p, payload);
-    for (const Neighbour &free : {block.before, block.after}) {
-        __builtin_prefetch(payloadOf(nextOf(free.p)), 1);
-        __builtin_prefetch(payloadOf(backOf(free.p)), 1);
-        __builtin_prefetch(free.p + free.payload, 1);
+    if (chunk && isLarge(*chunk->area) && !all.checking) {
+        fetchBlock(p);
+        all.waiting.add(p);
+        if (all.waiting.count == Waiting::room)
+            settleWaiting();
+    } else if (!keepSmall(p, &AreaState::mergeBelow)) {
+        giveBack(p);
     }
 }
 
-/** Whatever may be the matter: no block, a neighbour written over, somebody counting. */
-[[gnu::noinline]] void giveBack(Payload p)
-{
-    mergeWaiting();
-    const Chunk *chunk = chunkOf(p);
-    BlockInUse found = chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
-    if (found.found != Found::block)
-        return complain(found.area,
-                        found.found == Found::freeBlock ? "handed back twice" : "not a block in use", p);
-    leave(*found.area, p, found.size, found.payload);
-    Leaving block(*chunk, p, found.payload);
-    if (!block.beforeIsSound())
-        leaveOut(*found.area, block.before);
-    if (!block.afterIsSound())
-        leaveOut(*found.area, block.after);
-    join(block);
 }
 
-/** A block without anything that needs a word, like nearly all. */
-inline void mergeNow(const Chunk &chunk, Payload p)
-{
-    if (int32_t header = headerOf(p); header < 0) [[likely]] {
-        ptrdiff_t payload = grossOf(-int64_t{header}) - tagBytes;
-        const AreaState &area = *chunk.area;
-        if (payload <= chunk.first + chunk.span - p && wordAt(p + payload) == area.tag && !area.trackingBytes)
-            [[likely]] {
-            Leaving leaving(chunk, p, payload);
-            if (leaving.beforeIsSound() && leaving.afterIsSound()) [[likely]]
-                return join(leaving);
-        }
-    }
-    giveBack(p);
-}
-
-}
-
-void mergeWaiting()
+void settleWaiting()
 {
     Waiting &waiting = manager().waiting;
-    uint32_t count = std::exchange(waiting.count, 0u);
-    for (uint32_t i = 0; i < count; ++i)
-        fetchAround(waiting.blocks[i]);
-    for (uint32_t i = 0; i < count; ++i) {
-        Payload p = waiting.blocks[i];
-        if (const Chunk *chunk = chunkOf(p))
-            mergeNow(*chunk, p);
-        else
+    while (waiting.count)
+        if (Payload p = waiting.takeLast(); !keepSmall(p, &AreaState::mergeBelow))
             giveBack(p);
-    }
 }
 
 Payload allocate(int32_t area, int64_t size)
@@ -470,7 +502,7 @@ Payload allocate(int32_t area, int64_t size)
 
 BlockInUse inspect(const std::byte *p)
 {
-    mergeWaiting();
+    settleWaiting();
     const Chunk *chunk = chunkOf(p);
     return chunk ? inspectIn(*chunk, p) : BlockInUse{Found::notOurs};
 }
@@ -483,8 +515,10 @@ AreaState *areaOfPool(const void *pool)
     if (block.found != Found::block || block.size != recordBytes || block.area->index <= persistentArea ||
         record->area != block.area->index)
         return nullptr;
-    manager().lastPool = pool;
-    manager().lastPoolArea = block.area;
+    if (!manager().statistics) {
+        manager().lastPool = pool;
+        manager().lastPoolArea = block.area;
+    }
     return block.area;
 }
 
@@ -504,13 +538,15 @@ void *VxAlocHpMemPool(void *pool, int32_t count, int32_t size)
 {
     // A small block of the same pool as last time, while nobody counts.
     const StorageManager &all = manager();
-    int64_t bytes = int64_t{count} * size;
-    if (pool && pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes &&
-        !all.statistics && (count | size) >= 0 && bytes > 0 && bytes <= leastLarge - unitBytes) [[likely]] {
+    uint64_t bytes = uint64_t{static_cast<uint32_t>(count)} * static_cast<uint32_t>(size);
+    if (pool == all.lastPool && headerOf(static_cast<Payload>(pool)) == -recordBytes &&
+        bytes - 1 < uint64_t{largestSmall}) [[likely]] {
         AreaState &area = *all.lastPoolArea;
-        auto payload = static_cast<int32_t>(grossOf(bytes) - tagBytes);
-        if (Payload p = chooseSmall(area, payload).p) [[likely]]
-            return use(area, p, bytes, payload);
+        auto small = static_cast<int32_t>(bytes);
+        size_t units = unitsFor(bytes);
+        auto payload = static_cast<int32_t>(units * unitBytes);
+        Payload p = takeKept(area, units);
+        return p ? use(area, p, small) : allocateUnkept(area, small, payload);
     }
     return allocateFrom(pool, count, size);
 }
@@ -536,20 +572,7 @@ uint32_t VxAlocSameMPool(const void *neighbour, int32_t count, int32_t size, voi
 
 void VxDeleteMemObj(void *block)
 {
-    if (!block)
-        return;
     auto p = static_cast<Payload>(block);
-    StorageManager &all = manager();
-    const Chunk *chunk = chunkOf(p);
-    if (!chunk || all.statistics) [[unlikely]]
-        return giveBack(p);
-    if (chunk->area->chunkCount < manyChunks || all.checking) {
-        if (all.waiting.count) [[unlikely]]
-            mergeWaiting();
-        return mergeNow(*chunk, p);
-    }
-    fetchBlock(p);
-    all.waiting.blocks[all.waiting.count++] = p;
-    if (all.waiting.count == Waiting::room)
-        mergeWaiting();
+    if (!keepSmall(p, &AreaState::keepAbove)) [[unlikely]]
+        giveBackLater(p);
 }

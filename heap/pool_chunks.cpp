@@ -56,10 +56,10 @@ void setPlaces(Chunk &chunk, bool entered)
     uint64_t first = mebibyteOf(chunk.base());
     uint64_t last = mebibyteOf(chunk.lastWord());
     Chunk *found = entered ? &chunk : &noChunk;
-    placeOf(first).above = found;
+    placeOf(first).chunks[1] = found;
     placeOf(first).split = entered ? reinterpret_cast<uintptr_t>(chunk.base()) : UINTPTR_MAX;
     for (uint64_t m = first + 1; m <= last; ++m)
-        placeOf(m).below = found;
+        placeOf(m).chunks[0] = found;
 }
 
 void setPages(const Chunk &chunk, std::byte *base)
@@ -138,6 +138,7 @@ ChunkCode take(int64_t size, uint32_t &number)
     Chunk &chunk = chunkAt(number);
     chunk.first = base + 2 * wordBytes;
     chunk.span = size - Chunk::outsideBytes;
+    chunk.smallSpan = static_cast<size_t>(chunk.span - leastLarge);
     chunk.number = number;
     chunk.firstLink = number * unitsPerPage + 1;
     setPages(chunk, base);
@@ -187,6 +188,7 @@ ChunkCode takeChunk(int64_t gross, AreaState &area, uint32_t &number)
     }
     Chunk &chunk = chunkAt(number);
     chunk.area = &area;
+    chunk.damaged = false;
     setPlaces(chunk, true);
     format(chunk);
     return ChunkCode::done;

@@ -20,11 +20,13 @@ struct AreaState;
  */
 struct alignas(64) Chunk {
     Payload first = nullptr;   ///< where the first block's payload is; null for a descriptor not in use
+    size_t smallSpan = 0;      ///< bytes from there on at which a small block may begin
     ptrdiff_t span = 0;        ///< bytes of the payload that a block from guard to guard has
     AreaState *area = nullptr; ///< null while nobody has it
     uint32_t number = 0;
     Link firstLink = nullLink;       ///< names `first`
     uint32_t next = 0, previous = 0; ///< of the same area; 0 ends
+    bool damaged = false;            ///< a tag was found overwritten: blocks are no longer merged
 
     int64_t size() const { return span + outsideBytes; }
     std::byte *base() const { return first - 2 * wordBytes; }
@@ -34,6 +36,13 @@ struct alignas(64) Chunk {
     {
         uintptr_t place = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(first);
         return place < static_cast<uintptr_t>(span) && place % unitBytes == 0;
+    }
+
+    /** The same for a small one, which ends in the chunk whatever its header says. */
+    bool mayHaveSmall(const std::byte *p) const
+    {
+        uintptr_t place = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(first);
+        return place < smallSpan && place % unitBytes == 0;
     }
 
     static constexpr int64_t outsideBytes = 2 * wordBytes + tagBytes; ///< guards and tags
@@ -80,8 +89,9 @@ extern constinit Chunk noChunk;
 /** The chunks that reach into one mebibyte of addresses. */
 struct Place {
     uintptr_t split = UINTPTR_MAX; ///< where the second begins
-    Chunk *below = &noChunk;       ///< reaches in from below, or covers it
-    Chunk *above = &noChunk;       ///< begins in it
+    // The one that reaches in from below, or covers it, and the one that begins
+    // in it. Picked by number, as a branch would be a guess.
+    Chunk *chunks[2] = {&noChunk, &noChunk};
 };
 
 /** Two large tables of which only what is used takes memory, and little else. */
@@ -109,17 +119,24 @@ inline Chunk &chunkAt(uint32_t number)
     return (*detail::tables.chunks)[number];
 }
 
-/** The chunk that has `p` where a block may be, or null. Any pointer may be asked about. */
-inline Chunk *chunkOf(const std::byte *p)
+/** The only chunk that may have `p`, or one that has nothing. Any pointer may be asked about. */
+inline Chunk &chunkNear(const std::byte *p)
 {
     using namespace detail;
     auto address = reinterpret_cast<uintptr_t>(p);
     uint64_t number = uint64_t{address} >> mebibyteBits;
-    if (number >> leafBits >= rootSize || !tables.places[number >> leafBits])
-        return nullptr;
-    const Place &place = tables.places[number >> leafBits][number & (leafSize - 1)];
-    Chunk *chunk = address < place.split ? place.below : place.above;
-    return chunk->mayHave(p) ? chunk : nullptr;
+    const Place *leaf = tables.places[number >> leafBits & (rootSize - 1)];
+    if (!leaf)
+        return noChunk;
+    const Place &place = leaf[number & (leafSize - 1)];
+    return *place.chunks[address >= place.split];
+}
+
+/** The chunk that has `p` where a block may be, or null. */
+inline Chunk *chunkOf(const std::byte *p)
+{
+    Chunk &chunk = chunkNear(p);
+    return chunk.mayHave(p) ? &chunk : nullptr;
 }
 
 /** The address that a link names. */
@@ -135,7 +152,7 @@ inline Link linkOf(const Chunk &chunk, const std::byte *p)
 }
 
 /** Stands for the neighbour that a block does not have: a free block of no bytes, on no list. */
-inline Payload noBlock()
+constexpr Payload noBlock()
 {
     return detail::nowhere + 3 * unitBytes;
 }

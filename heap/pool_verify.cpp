@@ -13,7 +13,7 @@ namespace {
 
 using FreeBlocks = std::unordered_set<const std::byte *>;
 
-const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
+const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free, uint32_t &live)
 {
     if (chunk.area != &stateOf(area))
         return "a chunk of another area";
@@ -33,11 +33,17 @@ const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
             if (wordAt(p + payload) != payload)
                 return "the trailer of a free block is overwritten";
             free.insert(p);
+        } else if (int32_t kept = keptPayload(headerOf(p))) {
+            payload = kept;
+            if (kept % unitBytes != 0 || kept > end - p - tagBytes || wordAt(p + kept) != stateOf(area).tag)
+                return "a tag of a kept block is overwritten";
+            free.insert(p);
         } else {
             BlockInUse block = inspect(p);
             if (block.found != Found::block)
                 return "a header or trailer is overwritten";
             payload = block.payload;
+            ++live;
         }
         previousIsFree = headerOf(p) > 0;
         p += payload + tagBytes;
@@ -45,13 +51,21 @@ const char *verifyChunk(int32_t area, const Chunk &chunk, FreeBlocks &free)
     return nullptr;
 }
 
-bool isZeroAhead(const Carving &carving)
+const char *verifyKept(const AreaState &state, FreeBlocks &free)
 {
-    const std::byte *p = payloadOf(carving.block);
-    if (headerOf(p) != carving.payload)
-        return true; // it is not carved from any more
-    return std::all_of(p + sizeof(FreeLinks), static_cast<const std::byte *>(carving.zeroTo),
-                       [](std::byte b) { return b == std::byte{0}; });
+    uint32_t count = 0;
+    if (state.slabPayload) {
+        const std::byte *slab = state.slab;
+        if (free.erase(slab) == 0 || headerOf(slab) != keptHeader(state.slabPayload))
+            return "the slab is no kept block";
+        if (!std::all_of(slab, slab + state.slabPayload, [](std::byte b) { return b == std::byte{0}; }))
+            return "the slab is not zero";
+    }
+    for (int32_t k = 0; k <= exactLists; ++k)
+        for (const std::byte *p = state.kept[k]; p != noBlock(); p = nextKept(p), ++count)
+            if (free.erase(p) == 0 || headerOf(p) != keptHeader(k * unitBytes))
+                return "what is kept is no kept block of its size";
+    return count == keptCount(state) ? nullptr : "the count of kept blocks is wrong";
 }
 
 const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
@@ -61,8 +75,6 @@ const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
     const AreaState &state = stateOf(area);
     if (link && !(state.mayHave >> list & 1))
         return "the map of lists misses one";
-    if (link && link == state.carving.block && !isZeroAhead(state.carving))
-        return "a block that is carved from is not zero where it should be";
     while (link) {
         const std::byte *p = payloadOf(link);
         if (free.erase(p) == 0)
@@ -81,11 +93,16 @@ const char *verifyList(int32_t area, int32_t list, FreeBlocks &free)
 
 const char *verifyArea(int32_t area)
 {
-    mergeWaiting();
+    settleWaiting();
+    uint32_t live = 0;
     FreeBlocks free;
     for (uint32_t number = stateOf(area).chunks; number; number = chunkAt(number).next)
-        if (const char *wrong = verifyChunk(area, chunkAt(number), free))
+        if (const char *wrong = verifyChunk(area, chunkAt(number), free, live))
             return wrong;
+    if (live != stateOf(area).live)
+        return "the count of blocks in use is wrong";
+    if (const char *wrong = verifyKept(stateOf(area), free))
+        return wrong;
     for (int32_t list = 0; list < listCount; ++list)
         if (const char *wrong = verifyList(area, list, free))
             return wrong;

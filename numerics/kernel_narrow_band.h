@@ -91,8 +91,7 @@ inline void computeHere(Vec &sum)
 #endif
 }
 
-/** Subtract from one or two vectors of each row what the rows above have there, `up` tiles above and below.
- */
+/** Subtract from one or two vectors of each row what the rows above have there, `up` tiles up and down. */
 template <int32_t blocks, int32_t block, int32_t up, size_t vectors>
 inline void subtractTilesAbove(const NarrowBand &f, Elements<vectors> (&sum)[bandRows])
 {

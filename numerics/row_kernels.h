@@ -109,8 +109,7 @@ struct RowKernels {
     void (*reflectRows)(const FourReflections &reflections, double *const *row, int32_t rows, int32_t first,
                         int32_t end);
 
-    /** Apply sweeps of rotations, one after the other, to rows of `columns` elements, a whole number of
-     * steps. */
+    /** Apply sweeps of rotations, one after the other, to rows of `columns` elements, whole steps. */
     void (*rotateRows)(double *const *row, int32_t columns, const RotationSweep *sweep, int32_t sweeps);
 };
 

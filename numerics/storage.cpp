@@ -93,8 +93,7 @@ template <typename Matrix> uint32_t print(const Matrix *m)
     return 0;
 }
 
-/** Whether no element differs from its mirror image; tile by tile, since one of the two walks down a column.
- */
+/** Whether no element differs from its mirror image; by tiles, since one of the two walks down columns. */
 bool isSymmetric(const VxGenMat &m, int32_t n) noexcept
 {
     constexpr int32_t tile = 32;

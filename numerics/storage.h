@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "heap/allocate.h"
+#include "heap/block.h"
 #include "vx/matrix.h"
 #include "vx/mem.h"
 
@@ -18,12 +19,7 @@ namespace vx::numerics {
 /** Elements and pivots below this magnitude count as zero. */
 constexpr double negligible = 1e-12;
 
-struct FreeBlock {
-    void operator()(void *block) const noexcept { VxMemFree(&block); }
-};
-
-/** Uninitialised storage of the toolkit's allocator. */
-template <typename T> using Block = std::unique_ptr<T, FreeBlock>;
+using heap::Block;
 
 /** `count` elements, not set; null when they cannot be had. */
 template <typename T> Block<T> allocate(int64_t count)

@@ -162,8 +162,7 @@ private:
                          leftReflections_.row[column], sum_});
     }
 
-    /** Reflect column k onto its diagonal, as far as row k is concerned, and prepare it for the rows below.
-     */
+    /** Reflect column k onto its diagonal, as far as row k goes, and prepare it for the rows below. */
     void reduceColumn(int32_t k) noexcept
     {
         double *v = leftReflections_.row[k];

@@ -1,5 +1,6 @@
 #include "text/str_case.h"
 
+#include "platform/ascii.h"
 #include "text/unicode.h"
 
 namespace vx::text {
@@ -20,7 +21,7 @@ void mapChar(const CodePage &page, const char *p, int bytes, char32_t (*map)(cha
 void upperChar(const CodePage &page, const char *p, int bytes, char *out) noexcept
 {
     if (static_cast<uint8_t>(*p) < 0x80)
-        *out = upperAscii(*p);
+        *out = ascii::upper(*p);
     else
         mapChar(page, p, bytes, upperCase, out);
 }
@@ -28,7 +29,7 @@ void upperChar(const CodePage &page, const char *p, int bytes, char *out) noexce
 void lowerChar(const CodePage &page, const char *p, int bytes, char *out) noexcept
 {
     if (static_cast<uint8_t>(*p) < 0x80)
-        *out = lowerAscii(*p);
+        *out = ascii::lower(*p);
     else
         mapChar(page, p, bytes, lowerCase, out);
 }

@@ -15,14 +15,4 @@ void upperChar(const CodePage &page, const char *p, int bytes, char *out) noexce
 /** The same in lower case. */
 void lowerChar(const CodePage &page, const char *p, int bytes, char *out) noexcept;
 
-inline char lowerAscii(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-inline char upperAscii(char c) noexcept
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/ascii.h"
+
 namespace vx::text {
 
 namespace {
@@ -58,7 +60,7 @@ bool inRun(char32_t c, char32_t first, const CaseRun &run) noexcept
 bool isLetter(char32_t c) noexcept
 {
     if (c < 0x80)
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        return ascii::isLetter(static_cast<char>(c));
     auto behind = std::upper_bound(std::begin(notLetters), std::end(notLetters), c,
                                    [](char32_t value, const Range &range) { return value < range.first; });
     return c <= 0x10FFFF && (behind == std::begin(notLetters) || c > std::prev(behind)->last) && !isDigit(c);

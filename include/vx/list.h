@@ -67,6 +67,15 @@ struct VxList {
     VxCmpFn compare;   /**< places elements in a tree, see VxBintreeIns */
 };
 
+/** How pages are found: right in front of what `data` points to in layout 2, page levels 1 and 2. */
+typedef struct VxListPages {
+    void **pages;        /**< all of them in order; null where a page is not there */
+    uint64_t multiplier; /**< a position times this, shifted down by `shift`, is its page */
+    uint32_t shift;
+    int32_t perPage; /**< elements of a page */
+    int32_t room;    /**< pages that there is room for */
+} VxListPages;
+
 /** A walk. */
 struct VxListIter {
     int32_t index;     /**< of the element given last: position or key */
@@ -171,6 +180,27 @@ VX_API uint32_t VxListGetPtr(VxList *list, int32_t index, void **ptr);
 
 /** VxListGetPtr for layouts 2 and 5; others fail. */
 VX_API uint32_t VxListArrayPtr(VxList *list, int32_t index, void **ptr);
+
+/** The number of the page with a position. */
+static inline uint32_t VxListPageOf(const VxListPages *table, int32_t position)
+{
+    return (uint32_t)((uint32_t)position * table->multiplier >> table->shift);
+}
+
+/**
+ * The address of an element of a list of layout 2 or 5, 0 <= position < count,
+ * which is not checked. It is compiled into the caller, for loops over many
+ * positions, where calls cost several times what they read.
+ */
+static inline void *VxListAt(const VxList *list, int32_t position)
+{
+    if (list->pageLevel == 0)
+        return (char *)list->data + (int64_t)position * list->elemSize;
+    const VxListPages *table = (const VxListPages *)list->data - 1;
+    uint32_t page = VxListPageOf(table, position);
+    uint32_t within = (uint32_t)position - page * (uint32_t)table->perPage;
+    return (char *)table->pages[page] + (size_t)within * (size_t)list->elemSize;
+}
 
 /** Copy an element out; not written after a failure. */
 VX_API uint32_t VxListGet(VxList *list, int32_t index, void *element);

@@ -15,6 +15,8 @@
  *             gives it back to the heap, so that the host has memory to save
  *             the user's work in; it is not taken again before the next
  *             VxMemInit. The refused request itself is not tried again.
+ * Kept        of what lists give back up to 2 MB is kept for the next ones; a
+ *             refused request and VxMemExit free it with the reserve.
  * Refusal     when the heap refuses a request of a function that reports:
  *             VxMemTracerLastMallocFailed if VgMemLeak is set, the reserve is
  *             given back if still there, VgEmergency(0) is called if set, and
@@ -89,7 +91,7 @@ VX_API uint32_t VxMemSmrtResize(int32_t size, void **block);
 /** Free a block, if there is one, and clear the pointer. Always 0. */
 VX_API uint32_t VxMemFree(void **block);
 
-/** A new block with a copy of `size` bytes; null after a failure: a null source, a size below 1, no memory. */
+/** A new block with a copy of `size` bytes; null for a null source, a size below 1, or want of memory. */
 VX_API uint32_t VxMemDup(int32_t size, const void *source, void **copy);
 
 /* ---------------------------------------------------------------- bytes and numbers */

@@ -27,10 +27,12 @@
  * Misuse       A block handed back twice, a foreign pointer and a block whose
  *              tags are overwritten are ignored, never followed. Debug builds
  *              tell the debugger's output of them, with the area's name.
- * Large areas  A block given back to an area of four chunks or more may merge
- *              with its neighbours a little later, in a group of 32: before a
- *              chunk is taken, and before any function here but those that
- *              allocate from a pool or give back looks at an area.
+ * Many blocks  An area with more than 256 blocks in use keeps small ones (256
+ *              bytes at most) that are given back for the next requests of
+ *              their size. They merge with their neighbours when nothing else
+ *              fits and an eighth as many are kept as are in use, before a
+ *              chunk is refused, when three quarters of the blocks are gone,
+ *              and before VxHpAreaUsage and VxHpStatistics look.
  * Limits       The environment variable BHSM_PSEUDO_VM_LIMIT, a number of
  *              bytes (decimal, 0x..., 0...) read at the start, caps what all
  *              areas hold together; 0 or unset is no cap. All areas together
@@ -66,7 +68,7 @@ typedef struct VxHsmArea {
     VxHsmHead heads[34];
     /** Names the area's chunks in the layer below. */
     uint32_t storage;
-    /** Reference size, peak and current bytes asked for, gross bytes, allocations, frees; while statistics are on. */
+    /** With statistics: reference size, peak and current bytes asked for, gross bytes, requests, frees. */
     int32_t statistics[6];
     int32_t index;
     /** What the area takes when it is full, in bytes: at its start and now. */
@@ -106,7 +108,7 @@ VX_API bool VxInitHeapStMgr(void);
 /** Whether the manager runs. */
 VX_API bool AskHeapStMgrStatus(void);
 
-/** Give every chunk of every area back and stop; every pool and block is gone. It may be started again. @return 0 */
+/** Give every chunk back and stop; every pool and block is gone. It may be started again. @return 0 */
 VX_API uint32_t VxExitHeapStMgr(void);
 
 /* ---------------------------------------------------------------- areas */
@@ -144,7 +146,7 @@ VX_API int32_t AskHeapSMemArea(const void *block);
 VX_API int32_t VxCreHpMemPool(int32_t kilobytes, const char *name, int32_t flags, const char *description,
                               void **pool);
 
-/** Free a pool and every block in it; when it is the current pool there is none any more. @return 1 for no pool */
+/** Free a pool and every block in it. If it is current, no pool is then. @return 1 for what is no pool */
 VX_API uint32_t VxFreeHpMemPool(void *pool);
 
 /** Make a pool the current one; null for none. @return 1 for what is no pool, and nothing changes */

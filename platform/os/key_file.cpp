@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/ascii.h"
+
 namespace vx::os {
 
 namespace {
@@ -52,21 +54,6 @@ std::string decode(std::string_view line)
 
 // ---------------------------------------------------------------- the file's lines
 
-char lower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool sameText(std::string_view a, std::string_view b) noexcept
-{
-    if (a.size() != b.size())
-        return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (lower(a[i]) != lower(b[i]))
-            return false;
-    return true;
-}
-
 /** Where a value stands in the file's text, or where it belongs. */
 struct Place {
     bool found = false;
@@ -95,10 +82,10 @@ Place locate(std::string_view text, std::string_view key, std::string_view name)
             line.remove_suffix(1);
         size_t equals = line.find('=');
         if (line.starts_with('[')) {
-            inKey = sameText(sectionOf(line), key);
+            inKey = ascii::sameIgnoringCase(sectionOf(line), key);
             place.keyFound |= inKey;
         } else if (inKey && !line.starts_with('#') && !line.starts_with(';') && equals != line.npos &&
-                   sameText(line.substr(0, equals), name)) {
+                   ascii::sameIgnoringCase(line.substr(0, equals), name)) {
             return {true, true, begin, next, line.substr(equals + 1)};
         }
         if (inKey && !line.empty())
@@ -141,11 +128,11 @@ bool findSubkey(std::string_view text, std::string_view key, size_t n, std::stri
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         std::string_view section = line.starts_with('[') ? sectionOf(line) : std::string_view();
         if (section.size() <= key.size() || section[key.size()] != '\\' ||
-            !sameText(section.substr(0, key.size()), key))
+            !ascii::sameIgnoringCase(section.substr(0, key.size()), key))
             continue;
         section.remove_prefix(key.size() + 1);
         std::string_view child = section.substr(0, section.find('\\'));
-        auto same = [&](std::string_view other) { return sameText(other, child); };
+        auto same = [&](std::string_view other) { return ascii::sameIgnoringCase(other, child); };
         if (std::none_of(found.begin(), found.end(), same))
             found.push_back(child);
     }

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/ascii.h"
 #include "platform/os/native_text.h"
 #include "text/codepage.h"
 
@@ -41,16 +42,6 @@ private:
     bool fits_;
 };
 
-bool isLetter(char c) noexcept
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-char upper(char c) noexcept
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 struct Drive {
     char letter;
     std::string_view folder; ///< without a final slash
@@ -64,12 +55,12 @@ template <typename Visit> void eachDrive(Visit visit) noexcept
     while (!rest.empty()) {
         std::string_view entry = rest.substr(0, rest.find(';'));
         rest.remove_prefix(entry.size() < rest.size() ? entry.size() + 1 : rest.size());
-        if (entry.size() < 3 || !isLetter(entry[0]) || entry[1] != '=')
+        if (entry.size() < 3 || !ascii::isLetter(entry[0]) || entry[1] != '=')
             continue;
         std::string_view folder = entry.substr(2);
         while (folder.size() > 1 && folder.back() == '/')
             folder.remove_suffix(1);
-        if (visit(Drive{upper(entry[0]), folder}))
+        if (visit(Drive{ascii::upper(entry[0]), folder}))
             return;
     }
 }
@@ -84,10 +75,10 @@ NativePath::NativePath(const char *path) noexcept : error_(Error::none)
         return;
     }
     Writer out(text_, sizeof text_);
-    if (isLetter(path[0]) && path[1] == ':') {
+    if (ascii::isLetter(path[0]) && path[1] == ':') {
         bool mapped = false;
         eachDrive([&](const Drive &drive) {
-            if (drive.letter != upper(path[0]))
+            if (drive.letter != ascii::upper(path[0]))
                 return false;
             mapped = true;
             out.put(drive.folder);
@@ -121,8 +112,9 @@ Error fromNative(const char *native, char *out, size_t size) noexcept
     std::string_view path = native;
     Drive best{'\0', {}};
     eachDrive([&](const Drive &drive) {
-        bool under = path.starts_with(drive.folder) &&
-                     (path.size() == drive.folder.size() || path[drive.folder.size()] == '/' || drive.folder == "/");
+        bool under =
+            path.starts_with(drive.folder) &&
+            (path.size() == drive.folder.size() || path[drive.folder.size()] == '/' || drive.folder == "/");
         if (under && drive.folder.size() > best.folder.size())
             best = drive;
         return false;

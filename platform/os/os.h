@@ -24,14 +24,14 @@ enum class Error : int32_t {
     notFound,
     accessDenied,
     exists,
-    busy,       ///< held by another opening that does not share
+    busy, ///< held by another opening that does not share
     nameTooLong,
     notDirectory,
     isDirectory,
     noSpace,
     noMemory,
     otherDevice, ///< two names that lie on two devices
-    invalid,    ///< an argument or a name that the system cannot express
+    invalid,     ///< an argument or a name that the system cannot express
     unsupported,
     other
 };
@@ -39,9 +39,9 @@ enum class Error : int32_t {
 // ---------------------------------------------------------------- time
 
 struct CalendarTime {
-    int32_t year;   ///< in full: 2026
-    int32_t month;  ///< 1 to 12
-    int32_t day;    ///< 1 to 31
+    int32_t year;  ///< in full: 2026
+    int32_t month; ///< 1 to 12
+    int32_t day;   ///< 1 to 31
     int32_t hour, minute, second;
     int32_t weekday; ///< 0 Sunday
 };
@@ -65,7 +65,7 @@ Error localTimeText(int64_t seconds, TimeForm form, char *out, size_t size) noex
 
 // ---------------------------------------------------------------- texts of the system
 
-/** What errno `code` means, or null when the system has no text for it. Valid until this thread's next call. */
+/** What errno `code` means, or null where the system has no text. Valid until this thread's next call. */
 const char *errorText(int32_t code) noexcept;
 
 /** Codes 0 to this number less one have texts. */
@@ -473,11 +473,11 @@ Error eachProcess(bool (*visit)(void *context, uint32_t id, const char *program)
 // ---------------------------------------------------------------- the system and its user
 
 struct SystemDescription {
-    bool windows;           ///< what of the fields below stands for
-    char name[256];         ///< not Windows: the distribution and the kernel, in the process code page
-    int32_t version[3];     ///< Windows' or the kernel's: major, minor, build
-    bool server;            ///< Windows: a server edition
-    uint32_t productType;   ///< Windows: what GetProductInfo tells, else 0
+    bool windows;         ///< what of the fields below stands for
+    char name[256];       ///< not Windows: the distribution and the kernel, in the process code page
+    int32_t version[3];   ///< Windows' or the kernel's: major, minor, build
+    bool server;          ///< Windows: a server edition
+    uint32_t productType; ///< Windows: what GetProductInfo tells, else 0
     bool has64Bits;
 };
 Error describeSystem(SystemDescription &out) noexcept;

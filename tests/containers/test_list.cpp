@@ -70,6 +70,27 @@ TEST_F(List, OfAllIntegersIsWalkedInOrderAtOnce)
     EXPECT_EQ(index, -1);
 }
 
+TEST_F(List, OfKeysKeepsElementsOfAnySize)
+{
+    for (int32_t size : {1, 3, 4, 5, 48, 70'000}) {
+        VxList *list = nullptr;
+        ASSERT_EQ(VxListMk(keyed, size, 0, 1, nullptr, &list), 0u);
+        std::vector<char> element(static_cast<size_t>(size));
+        for (int32_t key = 0; key < 100; ++key) {
+            std::fill(element.begin(), element.end(), static_cast<char>(key));
+            EXPECT_EQ(VxListSet(list, key * 17, element.data()), 0u);
+        }
+        VxListIter iter;
+        VxListItrInit2(list, 0, &iter);
+        for (char key = 0; key < 100; ++key) {
+            ASSERT_EQ(VxListItr(&iter, element.data()), 0);
+            EXPECT_EQ(iter.index, key * 17) << "size " << size;
+            EXPECT_EQ(std::count(element.begin(), element.end(), key), size);
+        }
+        VxListDel(&list);
+    }
+}
+
 // The visits are those of a walk that steps by one key and skips the absent,
 // up to the bound that stood when it began.
 TEST_F(List, KeysThatComeAndGoDuringAWalkAreVisitedAsIfSteppedByOne)

@@ -75,6 +75,10 @@ void expectSame(const Pair &pair)
         Value value{};
         ASSERT_EQ(VxListGet(list, item.key, &value), 0u);
         ASSERT_EQ(value, item.value) << "at " << item.key;
+        void *stored = nullptr;
+        if (VxListArrayPtr(list, item.key, &stored) == 0) {
+            ASSERT_EQ(VxListAt(list, item.key), stored) << "at " << item.key;
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "heap/spare_chunks.h"
 #include "heap/heap_state.h"
 #include "platform/os/os.h"
 #include "tests/support/error_log.h"
@@ -282,6 +283,51 @@ TEST_F(Memory, ThreadsThatRunOutTogetherGiveTheReserveBackOnce)
         thread.join();
     EXPECT_EQ(hooks, 200);
     EXPECT_EQ(heap::state().reserve, nullptr);
+}
+
+TEST_F(Memory, ChunksGivenBackAreKeptUpToABoundAndUntilMemoryEnds)
+{
+    constexpr int32_t bound = 32;
+    std::vector<void *> chunks;
+    for (int32_t i = 0; i < bound + 8; ++i) {
+        chunks.push_back(heap::takeSpareChunk());
+        ASSERT_NE(chunks.back(), nullptr);
+        std::memset(chunks.back(), 0xAA, heap::spareChunkBytes);
+    }
+    for (void *chunk : chunks)
+        heap::giveBackSpareChunk(chunk);
+    EXPECT_EQ(heap::state().spare.count, bound);
+
+    fault::refuse(fault::Kind::allocation, 1);
+    void *kept = heap::takeSpareChunk();
+    EXPECT_EQ(fault::calls(fault::Kind::allocation), 0) << "a kept chunk needs no allocation";
+    EXPECT_EQ(kept, chunks[bound - 1]);
+    void *block = nullptr;
+    EXPECT_EQ(VxMemAlloc(64, &block), 1u);
+    fault::refuse(fault::Kind::allocation, 0);
+    EXPECT_EQ(heap::state().spare.count, 0);
+    heap::giveBackSpareChunk(kept);
+    EXPECT_EQ(heap::state().spare.count, 1);
+}
+
+TEST_F(Memory, ThreadsShareChunks)
+{
+    std::vector<std::thread> threads;
+    for (unsigned char mark = 1; mark <= 4; ++mark)
+        threads.emplace_back([mark] {
+            for (int round = 0; round < 200; ++round) {
+                auto chunk = static_cast<unsigned char *>(heap::takeSpareChunk());
+                std::memset(chunk, mark, heap::spareChunkBytes);
+                if (round % 50 == 0)
+                    heap::freeSpareChunks();
+                EXPECT_EQ(chunk[0], mark);
+                EXPECT_EQ(std::memcmp(chunk, chunk + 1, heap::spareChunkBytes - 1), 0) << "nobody else has it";
+                heap::giveBackSpareChunk(chunk);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_LE(heap::state().spare.count, 4);
 }
 
 }

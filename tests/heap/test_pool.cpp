@@ -100,20 +100,22 @@ TEST_F(Pools, NeighboursMergeAndAFreeChunkGoesBack)
     EXPECT_LE(chunkBytesHeld(), 3 * mebibyte) << "the pool's, the persistent area's, one spare";
 }
 
-/** How a random run goes: many small pools while everything is watched, or few large ones at full speed. */
+/** How a random run goes: many small pools while everything is watched, or few at full speed. */
 struct Course {
     unsigned seed;
     bool watched;
     size_t pools;
     size_t largest; ///< bytes of one block in twenty
     size_t freesOf1000;
+    bool someWait; ///< a pool grows large
 };
 
 class RandomRun : public Pools, public testing::WithParamInterface<Course> {};
 
 INSTANTIATE_TEST_SUITE_P(Runs, RandomRun,
-                         testing::Values(Course{20261121, true, 200, 40'000, 440},
-                                         Course{7, false, 2, 20'000, 330}));
+                         testing::Values(Course{20261121, true, 200, 40'000, 440, false},
+                                         Course{7, false, 2, 20'000, 330, true},
+                                         Course{8, false, 3, 1'000, 480, false}));
 
 TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
 {
@@ -130,7 +132,7 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
     };
     std::map<void *, Live> live;
     std::vector<void *> pools;
-    bool someWaited = false;
+    bool someWaited = false, someKept = false;
 
     auto check = [](void *block, const Live &entry) {
         auto bytes = static_cast<unsigned char *>(block);
@@ -171,6 +173,7 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
             live.erase(entry);
         }
         someWaited |= manager().waiting.count > 0;
+        someKept |= !pools.empty() && keepsAny(stateOf(areaOf(pools.front())));
         if (run.watched && touched) {
             ASSERT_STREQ(verifyArea(areaOf(touched)), nullptr);
         }
@@ -179,7 +182,8 @@ TEST_P(RandomRun, KeepsEveryByteOfEveryLiveBlock)
         if (HasFatalFailure())
             return;
     }
-    EXPECT_EQ(someWaited, !run.watched);
+    EXPECT_EQ(someWaited, run.someWait);
+    EXPECT_EQ(someKept, !run.watched);
     for (auto &[block, entry] : live)
         check(block, entry);
     std::shuffle(pools.begin(), pools.end(), random);
@@ -252,31 +256,88 @@ TEST_F(Pools, AFreeBlockThatWasWrittenOverIsNeverFollowed)
     EXPECT_EQ(VxFreeHpMemPool(pool), 0u);
 }
 
-TEST_F(Pools, InALargeAreaFreesTakeEffectBeforeAnybodyLooks)
+/** So many blocks of a pool that is not told of misuse. */
+std::vector<void *> fill(void *pool, int count, int32_t size)
 {
     manager().checking = false;
+    std::vector<void *> blocks;
+    for (int i = 0; i < count; ++i)
+        blocks.push_back(VxAlocHpMemPool(pool, 1, size));
+    return blocks;
+}
+
+TEST_F(Pools, WhatManyBlocksLeaveMergesBeforeAnybodyLooks)
+{
     void *pool = makePool();
     VxHsmUsage usage{};
-    std::vector<void *> blocks;
-    for (int i = 0; i < 8 * 1024; ++i)
-        blocks.push_back(VxAlocHpMemPool(pool, 1, 1000));
+    std::vector<void *> blocks = fill(pool, 8 * 4096, 248);
     VxHpAreaUsage(areaOf(pool), &usage);
-    ASSERT_EQ(usage.chunks, 8);
-
-    VxDeleteMemObj(blocks[1]);
-    VxDeleteMemObj(blocks[2]);
-    VxDeleteMemObj(blocks[1]); // ignored
-    EXPECT_EQ(headerOf(static_cast<std::byte *>(blocks[1])), -1000) << "a group is not complete";
-    EXPECT_EQ(AskHeapSMemArea(blocks[1]), -1);
-    EXPECT_EQ(headerOf(static_cast<std::byte *>(blocks[1])), 2 * 1000 + tagBytes);
-    expectSound();
+    ASSERT_EQ(usage.chunks, 9);
 
     std::shuffle(blocks.begin(), blocks.end(), std::mt19937(3));
+    for (size_t i = 0; i < 16'000; ++i)
+        VxDeleteMemObj(blocks[i]);
+    settleWaiting();
+    EXPECT_EQ(keptCount(stateOf(areaOf(pool))), 16'000u);
+    expectSound();
+    for (size_t i = 0; i < 16'000; ++i)
+        ASSERT_NE(blocks[i] = VxAlocHpMemPool(pool, 1, 248), nullptr);
+    EXPECT_EQ(keptCount(stateOf(areaOf(pool))), 0u);
+    VxHpAreaUsage(areaOf(pool), &usage);
+    EXPECT_EQ(usage.chunks, 9);
+
     for (void *block : blocks)
         VxDeleteMemObj(block);
     EXPECT_LE(chunkBytesHeld(), 3 * mebibyte) << "the pool's, the persistent area's, one spare";
     VxHpAreaUsage(areaOf(pool), &usage);
     EXPECT_EQ(usage.chunks, 1);
+    expectSound();
+}
+
+TEST_F(Pools, ABlockOfALargeAreaHandedBackTwiceStaysWithItsNextOwner)
+{
+    void *pool = makePool();
+    void *block = fill(pool, 8 * 4096, 248)[100];
+    VxDeleteMemObj(block);
+    settleWaiting();
+    VxDeleteMemObj(block); // waits, though it is free
+    EXPECT_EQ(VxAlocHpMemPool(pool, 1, 248), block);
+    EXPECT_EQ(AskHeapSMemArea(block), areaOf(pool));
+    VxDeleteMemObj(block);
+    VxDeleteMemObj(block);
+    EXPECT_EQ(AskHeapSMemArea(block), -1);
+    expectSound();
+}
+
+TEST_F(Pools, AMergingWalkEndsAtWhatIsWrittenOver)
+{
+    void *pool = makePool(8, "model");
+    std::vector<void *> blocks = fill(pool, 1000, 40);
+    manager().checking = true;
+    for (size_t i = 0; i < 1000; i += 2)
+        VxDeleteMemObj(blocks[i]);
+    std::memset(static_cast<char *>(blocks[501]) + 40, 0xEE, 24); // over the end, and a kept block's header
+    VxHsmUsage usage{};
+    VxHpAreaUsage(areaOf(pool), &usage);
+    EXPECT_NE(complaints.find("VX:model"), std::string::npos);
+    for (size_t i = 1; i < 1000; i += 2)
+        VxDeleteMemObj(blocks[i]);
+    std::vector<void *> again = fill(pool, 1000, 40);
+    std::sort(again.begin(), again.end());
+    EXPECT_EQ(std::adjacent_find(again.begin(), again.end()), again.end());
+    EXPECT_FALSE(std::binary_search(again.begin(), again.end(), blocks[502]));
+    EXPECT_EQ(VxFreeHpMemPool(pool), 0u);
+}
+
+TEST_F(Pools, BeforeAChunkIsRefusedEveryAreaMerges)
+{
+    test::Environment cap("BHSM_PSEUDO_VM_LIMIT", "0x300000");
+    void *pools[] = {makePool(), makePool()};
+    std::vector<void *> blocks = fill(pools[0], 2 * 4096, 248);
+    blocks.resize(3000);
+    for (void *block : blocks)
+        VxDeleteMemObj(block); // fewer than an eighth would be merged for a chunk
+    EXPECT_NE(VxAlocHpMemPool(pools[0], 1, 500'000), nullptr);
     expectSound();
 }
 

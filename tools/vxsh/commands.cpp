@@ -80,8 +80,9 @@ int eval(const Options &options)
     if (auto problem = request.formula.evaluate(request.model, unit ? &*unit : nullptr, result))
         return fail(*request.text, *problem);
     if (!result.isNumber())
-        return fail(*request.text, {"The formula gives a " + kindName(result) + ", not a number; see 'vxsh value'.",
-                                    {0, request.text->size()}});
+        return fail(*request.text,
+                    {"The formula gives a " + kindName(result) + ", not a number; see 'vxsh value'.",
+                     {0, request.text->size()}});
     std::printf("%s\n", valueText(result, unit ? &*unit : nullptr).c_str());
     return done;
 }
@@ -119,7 +120,8 @@ int names(const Options &options)
 
 int replace(const Options &options)
 {
-    const std::string &name = options.arguments[0], &text = options.arguments[1], &formula = options.arguments[2];
+    const std::string &name = options.arguments[0], &text = options.arguments[1],
+                      &formula = options.arguments[2];
     size_t most = formula.size() / std::max<size_t>(name.size(), 1) * text.size() + formula.size() + 1;
     std::string out(most, '\0');
     if (VxParseVarReplace(name.c_str(), text.c_str(), formula.c_str(), out.data()))
@@ -144,8 +146,8 @@ int derive(const Options &options)
 
 std::string_view className(int32_t unitClass)
 {
-    constexpr std::string_view names[]
-        = {"", "", "length", "angle", "mass", "density", "area", "volume", "moment of inertia"};
+    constexpr std::string_view names[] = {"",     "",       "length",           "angle", "mass", "density",
+                                          "area", "volume", "moment of inertia"};
     return unitClass >= 0 && unitClass < static_cast<int32_t>(std::size(names)) ? names[unitClass] : "";
 }
 

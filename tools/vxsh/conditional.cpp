@@ -79,9 +79,8 @@ std::optional<Conditional> splitConditional(std::string_view formula)
         return std::nullopt;
     size_t behindThen = thenAt + keywordLength;
     size_t behindElse = elseAt == end ? end : elseAt + keywordLength;
-    return Conditional{{whole.at, thenAt - whole.at},
-                       {behindThen, elseAt - behindThen},
-                       {behindElse, end - behindElse}};
+    return Conditional{
+        {whole.at, thenAt - whole.at}, {behindThen, elseAt - behindThen}, {behindElse, end - behindElse}};
 }
 
 }

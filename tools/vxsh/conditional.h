@@ -15,7 +15,7 @@ struct Conditional {
     Span elsePart; ///< empty when there is none
 };
 
-/** The parts of CONDITION then VALUE [else VALUE], which parentheses may enclose; nothing for any other formula. */
+/** The parts of CONDITION then VALUE [else VALUE], parenthesised or not; nothing for other formulas. */
 std::optional<Conditional> splitConditional(std::string_view formula);
 
 }

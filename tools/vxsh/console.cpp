@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::string_view source = "vxsh";
 
-constexpr const char *helpLines = R"(NAME = FORMULA            defines a parameter, or changes it and what depends on it
+constexpr const char *helpLines =
+    R"(NAME = FORMULA            defines a parameter, or changes it and what depends on it
 NAME : UNIT = FORMULA     the same, with its value in a unit
 NAME                      shows a parameter
 FORMULA                   evaluates a formula

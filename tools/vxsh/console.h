@@ -9,8 +9,8 @@
 namespace vxsh {
 
 struct Reply {
-    std::string out;   ///< whole lines for the standard output
-    std::string err;   ///< whole lines for the standard error
+    std::string out; ///< whole lines for the standard output
+    std::string err; ///< whole lines for the standard error
     bool quit = false;
 };
 

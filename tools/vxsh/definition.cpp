@@ -54,7 +54,8 @@ std::optional<Problem> readDefinition(std::string line, Definition &out)
 
     std::string_view left = text.substr(0, equals);
     size_t nameStart = left.find_first_not_of(blanks);
-    size_t behindName = nameStart != std::string_view::npos && left[nameStart] == '[' ? bracketEnd(left, nameStart) : 0;
+    size_t behindName =
+        nameStart != std::string_view::npos && left[nameStart] == '[' ? bracketEnd(left, nameStart) : 0;
     size_t colon = left.rfind(':');
     bool hasUnit = colon != std::string_view::npos && colon >= behindName;
 

@@ -20,7 +20,8 @@ bool continuesCharacter(char byte)
 
 size_t characters(std::string_view text)
 {
-    return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) { return !continuesCharacter(c); }));
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !continuesCharacter(c); }));
 }
 
 size_t atCharacter(std::string_view text, size_t at)
@@ -93,7 +94,8 @@ std::string printable(std::string_view text)
     return out;
 }
 
-std::string renderProblem(std::string_view source, std::string_view line, size_t number, const Problem &problem)
+std::string renderProblem(std::string_view source, std::string_view line, size_t number,
+                          const Problem &problem)
 {
     size_t at = std::min(problem.place.at, line.size());
     std::string text = place(source, number, characters(line.substr(0, at)) + 1);

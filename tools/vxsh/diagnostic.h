@@ -22,7 +22,8 @@ namespace vxsh {
  * @param number  of the line, from 1; 0 when it stands in no file
  * @return whole lines
  */
-std::string renderProblem(std::string_view source, std::string_view line, size_t number, const Problem &problem);
+std::string renderProblem(std::string_view source, std::string_view line, size_t number,
+                          const Problem &problem);
 
 /** Columns that a terminal shows the text in. East Asian characters take two. */
 size_t displayWidth(std::string_view text);

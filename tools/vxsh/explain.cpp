@@ -46,16 +46,13 @@ std::string particulars(const VxExprDiag &diag)
 {
     const std::string operation = diag.operation;
     switch (diag.number) {
-    case notEvaluable:
-        return operation.empty() ? "" : " (" + operation + ')';
+    case notEvaluable: return operation.empty() ? "" : " (" + operation + ')';
     case dimensions:
         if (operation == "unit")
             return ": " + std::string(diag.left) + " in a unit of " + diag.right;
         return ": " + std::string(diag.left) + ' ' + operation + ' ' + diag.right;
-    case unitMismatch:
-        return ": " + std::string(diag.left) + ", not " + diag.right;
-    default:
-        return "";
+    case unitMismatch: return ": " + std::string(diag.left) + ", not " + diag.right;
+    default: return "";
     }
 }
 

@@ -92,8 +92,8 @@ VxDimNum expected(const Unit *unit)
 bool sameDimension(const VxDimNum &a, const VxDimNum &b)
 {
     constexpr double tolerance = 1e-12;
-    return std::fabs(a.len_exp - b.len_exp) <= tolerance && std::fabs(a.ang_exp - b.ang_exp) <= tolerance
-        && std::fabs(a.mass_exp - b.mass_exp) <= tolerance;
+    return std::fabs(a.len_exp - b.len_exp) <= tolerance && std::fabs(a.ang_exp - b.ang_exp) <= tolerance &&
+           std::fabs(a.mass_exp - b.mass_exp) <= tolerance;
 }
 
 bool isPlain(const VxDimNum &number)
@@ -207,7 +207,8 @@ std::optional<Problem> Formula::evaluate(const Variables &variables, const Unit 
     if (objects)
         if (auto parts = splitConditional(text_))
             return evaluateBranch(*parts, variables, unit, result);
-    if (auto problem = objects ? evaluateValue(expected(unit), result) : evaluateNumber(expected(unit), result))
+    if (auto problem =
+            objects ? evaluateValue(expected(unit), result) : evaluateNumber(expected(unit), result))
         return problem;
     return giveIn(unit, result);
 }
@@ -277,8 +278,8 @@ std::optional<Problem> Formula::giveIn(const Unit *unit, Result &result) const
     }
     const VxDimNum &number = result.quantity;
     if (unit && !isPlain(number) && !sameDimension(number, unit->dimension))
-        return problem(sentence(unitMismatch) + ": " + dimensionText(number) + ", not "
-                       + dimensionText(unit->dimension) + '.');
+        return problem(sentence(unitMismatch) + ": " + dimensionText(number) + ", not " +
+                       dimensionText(unit->dimension) + '.');
     result.quantity = inBaseUnits(number, unit);
     if (!std::isfinite(result.quantity.value))
         return problem("The result is no finite number.");

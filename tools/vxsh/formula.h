@@ -28,7 +28,7 @@ struct Result {
 
 struct Unit {
     std::string name;
-    double factor = 1;  ///< to the base unit
+    double factor = 1;                 ///< to the base unit
     VxDimNum dimension{0, 0, 0, 0, 1}; ///< exponents, and the factor
 };
 

@@ -195,13 +195,14 @@ void Model::failCircles(const DependencyOrder &order, const std::vector<Index> &
             names.push_back(parameters_[set[member]].definition.name);
         for (size_t i = 0; i < names.size(); ++i) {
             Parameter &parameter = parameters_[set[circle.path[i]]];
-            parameter.failure
-                = problemAtName(parameter.definition, names[(i + 1) % names.size()], circleMessage(names, i));
+            parameter.failure =
+                problemAtName(parameter.definition, names[(i + 1) % names.size()], circleMessage(names, i));
         }
         for (uint32_t other : circle.others) {
             Parameter &parameter = parameters_[set[other]];
-            parameter.failure = Problem{"It depends on itself by way of the circle of " + quoted(names.front()) + '.',
-                                        parameter.definition.formulaAt};
+            parameter.failure =
+                Problem{"It depends on itself by way of the circle of " + quoted(names.front()) + '.',
+                        parameter.definition.formulaAt};
         }
     }
 }

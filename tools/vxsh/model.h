@@ -19,10 +19,10 @@ struct DependencyOrder;
 struct Parameter {
     Definition definition;
     std::optional<Unit> unit;
-    std::vector<std::string> needs;       ///< names its formula refers to
-    std::optional<Problem> misread;       ///< why it can never be evaluated: its unit, or its formula's form
-    std::optional<Problem> failure;       ///< why its last evaluation failed
-    bool evaluated = false;               ///< `result` holds
+    std::vector<std::string> needs; ///< names its formula refers to
+    std::optional<Problem> misread; ///< why it can never be evaluated: its unit, or its formula's form
+    std::optional<Problem> failure; ///< why its last evaluation failed
+    bool evaluated = false;         ///< `result` holds
     Result result;
 };
 
@@ -50,7 +50,10 @@ public:
 
     const std::vector<Parameter> &parameters() const { return parameters_; }
     const Parameter &at(Index index) const { return parameters_[index]; }
-    Index indexOf(const Parameter &parameter) const { return static_cast<Index>(&parameter - parameters_.data()); }
+    Index indexOf(const Parameter &parameter) const
+    {
+        return static_cast<Index>(&parameter - parameters_.data());
+    }
 
     /** The parameter of this name, or null. */
     const Parameter *parameter(const std::string &name) const;
@@ -58,7 +61,7 @@ public:
     /** A parameter's result, for formulas. Null also while it is not evaluated. */
     const Result *find(const char *name) const override;
 
-    /** Why a formula with these names cannot be evaluated: the first that is undefined or failed, or nothing. */
+    /** Why a formula with these names cannot be evaluated: the first undefined or failed one, or nothing. */
     std::optional<Problem> missing(const std::vector<std::string> &names, std::string_view formula) const;
 
 private:

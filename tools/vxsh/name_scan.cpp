@@ -31,7 +31,8 @@ bool startsUnit(std::string_view text, size_t at)
 
 bool endsName(std::string_view text, size_t at)
 {
-    return operators.find(text[at]) != std::string_view::npos || startsKeyword(text, at) || startsUnit(text, at);
+    return operators.find(text[at]) != std::string_view::npos || startsKeyword(text, at) ||
+           startsUnit(text, at);
 }
 
 NameToken bracketedName(std::string_view formula, size_t at)

@@ -38,19 +38,21 @@ struct OptionRow {
 };
 
 constexpr OptionRow optionRows[] = {
-    {"--unit", unit, true},       {"--set", set, true},         {"--by", by, true},
-    {"--journal", journal, true}, {"--rad", radians, false},    {"--csv", csv, false},
+    {"--unit", unit, true},       {"--set", set, true},      {"--by", by, true},
+    {"--journal", journal, true}, {"--rad", radians, false}, {"--csv", csv, false},
 };
 
 const CommandRow *findCommand(std::string_view name)
 {
-    auto row = std::find_if(std::begin(commands), std::end(commands), [&](auto &c) { return c.name == name; });
+    auto row =
+        std::find_if(std::begin(commands), std::end(commands), [&](auto &c) { return c.name == name; });
     return row == std::end(commands) ? nullptr : row;
 }
 
 const OptionRow *findOption(std::string_view name)
 {
-    auto row = std::find_if(std::begin(optionRows), std::end(optionRows), [&](auto &o) { return o.name == name; });
+    auto row =
+        std::find_if(std::begin(optionRows), std::end(optionRows), [&](auto &o) { return o.name == name; });
     return row == std::end(optionRows) ? nullptr : row;
 }
 
@@ -109,8 +111,8 @@ private:
             return std::nullopt;
         }
         if (options.arguments.size() == row_->arguments)
-            return quoted(argument) + " is one argument too many"
-                + (takesOnlyFormula(*row_) ? "; write the formula in quotes" : "");
+            return quoted(argument) + " is one argument too many" +
+                   (takesOnlyFormula(*row_) ? "; write the formula in quotes" : "");
         options.arguments.push_back(argument);
         return std::nullopt;
     }
@@ -156,7 +158,8 @@ private:
         const CommandRow &row = row_ ? *row_ : console;
         for (const OptionRow &option : optionRows)
             if ((given_ & option.flag) && !(row.allowed & option.flag))
-                return quoted(option.name) + (row_ ? " is no option of " + quoted(row.name) : " needs a command");
+                return quoted(option.name) +
+                       (row_ ? " is no option of " + quoted(row.name) : " needs a command");
         if (options.arguments.size() < row.arguments)
             return std::string(row.missing);
         if (row.command == Command::derive && options.by.empty())
@@ -174,13 +177,15 @@ private:
 /** The command among the arguments, whatever else is wrong with them. */
 std::string topicOf(const std::vector<std::string> &arguments)
 {
-    auto found = std::find_if(arguments.begin(), arguments.end(), [](auto &a) { return findCommand(a) != nullptr; });
+    auto found =
+        std::find_if(arguments.begin(), arguments.end(), [](auto &a) { return findCommand(a) != nullptr; });
     return found == arguments.end() ? "" : *found;
 }
 
 }
 
-std::variant<Options, HelpWanted, VersionWanted, UsageError> readOptions(const std::vector<std::string> &arguments)
+std::variant<Options, HelpWanted, VersionWanted, UsageError>
+readOptions(const std::vector<std::string> &arguments)
 {
     auto end = std::find(arguments.begin(), arguments.end(), "--");
     if (std::find(arguments.begin(), end, "--help") != end)

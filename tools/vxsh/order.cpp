@@ -139,7 +139,7 @@ private:
     std::vector<uint32_t> component_; ///< first member of the component of a node
     std::vector<uint32_t> seen_;      ///< the start of the last walk that met a node
     std::vector<uint32_t> parent_, queue_;
-    size_t effort_ = 10'000'000;      ///< edges that may yet be looked at for a shorter circle
+    size_t effort_ = 10'000'000; ///< edges that may yet be looked at for a shorter circle
 };
 
 bool needsItself(const Needs &needs, uint32_t node)

@@ -47,7 +47,8 @@ private:
     {
         auto [known, fresh] = lines_.try_emplace(definition.name, number_);
         if (!fresh) {
-            Problem problem{"'" + definition.name + "' is already defined at line " + std::to_string(known->second) + '.',
+            Problem problem{"'" + definition.name + "' is already defined at line " +
+                                std::to_string(known->second) + '.',
                             definition.nameAt};
             return refuse(std::move(definition), std::move(problem));
         }

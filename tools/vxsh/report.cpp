@@ -125,23 +125,24 @@ std::string commaSeparated(const Model &model)
 {
     std::string text = "name,value,unit\n";
     for (const Parameter &parameter : model.parameters())
-        text += field(parameter.definition.name) + ',' + field(valueText(parameter)) + ','
-            + field(unitText(parameter)) + '\n';
+        text += field(parameter.definition.name) + ',' + field(valueText(parameter)) + ',' +
+                field(unitText(parameter)) + '\n';
     return text;
 }
 
 std::string summary(const Parameter &parameter)
 {
     std::string unit = unitText(parameter);
-    return parameter.definition.name + " = " + (parameter.evaluated ? valueText(parameter) : std::string(failedText))
-        + (parameter.evaluated && !unit.empty() ? ' ' + unit : "");
+    return parameter.definition.name + " = " +
+           (parameter.evaluated ? valueText(parameter) : std::string(failedText)) +
+           (parameter.evaluated && !unit.empty() ? ' ' + unit : "");
 }
 
 std::string definitionLine(const Parameter &parameter)
 {
     const Definition &definition = parameter.definition;
-    return asReference(definition.name) + (definition.unit.empty() ? "" : " : " + definition.unit) + " = "
-        + definition.formula();
+    return asReference(definition.name) + (definition.unit.empty() ? "" : " : " + definition.unit) + " = " +
+           definition.formula();
 }
 
 std::string problems(std::string_view source, const ParameterFile &file, const Model &model)
@@ -167,7 +168,8 @@ std::string problems(std::string_view source, const ParameterFile &file, const M
 size_t failures(const Model &model)
 {
     auto isFailure = [](const Parameter &parameter) { return !parameter.evaluated; };
-    return static_cast<size_t>(std::count_if(model.parameters().begin(), model.parameters().end(), isFailure));
+    return static_cast<size_t>(
+        std::count_if(model.parameters().begin(), model.parameters().end(), isFailure));
 }
 
 }

@@ -10,7 +10,7 @@
 
 namespace vxsh {
 
-/** A result as a text: a number with 15 digits in its unit, "1 2 3" for a vector or point, a text as it is. */
+/** A result as a text: a number with 15 digits in its unit, "1 2 3" for a vector or point, or the text. */
 std::string valueText(const Result &result, const Unit *unit);
 
 /** The unit that valueText() gave the number in; empty where it has none. */

@@ -30,7 +30,10 @@ void complain(const std::string &message)
 /** A line of the terminal that tells how far the work is, and is gone at the end. */
 class ProgressLine {
 public:
-    explicit ProgressLine(size_t total) : total_(total), shown_(total >= longFile && vx::os::isTerminal(stderr)) {}
+    explicit ProgressLine(size_t total)
+        : total_(total), shown_(total >= longFile && vx::os::isTerminal(stderr))
+    {
+    }
 
     ~ProgressLine()
     {

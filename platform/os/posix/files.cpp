@@ -80,12 +80,8 @@ int openOrMake(const char *name, const OpenMode &mode, bool &made) noexcept
 bool prepare(int file, const char *name, const OpenMode &mode) noexcept
 {
     struct stat status;
-    if (fstat(file, &status) != 0)
+    if (!statusOfFile(file, status))
         return false;
-    if (S_ISDIR(status.st_mode)) {
-        errno = EISDIR;
-        return false;
-    }
     if (S_ISREG(status.st_mode)) {
         if (!hold(file, mode.writes()))
             return false;

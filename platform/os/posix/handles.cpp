@@ -47,12 +47,8 @@ bool holdShared(int file, uint32_t mode) noexcept
 bool prepareHandle(int file, uint32_t mode) noexcept
 {
     struct stat status;
-    if (fstat(file, &status) != 0)
+    if (!statusOfFile(file, status))
         return false;
-    if (S_ISDIR(status.st_mode)) {
-        errno = EISDIR;
-        return false;
-    }
     return !S_ISREG(status.st_mode) || holdShared(file, mode);
 }
 

@@ -88,7 +88,8 @@ Error preferLargePages(void *block, size_t size) noexcept
     const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + size) / page * page;
     if (start >= end)
         return Error::invalid;
-    return madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE) == 0 ? Error::none : errorOf(errno);
+    return madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE) == 0 ? Error::none
+                                                                                     : errorOf(errno);
 #else
     return Error::unsupported;
 #endif

@@ -2,9 +2,20 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
+
 #include "platform/os/os.h"
 
 namespace vx::os {
+
+/** The status of an open file; false with errno, also for a folder. */
+inline bool statusOfFile(int file, struct stat &status) noexcept
+{
+    if (fstat(file, &status) != 0)
+        return false;
+    errno = EISDIR;
+    return !S_ISDIR(status.st_mode);
+}
 
 inline FileStatus statusOf(const struct stat &status) noexcept
 {

@@ -1,15 +1,20 @@
 #pragma once
 
-// The letters of keywords, functions and units. They are ASCII in every code
-// page, and the user's locale has no say in them.
+// Letters of keywords, units, drives and keys. They are ASCII in every code page,
+// and the user's locale has no say in them.
 
 #include <string_view>
 
-namespace vx::expr::ascii {
+namespace vx::ascii {
 
 constexpr char lower(char c) noexcept
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+constexpr char upper(char c) noexcept
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
 constexpr bool isLetter(char c) noexcept
