@@ -257,7 +257,8 @@ private:
                 ++step.next;
             if (step.next < step.end) {
                 int32_t next = ways_.items[step.next++];
-                path_[depth++] = step;
+                if (step.next < step.end)
+                    path_[depth++] = step;
                 step = take(next);
             } else if (depth > 0) {
                 step = path_[--depth];
@@ -269,7 +270,7 @@ private:
 
     const Visits &visits_;
     Reversed ways_;
-    Room<Step> path_;
+    Room<Step> path_; ///< but for nodes of which no way is left
     Components found_;
     int32_t members_ = 0;
 };
