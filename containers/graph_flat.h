@@ -65,8 +65,7 @@ struct FlatGraph {
     Room<int32_t> start; ///< the ways out of node i are those from start[i] to start[i + 1]
     Room<int32_t> to;    ///< where ways lead, in the order of each node's list; it may be a removed node
     Room<int32_t> edge;  ///< over which a way goes
-    /** Each edge is known to stand in the list of the node that it leads from, and none in those of others.
-     */
+    /** Each edge is known to stand in the list of the node that it leaves, and in no list but its ends'. */
     bool regular = false;
 };
 
