@@ -30,13 +30,17 @@ constexpr int32_t largestSmall = leastLarge - unitBytes; ///< payload bytes
 // How many blocks of the large list are looked at for one that fits exactly.
 constexpr int exactTries = 25;
 
-/** Zero from the byte `from` on: `to` says how many writes, those too many fall on the last 16 bytes. */
-template <ptrdiff_t from, ptrdiff_t to> inline void zeroPart(Payload p, ptrdiff_t payload)
+inline void zero16(Payload at)
 {
-    constexpr ptrdiff_t step = 16;
-#pragma GCC unroll 8
-    for (ptrdiff_t at = from; at < to; at += step)
-        std::memset(p + std::min(at, payload - step), 0, step);
+    std::memset(at, 0, 16);
+}
+
+/** Zero from the byte `from` to `to`; writes beyond `last` fall there. */
+template <ptrdiff_t from, ptrdiff_t to> inline void zeroPart(Payload p, ptrdiff_t last)
+{
+#pragma GCC unroll 9
+    for (ptrdiff_t at = from; at < to; at += 16)
+        zero16(p + std::min(at, last));
 }
 
 /** Zero a small payload. Sizes vary, and a branch for each 16 bytes would mostly be a guess. */
@@ -44,11 +48,13 @@ inline void zeroSmall(Payload p, ptrdiff_t payload)
 {
     if (payload < 16)
         return setLinks(p, {});
-    zeroPart<0, 64>(p, payload);
+    ptrdiff_t last = payload - 16;
+    zeroPart<0, 48>(p, last);
+    zero16(p + last);
     if (payload > 64)
-        zeroPart<64, 128>(p, payload);
+        zeroPart<48, 112>(p, last);
     if (payload > 128)
-        zeroPart<128, largestSmall>(p, payload);
+        zeroPart<112, largestSmall - 16>(p, last);
 }
 
 /**
