@@ -2,17 +2,10 @@
 
 // Tests in which errors are filed.
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "frame/error_log.h"
 #include "frame/modules.h"
-#include "platform/os/test_values.h"
 #include "talm/base.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "text/lang.h"
 #include "vx/err.h"
 #include "vx/escape.h"
@@ -49,7 +42,10 @@ protected:
     }
 
     /** The same, as the toolkit's own alert file. */
-    void toolsAlertFile(std::string_view text) { frame::modules().tools.errors = alertFile(text, "Tools.ALERT"); }
+    void toolsAlertFile(std::string_view text)
+    {
+        frame::modules().tools.errors = alertFile(text, "Tools.ALERT");
+    }
 
     /** The pending record filed last. */
     static const frame::ErrorRecord &last() { return frame::errorState().pending.back(); }

@@ -23,6 +23,13 @@ public:
     /** Write a file with these bytes, folders included; `name` is native. */
     void write(std::string_view name, std::string_view bytes) const;
 
+    /** Make empty files. */
+    void make(std::initializer_list<const char *> names) const
+    {
+        for (const char *name : names)
+            write(name, "");
+    }
+
     /** The bytes of a file in it; `name` is native. */
     std::string read(std::string_view name) const;
 
