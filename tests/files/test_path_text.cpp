@@ -1,45 +1,29 @@
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/code_page.h"
-#include "tests/support/each_refusal.h"
-#include "vx/path.h"
-#include "vx/posix.hpp"
 
 using namespace vx;
-using testing::ElementsAre;
 
 namespace {
 
 struct PathText : test::ToolkitFixture {
-    /** A buffer of `size` bytes as `function` leaves it, "!" in front for a failure. */
-    template <typename Function> static std::string out(Function function, int32_t size = 300)
-    {
-        char buffer[300] = "";
-        bool done = function(buffer, size);
-        return (done ? "" : "!") + std::string(buffer);
-    }
     static std::string dir(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathDir(path.c_str(), to, room) == 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathDir(path.c_str(), to, room) == 0; },
+                         size);
     }
     static std::string name(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathName(path.c_str(), room, to) == 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathName(path.c_str(), room, to) == 0; },
+                         size);
     }
     static std::string expand(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathExpand(path.c_str(), to, room) != 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathExpand(path.c_str(), to, room) != 0; },
+                         size);
     }
     static std::string real(const std::string &path, int32_t size = 300, int32_t report = 0)
     {
-        return out([&](char *to, int32_t room) { return VxPathReal(report, path.c_str(), to, room) == 0; },
-                   size);
+        return test::out(
+            [&](char *to, int32_t room) { return VxPathReal(report, path.c_str(), to, room) == 0; }, size);
     }
 };
 
@@ -59,16 +43,11 @@ const Alphabet alphabets[] = {
 
 TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
 {
-    std::mt19937 random(20261121);
+    test::Random random(20261121);
     for (int round = 0; round < 3000; ++round) {
-        const Alphabet &alphabet = alphabets[random() % std::size(alphabets)];
+        const Alphabet &alphabet = random.one(alphabets);
         test::CodePageScope page(alphabet.codePage);
-        auto word = [&] {
-            std::string text;
-            for (size_t n = 1 + random() % 4; n > 0; --n)
-                text += alphabet.characters[random() % alphabet.characters.size()];
-            return text;
-        };
+        auto word = [&] { return random.text(alphabet.characters, 1, 4); };
         std::string drive = random() % 2 ? "D:" : "";
         std::string parents, given;
         for (size_t n = random() % 4; n > 0; --n) {
@@ -76,8 +55,7 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
             parents += "\\" + parent;
             given += (random() % 2 ? "/" : "\\") + parent;
         }
-        std::string base = word();
-        std::string extension = random() % 2 ? "." + word() : "";
+        std::string base = word(), extension = random() % 2 ? "." + word() : "";
         given = drive + given + "/" + base + extension;
         SCOPED_TRACE(testing::Message() << alphabet.codePage << ' ' << given);
 
@@ -91,7 +69,7 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
         EXPECT_THAT(parts, ElementsAre(testing::StrEq(drive), testing::StrEq(parents + "\\"),
                                        testing::StrEq(base), testing::StrEq(extension)));
         char composed[300];
-        snprintf(composed, sizeof composed, "%s", base.c_str());
+        VxStrCpy(composed, base.c_str(), sizeof composed);
         ASSERT_EQ(VxPathAddDelim(composed) + VxPathCompose(composed, sizeof composed, "x", 1), 0u);
         EXPECT_EQ(composed, base + "\\x");
     }
@@ -145,10 +123,10 @@ TEST_F(PathText, TildesAndVariablesAreReplacedUpToASeparator)
     real("$VX_NONE/a", 300, 1);
     EXPECT_THAT(errors(), ElementsAre("Unable to resolve the path $VX_NONE/a."));
     char text[32] = "";
-    test::eachRefusal(
-        fault::Kind::allocation, nullptr,
-        [&] { VxPathExpand("$VX_NAME_THAT_NEEDS_MEMORY", text, sizeof text); },
-        [&](bool refused) { EXPECT_STREQ(text, refused ? "" : "$VX_NAME_THAT_NEEDS_MEMORY"); });
+    const char *needy = "$VX_NAME_THAT_NEEDS_MEMORY";
+    auto expandIt = [&] { VxPathExpand(needy, text, sizeof text); };
+    test::eachRefusal(fault::Kind::allocation, nullptr, expandIt,
+                      [&](bool refused) { EXPECT_STREQ(text, refused ? "" : needy); });
 }
 
 TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
@@ -174,15 +152,12 @@ TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
 
 TEST_F(PathText, FoldingAgreesWithTheStandardLibrary)
 {
-    std::mt19937 random(7);
-    const char *pieces[] = {"a", "bc", ".", "..", "...", "d.e"};
+    test::Random random(7);
+    const char *pieces[] = {"a/", "bc/", "./", "../", "...//", "d.e/", "a//", "..//", ".//"};
     for (int round = 0; round < 5000; ++round) {
-        std::string path = random() % 2 ? "/" : "";
-        for (size_t n = random() % 8; n > 0; --n)
-            path.append(pieces[random() % std::size(pieces)]).append(random() % 4 ? "/" : "//");
-        path += "end";
+        std::string path = (random() % 2 ? "/" : "") + random.text(pieces, 0, 7) + "end";
         std::string expected = (folder.native() / path).lexically_normal().string();
-        std::replace(expected.begin(), expected.end(), '/', '\\');
+        std::ranges::replace(expected, '/', '\\');
         ASSERT_EQ(real(path), expected) << path;
     }
 }
