@@ -1,12 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "platform/os/test_values.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "vx/err.h"
 #include "vx/tools.h"
 

@@ -1,21 +1,9 @@
 #include "vx/config.h"
 
-#include <cstring>
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "talm/config.hpp"
-#include "tests/support/code_page.h"
+#include "tests/support/test.h"
 #include "vx/tools.h"
 
 using namespace vx;
-using testing::ElementsAre;
-using testing::Pair;
 
 namespace {
 
@@ -200,9 +188,9 @@ TEST(Config, LinesAreMergedUnlessTheyAreIncompleteOrBelongToTheSession)
 {
     Manager manager;
     for (const char *line :
-         {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"", "Vx.Session=1", "Tl.Session = x",
-          "Vx.PaperSizes=A4,VXGL 7", "Tl.Grid=\"on\"", "  Vx.Sum\t=  a = b  ", "Vx.PaperSizes=A4",
-          "Vx.Sessions=1", "Vx.Two=\"a\" \"b\""}) {
+         {"no equals sign", "=value", "  =  ", "Vx.Empty=", "Vx.Quotes=\"\"", "Vx.Session=1",
+          "Tl.Session = x", "Vx.PaperSizes=A4,VXGL 7", "Tl.Grid=\"on\"", "  Vx.Sum\t=  a = b  ",
+          "Vx.PaperSizes=A4", "Vx.Sessions=1", "Vx.Two=\"a\" \"b\""}) {
         std::string copy = line;
         EXPECT_EQ(VxAcmMerge(copy.data()), 0u) << line;
     }

@@ -1,18 +1,10 @@
 #include "vx/sym.h"
 
-#include <string>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "platform/os/os.h"
 #include "session/symbols.h"
 #include "tests/session/started_toolkit.h"
-#include "tests/support/captured_output.h"
 #include "tests/support/error_log.h"
 
 using namespace vx;
-using testing::HasSubstr;
 
 namespace {
 
@@ -29,9 +21,8 @@ struct SymbolTable : test::StartedToolkit {
 TEST_F(SymbolTable, ResetBringsBackTheLastRegistrationWhereTheVariableStands)
 {
     int32_t place = 1;
-    VxSymLogInt("n", 2);
-    VxSymLogInt("n", 3);
-    VxSymLogInt("bound", 4);
+    for (auto [name, value] : {std::pair{"n", 2}, {"n", 3}, {"bound", 4}})
+        VxSymLogInt(name, value);
     session::symbols().ints.table.find("bound")->bound = &place;
     EXPECT_EQ(VxSymGetInt("bound"), 1);
     EXPECT_EQ(VxSymSetInt("n", -5) + VxSymSetInt("bound", 6), 2);
@@ -155,10 +146,11 @@ TEST_F(SymbolTable, EveryTestRunsOnceAndItsOutcomeGoesToTheEventLog)
     VxSymLogTestFcn("100%s", answers<-1>);
     test::RecordedEvents recorded;
     VxSymExecAllTestFcns();
-    std::string told;
-    for (const auto &event : recorded.events)
-        told += std::to_string(event.level) + ' ' + event.text + '\n';
-    EXPECT_EQ(told, "5 [Fail] bad\n1 [Pass] more\n5 [Fail] none\n1 [Pass] 100%s\n");
+    using Events = std::vector<test::RecordedEvents::Event>;
+    EXPECT_EQ(recorded.events, (Events{{5, "Tools", "[Fail] bad"},
+                                       {1, "Tools", "[Pass] more"},
+                                       {5, "Tools", "[Fail] none"},
+                                       {1, "Tools", "[Pass] 100%s"}}));
     EXPECT_EQ(session::symbols().tests.size(), 104u);
 }
 
