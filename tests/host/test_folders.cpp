@@ -1,11 +1,4 @@
-#include "talm/config.hpp"
-
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/faults.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 
 using namespace vx;
 
