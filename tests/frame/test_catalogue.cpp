@@ -1,12 +1,7 @@
 #include "frame/catalogue.h"
 
-
-#include <gtest/gtest.h>
-
 #include "frame/message_table.h"
-#include "tests/support/captured_output.h"
-#include "tests/support/faults.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "text/lang.h"
 #include "vx/msg.h"
 
@@ -14,8 +9,6 @@ using namespace vx;
 using frame::Catalogue;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 constexpr char translations[] = "0,zero\n[It]0,nulla\n[FR]0,zero fr\n1,one\n\n# comment\n[fr]x,un\n2,two\n"
                                 "[Fr]2,\n[Fr\n[Fr]\n3,three";
@@ -40,15 +33,21 @@ TEST(CatalogueFormat, AMessagesNumberIsItsPositionAmongTheLinesThatDefineOne)
         const char *what, *file, *tag;
         Texts texts;
     } cases[] = {
-        {"labels do not count", "7,zero\n7,one\r\nx,two, and more\n,three", "",
+        {"labels do not count",
+         "7,zero\n7,one\r\nx,two, and more\n,three",
+         "",
          {"zero", "one", "two, and more", "three"}},
-        {"no text, no number", "0,zero\n1,\n2\n\n#3,comment\n4 # ,comment\n5,five # not one\n6,\r\n7, \n", "",
+        {"no text, no number",
+         "0,zero\n1,\n2\n\n#3,comment\n4 # ,comment\n5,five # not one\n6,\r\n7, \n",
+         "",
          {"zero", "five # not one", " "}},
         {"comments only", "# only\n# comments\n", "", {}},
         {"blanks behind the first comments", "# a\n \t\r\n # b, c\n\n  0,zero\n", "", {"zero"}},
         {"a translation replaces the message above it", translations, "[Fr]", translated},
         {"without a language none counts", translations, "", {"zero", "one", "two", "three"}},
-        {"a second translation is a message", "0,zero\n[Fr]0,a\n[Fr]0,b\n[Fr]0,c\n1,one\n[Fr]1,un", "[Fr]",
+        {"a second translation is a message",
+         "0,zero\n[Fr]0,a\n[Fr]0,b\n[Fr]0,c\n1,one\n[Fr]1,un",
+         "[Fr]",
          {"a", "b", "c", "un"}},
         {"so is one without a message above", "[Fr]0,a\n0,zero\n[Fr]0,b", "[Fr]", {"a", "b"}},
     };
@@ -98,9 +97,8 @@ TEST_F(Catalogues, AMissingFileAndOneTooManyArePrinted)
     int32_t id = -1;
     const std::string missing = folder_.text("missing"), endless(5000, 'n');
     test::CapturedOutput output;
-    EXPECT_EQ(VxMsgLoadFile(missing.c_str(), &id), 1u);
-    EXPECT_EQ(VxMsgLoadFile(endless.c_str(), &id), 1u);
-    EXPECT_EQ(VxMsgLoadFile(nullptr, &id), 1u);
+    for (const char *name : {missing.c_str(), endless.c_str(), static_cast<const char *>(nullptr)})
+        EXPECT_EQ(VxMsgLoadFile(name, &id), 1u);
     for (int32_t i = 0; i < 130; ++i)
         ASSERT_EQ(load("0,zero"), i);
     EXPECT_EQ(VxMsgLoadFile(folder_.text("Test.MSG").c_str(), &id), 1u);

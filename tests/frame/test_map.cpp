@@ -1,12 +1,7 @@
 #include "vx/msg.h"
 
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "frame/map_state.h"
-#include "tests/support/faults.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 
 using namespace vx;
 

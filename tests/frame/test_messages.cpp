@@ -1,33 +1,18 @@
 #include "vx/msg.h"
 
-
-#include <gtest/gtest.h>
-
 #include "frame/modules.h"
-#include "talm/base.hpp"
-#include "tests/support/captured_output.h"
-#include "tests/support/faults.h"
+#include "tests/support/test.h"
 #include "vx/tools.h"
 
 using namespace vx;
-using HESKET::Talm::Ap::Base;
 
 namespace {
 
 struct Window {
     int calls;
     int32_t kind, result, answer;
-    char text[100];
+    std::string text;
 } window;
-
-int32_t show(int32_t kind, int32_t, const char *text, int32_t *answer)
-{
-    ++window.calls;
-    window.kind = kind;
-    std::snprintf(window.text, sizeof window.text, "%s", text);
-    *answer = window.answer;
-    return window.result;
-}
 
 class Messages : public testing::Test {
 protected:
@@ -37,16 +22,21 @@ protected:
         VxMsgLoadFile("Tools.MSG", &frame::modules().tools.messages);
         window = {};
         VgMsgGuiIsUp = 1;
-        Base::Instance().SetFunction(106, reinterpret_cast<void *>(show));
+        host_(106, [](int32_t kind, int32_t, const char *text, int32_t *answer) {
+            window = {window.calls + 1, kind, window.result, window.answer, text};
+            *answer = window.answer;
+            return window.result;
+        });
     }
 
     ~Messages() override
     {
         VgMsgGuiIsUp = 0;
-        Base::Instance().SetFunction(106, nullptr);
         frame::modules().tools.messages = catalogue_;
         VxMsgFree();
     }
+
+    test::Host host_;
 
 private:
     int32_t catalogue_;
@@ -57,13 +47,13 @@ TEST_F(Messages, AMessageGoesToTheWindowElseItIsPrintedAndAQuestionAnsweredYes)
     test::CapturedOutput output;
     EXPECT_EQ(VxMessage("100%d"), 0u);
     EXPECT_EQ(window.kind, 1);
-    EXPECT_STREQ(window.text, "100%d");
+    EXPECT_EQ(window.text, "100%d");
     window.result = -3;
     EXPECT_EQ(VxMessage("again"), 1u);
     VgMsgGuiIsUp = 0;
     EXPECT_EQ(VxMessage("no window"), 0u);
     VgMsgGuiIsUp = 1;
-    Base::Instance().SetFunction(106, nullptr);
+    host_(106, nullptr);
     EXPECT_EQ(VxMessage("no function"), 0u);
     EXPECT_EQ(VxMessage2(1), 0u);
     EXPECT_EQ(output.text(), "no window\nno function\n");
@@ -76,11 +66,11 @@ TEST_F(Messages, AQuestionIsAskedWithRealLineBreaksAndOnlyAPositiveAnswerIsYes)
         window.result = failed;
         EXPECT_EQ(VxMessage2(1), result) << answer << ", " << failed;
         EXPECT_EQ(window.kind, 2);
-        EXPECT_STREQ(window.text, "The file already exists.\nDo you want to replace it?");
+        EXPECT_EQ(window.text, "The file already exists.\nDo you want to replace it?");
     }
     for (int32_t number : {11, INT32_MAX, INT32_MIN}) {
         VxMessage2(number);
-        EXPECT_STREQ(window.text, " ") << number;
+        EXPECT_EQ(window.text, " ") << number;
     }
 }
 

@@ -5,12 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "tests/frame/running_toolkit.h"
-#include "tests/support/captured_output.h"
 #include "vx/escape.h"
 
 using namespace vx;

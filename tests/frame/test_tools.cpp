@@ -1,18 +1,8 @@
 #include "vx/tools.h"
 
-#include <algorithm>
-#include <cstring>
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "frame/modules.h"
 #include "session/journal.h"
 #include "tests/frame/running_toolkit.h"
-#include "tests/support/captured_output.h"
-#include "tests/support/faults.h"
 #include "vx/err.h"
 #include "vx/mem.h"
 #include "vx/msg.h"
@@ -20,7 +10,6 @@
 #include "vx/sym.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -36,7 +25,7 @@ void stopAll()
 
 std::vector<int32_t> textIds()
 {
-    return {VxToolsMsgID(), VxPelmorMsgID(), VxPelmorFailureMsgID(), MathMsgID(),   VxDmgrMsgID(),
+    return {VxToolsMsgID(), VxPelmorMsgID(), VxPelmorFailureMsgID(), MathMsgID(),  VxDmgrMsgID(),
             VxToolsErrID(), VxPelmorErrID(), VxMathErrID(),          VxDmgrErrID()};
 }
 
@@ -100,24 +89,18 @@ TEST(Start, EachMissingTextFileFailsItsModuleAndEndsTheStartThere)
 
 TEST(Start, WhatIsRefusedOnTheWayMakesItFailAndNothingWorse)
 {
-    for (bool verbs : {false, true}) {
+    for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
         test::BeforeStart host;
         ASSERT_TRUE(host.prepare());
         test::CapturedOutput output;
         uint32_t result = 1;
-        auto body = [&] {
-            result = VxToolsInit() | VxMathInit() | VxDmgrInit();
-            auto kind = verbs ? fault::Kind::verb : fault::Kind::allocation;
-            EXPECT_TRUE(result <= 1 && (result == 0 || fault::refusals(kind) > 0));
+        auto start = [&] { result = VxToolsInit() | VxMathInit() | VxDmgrInit(); };
+        test::eachRefusal(kind, nullptr, start, [&](bool refused) {
+            EXPECT_LE(result, refused ? 1U : 0U);
             VxErrClear();
             VxDmgrExit();
             VxMsgFree();
-        };
-        if (verbs)
-            test::refusingEachVerb(body);
-        else
-            test::refusingEachAllocation(body);
-        EXPECT_EQ(result, 0U);
+        });
     }
 }
 
@@ -125,11 +108,7 @@ TEST(Start, TheOptionsOfTheStartAreReadWithTheirLimits)
 {
     test::BeforeStart host;
     const std::string file = host.folder.text("session.jnl"), path = "Vx.SessionJournal = " + file + "\n";
-    const struct {
-        std::string lines;
-        int32_t escape, backup, latest;
-        std::string journal;
-    } cases[] = {
+    const std::tuple<std::string, int32_t, int32_t, int32_t, std::string> cases[] = {
         // What no line sets keeps the value it had: 77.
         {path, 77, 77, 77, ""},
         {"Vx.EscapeCount = -5\nVx.EmergencyBackup = Yes\nVx.LatestRev = no\n", 1, 1, 0, ""},
@@ -140,10 +119,9 @@ TEST(Start, TheOptionsOfTheStartAreReadWithTheirLimits)
         host.setOptions(lines);
         VgEscapeCnt = VgEmergencyBackup = VgGetLatestRev = 77;
         EXPECT_EQ(VxToolsCfgInit(), 0U);
-        EXPECT_EQ(VgEscapeCnt, escape) << lines;
-        EXPECT_EQ(VgEmergencyBackup, backup) << lines;
-        EXPECT_EQ(VgGetLatestRev, latest) << lines;
-        EXPECT_EQ(session::journal.path, journal) << lines;
+        EXPECT_EQ(std::tuple(VgEscapeCnt, VgEmergencyBackup, VgGetLatestRev, session::journal.path),
+                  std::tuple(escape, backup, latest, journal))
+            << lines;
     }
     VgEscapeCnt = 500;
     VgEmergencyBackup = VgGetLatestRev = 0;
