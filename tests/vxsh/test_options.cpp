@@ -1,17 +1,13 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include "tests/support/test.h"
 #include "tools/vxsh/options.h"
+
+using namespace vx;
 
 namespace vxsh {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 namespace {
 
-Options options(const std::vector<std::string> &arguments)
+Options options(const Texts &arguments)
 {
     auto read = readOptions(arguments);
     auto *error = std::get_if<UsageError>(&read);
@@ -20,7 +16,7 @@ Options options(const std::vector<std::string> &arguments)
     return found ? *found : Options{};
 }
 
-std::string errorOf(const std::vector<std::string> &arguments)
+std::string errorOf(const Texts &arguments)
 {
     auto read = readOptions(arguments);
     auto *error = std::get_if<UsageError>(&read);
@@ -58,7 +54,7 @@ TEST(Options, helpAndVersionWinOverEverythingElse)
 
 TEST(Options, sayWhatIsWrong)
 {
-    const std::pair<std::vector<std::string>, const char *> cases[] = {
+    const std::pair<Texts, const char *> cases[] = {
         {{"evil"}, "there is no command 'evil'"},
         {{"eval"}, "the formula is missing"},
         {{"eval", "1", "+", "2"}, "'+' is one argument too many; write the formula in quotes"},
