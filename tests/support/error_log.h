@@ -13,8 +13,7 @@
 namespace vx::test {
 
 /** An empty error log, a clock that stands still, no language, and a folder for alert files. */
-class ErrorLog : public testing::Test {
-protected:
+struct ErrorLog : testing::Test {
     ErrorLog() : toolsErrors_(frame::modules().tools.errors)
     {
         frame::resetErrorLog();
