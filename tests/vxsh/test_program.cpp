@@ -50,6 +50,10 @@ TEST(Printed, isWhatIsAskedForAlone)
         {{"value", "1 > 2 then \"a\" else 2 > 2 then \"b\" else \"c\""}, "String c"},
         {{"value", "(0 then vector(1,2,3) else (1 then point(4,5,6) else \"then else\"))"}, "Point 4 5 6"},
         {{"value", "0 then \"a\""}, "Number 0"},
+        {{"eval", "--rad", "--set=a=1", "a + 1"}, "2"},
+        {{"eval", "--5"}, "5"}, // formulas may begin with a minus sign
+        {{"eval", "--", "--5"}, "5"},
+        {{"replace", "a", "-", "-a"}, "--"},
         {{"names", "(b + a)*[c d] + a*sin(b)^2.mm"}, "b\na\nc d"},
         {{"replace", "a", "(b + 1)", "a + ab*a"}, "(b + 1) + ab*(b + 1)"},
         {{"replace", "a", longText, "a*a"}, longText + "*" + longText},
@@ -96,10 +100,37 @@ TEST(Refused, showsTheFailureAtItsPlace)
 
 TEST(Usage, isExplainedOnStandardErrorWithExitCode2)
 {
-    EXPECT_THAT(vxsh({"eval", "--csv", "1"}),
-                FieldsAre(2, "", AllOf(StartsWith("vxsh: "), HasSubstr("Usage: vxsh"), HasSubstr("--help"))));
-    EXPECT_THAT(printed({"run", "--help"}), StartsWith("Usage: vxsh run"));
-    EXPECT_THAT(printed({"eval", "--version", "1"}), StartsWith("vxsh " VXSH_VERSION "\nVERNUM:"));
+    const std::pair<Texts, std::string> cases[] = {
+        {{"evil"}, "there is no command 'evil'"},
+        {{"eval"}, "the formula is missing"},
+        {{"eval", "1", "+", "2"}, "'+' is one argument too many; write the formula in quotes"},
+        {{"run"}, "the parameter file is missing"},
+        {{"eval", "--nit", "1"}, "there is no option '--nit'"},
+        {{"eval", "1", "--unit"}, "the value of '--unit' is missing"},
+        {{"eval", "1", "--unit="}, "the value of '--unit' is empty"},
+        {{"eval", "1", "--unit=cm", "--unit=mm"}, "'--unit' is given twice"},
+        {{"eval", "--rad=1", "1"}, "'--rad' takes no value"},
+        {{"eval", "--csv", "1"}, "'--csv' is no option of 'eval'"},
+        {{"--csv"}, "'--csv' needs a command"},
+        {{"derive", "x"}, "'derive' needs --by NAME"},
+        {{"replace", "a", "b"}, "a name, a text and a formula are needed"},
+    };
+    for (const auto &[arguments, message] : cases)
+        EXPECT_THAT(vxsh(arguments), FieldsAre(2, "",
+                                               AllOf(StartsWith("vxsh: " + message), HasSubstr("Usage: vxsh"),
+                                                     HasSubstr("--help"))));
+}
+
+TEST(Usage, helpAndVersionWinOverEverythingElse)
+{
+    const std::string overview = printed({"--help"});
+    for (const char *command : {"eval", "value", "tree", "names", "replace", "derive", "units", "run"}) {
+        EXPECT_THAT(printed({command, "--nonsense", "--help"}),
+                    StartsWith("Usage: vxsh " + std::string(command)));
+        EXPECT_THAT(overview, HasSubstr("  " + std::string(command) + " "));
+    }
+    EXPECT_THAT(printed({"nonsense", "--version"}), StartsWith("vxsh " VXSH_VERSION "\nVERNUM:"));
+    EXPECT_EQ(vxsh({"eval", "--", "--help"}).status, 1) << "a formula";
 }
 
 TEST_F(Run, warnsOfMalformedOptionFilesAndGoesOn)
