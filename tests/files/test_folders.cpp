@@ -1,5 +1,3 @@
-#include <atomic>
-
 #include "tests/files/toolkit_fixture.h"
 
 using namespace vx;
@@ -68,6 +66,7 @@ TEST_F(Folders, NamesOfEveryCodePageComeBackAsTheyWereGiven)
         {65001, "\xE5\x9B\xB3\xF0\x9F\x98\x80", "\xE5\x9B\xB3\xF0\x9F\x98\x80"},
         {932, "\x95\x5C\x83\x5C.x", "\xE8\xA1\xA8\xE3\x82\xBD.x"},
         {936, "\x81\x5C.x", "\xE4\xB9\x97.x"},
+        {949, "\xB0\xA1", "\xEA\xB0\x80"},
         {950, "\xB3\x5C.x", "\xE8\xA8\xB1.x"}};
     folder.write("source", "");
     for (auto [number, name, native] : cases) {

@@ -12,22 +12,6 @@ std::string back(const char *native)
     return os::fromNative(native, out, sizeof out) == os::Error::none ? out : "(does not fit)";
 }
 
-TEST(NativePath, NamesWithA0x5cTrailByteKeepTheirCharacters)
-{
-    const std::tuple<int32_t, const char *, const char *> names[] = {
-        {932, "\\tmp\\\x95\x5C\\\x83\x5C", "/tmp/\xE8\xA1\xA8/\xE3\x82\xBD"},
-        {936, "\\tmp\\\x81\x5C\\a\xD6\x5C", "/tmp/\xE4\xB9\x97/a\xE8\xAC\x80"},
-        {950, "\\tmp\\\xB3\x5C.prt", "/tmp/\xE8\xA8\xB1.prt"},
-        {949, "\\tmp\\\xB0\xA1", "/tmp/\xEA\xB0\x80"},
-    };
-    for (const auto &[number, text, native] : names) {
-        SCOPED_TRACE(number);
-        test::CodePageScope page(number);
-        EXPECT_STREQ(os::NativePath(text).c_str(), native);
-        EXPECT_EQ(back(native), text);
-    }
-}
-
 TEST(NativePath, DrivesGoThroughTheMapAndComeBackByTheLongestPrefix)
 {
     test::Environment map("VX_DRIVE_MAP", "D=/mnt/d;p=/srv/p/;Q=/mnt/d/q");
