@@ -44,7 +44,6 @@ struct Escape : test::StartedToolkit {
         VxEscRecover = recover_;
     }
 
-private:
     decltype(VxEscCheck) check_ = VxEscCheck;
     decltype(VxEscRecover) recover_ = VxEscRecover;
 };
