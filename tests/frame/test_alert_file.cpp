@@ -13,8 +13,7 @@ using Found = std::tuple<uint32_t, int32_t, std::string>; // the result, the sev
 
 const Found absent{1, -77, "untouched"};
 
-class AlertFiles : public test::ErrorLog {
-protected:
+struct AlertFiles : test::ErrorLog {
     static Found find(int32_t id, int32_t number)
     {
         char text[600] = "untouched";
@@ -25,8 +24,6 @@ protected:
 
     Found findIn(std::string_view file, int32_t number) { return find(alertFile(file), number); }
 };
-
-constexpr int32_t rowFrench = 4;
 
 TEST_F(AlertFiles, ALineIsNumberSeverityText)
 {
@@ -53,10 +50,10 @@ TEST_F(AlertFiles, ALineCountsToIts255thByteButToNoHalfCharacter)
     test::CodePageScope page(936);
     for (size_t size : {250u, 251u, 252u, 5000u}) {
         const std::string text = std::string(size, 'x') + ",8,0,no entry";
-        const std::string file = "7,0," + text + "\n9,1,After\n";
-        EXPECT_EQ(std::get<2>(findIn(file, 7)), text.substr(0, 251)) << size;
-        EXPECT_EQ(findIn(file, 9), (Found{0, 1, "After"})) << size;
-        EXPECT_EQ(findIn(file, 8), absent) << size;
+        int32_t id = alertFile("7,0," + text + "\n9,1,After\n");
+        EXPECT_THAT((std::array{find(id, 7), find(id, 8), find(id, 9)}),
+                    ElementsAre(Found{0, 0, text.substr(0, 251)}, absent, Found{0, 1, "After"}))
+            << size;
     }
     // Byte 255 is the first half of a character.
     const std::string whole(250, 'x');
@@ -70,7 +67,7 @@ TEST_F(AlertFiles, TheCurrentLanguagesLineWins)
     int32_t id = alertFile(file);
     auto found = [id] { return std::array{find(id, 7), find(id, 9), find(id, 10)}; };
     EXPECT_THAT(found(), ElementsAre(Found{0, 0, "plain"}, absent, Found{0, 0, "ten"}));
-    text::languageState.current = rowFrench;
+    text::languageState.current = 4; // French
     EXPECT_THAT(found(), ElementsAre(Found{0, 2, "encore"}, Found{0, 0, "neuf"}, Found{0, 0, "ten"}));
 }
 

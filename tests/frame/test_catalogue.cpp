@@ -21,18 +21,14 @@ Texts read(std::string_view file, std::string_view tag = "")
     Texts texts;
     for (int32_t i = 0; i < catalogue.count(); ++i)
         texts.emplace_back(catalogue.text(i));
-    EXPECT_EQ(catalogue.text(catalogue.count()), nullptr);
-    EXPECT_EQ(catalogue.text(-1), nullptr);
+    EXPECT_TRUE(!catalogue.text(catalogue.count()) && !catalogue.text(-1));
     return texts;
 }
 
 TEST(CatalogueFormat, AMessagesNumberIsItsPositionAmongTheLinesThatDefineOne)
 {
     const Texts translated = {"zero fr", "un", "two", "three"};
-    const struct {
-        const char *what, *file, *tag;
-        Texts texts;
-    } cases[] = {
+    const std::tuple<const char *, const char *, const char *, Texts> cases[] = {
         {"labels do not count",
          "7,zero\n7,one\r\nx,two, and more\n,three",
          "",
@@ -56,8 +52,7 @@ TEST(CatalogueFormat, AMessagesNumberIsItsPositionAmongTheLinesThatDefineOne)
 }
 
 /** No catalogue loaded, no language, and a folder for files. */
-class Catalogues : public testing::Test {
-protected:
+struct Catalogues : testing::Test {
     Catalogues() { VxMsgFree(); }
     ~Catalogues() override
     {
@@ -84,12 +79,9 @@ TEST_F(Catalogues, ALookUpByIdOrByNameNeverFails)
     text::languageState.current = 0;
     EXPECT_STREQ(VxMsg(id, 1), "eins") << "the language at loading decides";
     EXPECT_STREQ(VxMsgFile(folder_.text("Test.MSG").c_str(), 1), "eins");
-    for (int32_t bad : {-1, 2, INT32_MAX, INT32_MIN}) {
-        EXPECT_STREQ(VxMsg(id, bad), " ");
-        EXPECT_STREQ(VxMsg(bad, 0), " ");
-    }
-    EXPECT_STREQ(VxMsgFile("Other.MSG", 0), " ");
-    EXPECT_STREQ(VxMsgFile(nullptr, 0), " ");
+    for (int32_t bad : {-1, 2, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(VxMsg(id, bad) + std::string(VxMsg(bad, 0)), "  ");
+    EXPECT_EQ(VxMsgFile("Other.MSG", 0) + std::string(VxMsgFile(nullptr, 0)), "  ");
 }
 
 TEST_F(Catalogues, AMissingFileAndOneTooManyArePrinted)
@@ -106,7 +98,7 @@ TEST_F(Catalogues, AMissingFileAndOneTooManyArePrinted)
     EXPECT_EQ(output.text(), "Unable to load message file " + missing + ".\n" +
                                  "Unable to load message file " + endless + ".\n" +
                                  "Unable to load more than 130 message files.\n");
-    EXPECT_EQ(VxMsgFree(), 0u);
+    VxMsgFree();
     EXPECT_EQ(load("# a file without messages leaves the id"), -1);
     EXPECT_EQ(load("0,again"), 0);
 }

@@ -6,8 +6,7 @@ using namespace vx;
 
 namespace {
 
-class Debug : public testing::Test {
-protected:
+struct Debug : testing::Test {
     ~Debug() override
     {
         os::setDebuggerSink(nullptr);

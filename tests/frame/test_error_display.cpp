@@ -16,8 +16,7 @@ template <int32_t answer> int32_t says()
 constexpr auto yes = says<1>, no = says<0>;
 int actions = 0;
 
-class Display : public test::ErrorLog {
-protected:
+struct Display : test::ErrorLog {
     Display() { VgActiveErrOccurred = 0; }
     ~Display() override { VgActiveErrOccurred = 0; }
 
@@ -67,26 +66,20 @@ TEST_F(Display, AFileThatHasGoneKeepsTheListAndWhatWasLookedUp)
 
 TEST_F(Display, TheHostMayTakeTheNoteBackOrAct)
 {
-    const struct {
-        int32_t (*active)(), (*refused)(), (*kept)();
-        int32_t note, actions;
-    } cases[] = {
+    using Answer = int32_t (*)();
+    const std::tuple<Answer, Answer, Answer, int32_t, int32_t> cases[] = {
         {yes, no, yes, 0, 0},
         {yes, no, no, 1, 1},
         {nullptr, no, yes, 1, 0},
         {yes, nullptr, yes, 1, 0},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(&c - cases);
-        host(28, c.active);
-        host(32, c.refused);
-        host(33, c.kept);
+    for (auto [active, refused, kept, note, acted] : cases) {
+        host(28, active), host(32, refused), host(33, kept);
         host(35, [] { ++actions; });
         VgActiveErrOccurred = 1;
         actions = 0;
         EXPECT_EQ(VxErrDisplay(), 0u);
-        EXPECT_EQ(VgActiveErrOccurred, c.note);
-        EXPECT_EQ(actions, c.actions);
+        EXPECT_TRUE(VgActiveErrOccurred == note && actions == acted) << note << acted;
     }
 }
 

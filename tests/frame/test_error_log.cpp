@@ -42,8 +42,7 @@ TEST_F(Log, ARecordKeepsWhatItIsGiven)
     EXPECT_EQ(filed(), (Record{0, 2, -1, "", "given 0.5"}));
     EXPECT_EQ(VxErrLogVa(~17, 5, 9, "", 0, "kept under 17"), 0u);
     EXPECT_EQ(filed(), (Record{17, 9, 0, "", "kept under 17"}));
-    EXPECT_TRUE(VxErrIsLogged(17, 5));
-    EXPECT_FALSE(VxErrIsLogged(17, 6) || VxErrIsLogged(16, 5));
+    EXPECT_TRUE(VxErrIsLogged(17, 5) && !VxErrIsLogged(17, 6) && !VxErrIsLogged(16, 5));
     EXPECT_EQ(VxErrLogNum(id, 6, "", 3), 0u);
     EXPECT_EQ(filed(), (Record{id, 0, 3, "", "100%s sure"}));
     setSecond(2000);

@@ -7,8 +7,7 @@ using namespace vx;
 
 namespace {
 
-class Maps : public testing::Test {
-protected:
+struct Maps : testing::Test {
     Maps() { folder_.write("file", "contents"); }
     ~Maps() override
     {
@@ -27,8 +26,7 @@ TEST_F(Maps, AFileIsSeenThroughItsViewAndWhatIsWrittenReachesIt)
         folder_.write("file", "contents");
         int64_t size = 0;
         auto view = static_cast<char *>(VxMap(file_.c_str(), mode, &size));
-        ASSERT_NE(view, nullptr);
-        EXPECT_EQ(size, 8);
+        ASSERT_TRUE(view && size == 8);
         EXPECT_EQ(mode == 1 ? "contents" : std::string(view, 8), "contents");
         if (mode != 0)
             view[0] = 'C';
@@ -45,7 +43,7 @@ TEST_F(Maps, WhatCannotBeMappedGivesNull)
     for (int32_t mode : {0, 1, 2})
         EXPECT_EQ(VxMap(folder_.text("empty").c_str(), mode, &size), nullptr);
     EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 0, &size), nullptr);
-    EXPECT_FALSE(std::filesystem::exists(folder_.native() / "missing"));
+    EXPECT_FALSE(fs::exists(folder_.native() / "missing"));
     EXPECT_EQ(VxMap(nullptr, 0, &size), nullptr);
     EXPECT_EQ(VxMap(file_.c_str(), 0, nullptr), nullptr);
     EXPECT_EQ(size, -7);
@@ -69,15 +67,12 @@ TEST_F(Maps, ARefusalLeavesTheTableAsItWas)
         void *view = VxMap(file_.c_str(), 0, &size);
         EXPECT_EQ(size, view ? 8 : -7);
         EXPECT_EQ(frame::maps().open.size(), view ? 1u : 0u);
-        if (view)
-            VxUnMap(view);
+        VxUnMap(view);
         EXPECT_TRUE(frame::maps().open.empty());
+        frame::maps().open.shrink_to_fit();
     };
     frame::maps().open.shrink_to_fit();
-    test::refusingEachAllocation([&] {
-        body();
-        frame::maps().open.shrink_to_fit();
-    });
+    test::refusingEachAllocation(body);
     test::refusingEachVerb(body, "mapFile");
 }
 

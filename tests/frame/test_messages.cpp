@@ -11,11 +11,10 @@ namespace {
 struct Window {
     int calls;
     int32_t kind, result, answer;
-    std::string text;
+    char text[100];
 } window;
 
-class Messages : public testing::Test {
-protected:
+struct Messages : testing::Test {
     Messages() : catalogue_(frame::modules().tools.messages)
     {
         VxMsgFree();
@@ -23,7 +22,8 @@ protected:
         window = {};
         VgMsgGuiIsUp = 1;
         host_(106, [](int32_t kind, int32_t, const char *text, int32_t *answer) {
-            window = {window.calls + 1, kind, window.result, window.answer, text};
+            window = {window.calls + 1, kind, window.result, window.answer, {}};
+            std::strncpy(window.text, text, sizeof window.text - 1);
             *answer = window.answer;
             return window.result;
         });
@@ -38,7 +38,6 @@ protected:
 
     test::Host host_;
 
-private:
     int32_t catalogue_;
 };
 
@@ -47,7 +46,7 @@ TEST_F(Messages, AMessageGoesToTheWindowElseItIsPrintedAndAQuestionAnsweredYes)
     test::CapturedOutput output;
     EXPECT_EQ(VxMessage("100%d"), 0u);
     EXPECT_EQ(window.kind, 1);
-    EXPECT_EQ(window.text, "100%d");
+    EXPECT_STREQ(window.text, "100%d");
     window.result = -3;
     EXPECT_EQ(VxMessage("again"), 1u);
     VgMsgGuiIsUp = 0;
@@ -66,11 +65,11 @@ TEST_F(Messages, AQuestionIsAskedWithRealLineBreaksAndOnlyAPositiveAnswerIsYes)
         window.result = failed;
         EXPECT_EQ(VxMessage2(1), result) << answer << ", " << failed;
         EXPECT_EQ(window.kind, 2);
-        EXPECT_EQ(window.text, "The file already exists.\nDo you want to replace it?");
+        EXPECT_STREQ(window.text, "The file already exists.\nDo you want to replace it?");
     }
     for (int32_t number : {11, INT32_MAX, INT32_MIN}) {
         VxMessage2(number);
-        EXPECT_EQ(window.text, " ") << number;
+        EXPECT_STREQ(window.text, " ") << number;
     }
 }
 
