@@ -38,17 +38,17 @@ Texts namesIn(std::string_view formula)
 
 TEST(Definition, isTakenApartAtTheFirstEqualsAndTheLastColonBeforeIt)
 {
-    const char *cases[][4] = {
-        {"  pitch diameter :\tmm =  a = b : c \t", "pitch diameter", "mm", "a = b : c"},
-        {"rate 1:2 : kg/m^3 = 1", "rate 1:2", "kg/m^3", "1"},
-        {"[$x] = 1", "x", "", "1"},
-        {"[rate 1:2]: cm = 1", "rate 1:2", "cm", "1"},
-        {"[a] [b] = 1", "[a] [b]", "", "1"}, // these brackets do not enclose it
+    const char *cases[][5] = {
+        {"  pitch diameter :\tmm =  a = b : c \t", "pitch diameter", "mm", "a = b : c", "pitch diameter"},
+        {"rate 1:2 : kg/m^3 = 1", "rate 1:2", "kg/m^3", "1", "rate 1:2"},
+        {"[$x] = 1", "x", "", "1", "[$x]"},
+        {"[rate 1:2]: cm = 1", "rate 1:2", "cm", "1", "[rate 1:2]"},
+        {"[a] [b] = 1", "[a] [b]", "", "1", "[a] [b]"}, // these brackets do not enclose it
     };
-    for (auto [line, name, unit, formula] : cases) {
+    for (auto [line, name, unit, formula, written] : cases) {
         Definition d = read(line);
         EXPECT_THAT((std::tuple(d.name, d.unit, d.formula())), testing::FieldsAre(name, unit, formula));
-        EXPECT_THAT(d.line.substr(d.nameAt.at, d.nameAt.length), HasSubstr(name));
+        EXPECT_EQ(d.line.substr(d.nameAt.at, d.nameAt.length), written);
         EXPECT_EQ(d.line.substr(d.unitAt.at, d.unitAt.length), unit);
     }
 }

@@ -26,13 +26,10 @@ Texts parts(const std::string &formula)
 
 TEST(Number, hasFifteenDigitsAndAPointInEveryLocale)
 {
-    const char *old = std::setlocale(LC_NUMERIC, nullptr);
-    std::string kept = old ? old : "C";
+    std::string kept = std::setlocale(LC_NUMERIC, nullptr);
     ASSERT_TRUE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8")) << "LOCPATH names the locale that the build makes";
-    for (auto [number, text] : {std::pair{1.0 / 3, "0.333333333333333"},
-                                {1e15, "1e+15"},
-                                {123456789012345, "123456789012345"},
-                                {-2.5e-7, "-2.5e-07"}})
+    for (auto [number, text] : {std::pair{1.0 / 3, "0.333333333333333"}, {1e15, "1e+15"},
+                                {123456789012345, "123456789012345"}, {-2.5e-7, "-2.5e-07"}})
         EXPECT_EQ(formatNumber(number), text);
     EXPECT_EQ(formatCount(1234567), "1,234,567");
     std::setlocale(LC_NUMERIC, kept.c_str());
@@ -50,13 +47,9 @@ TEST(Number, namesTheBaseUnitOfAnyDimension)
 TEST(Diagnostic, showsAWindowOfALongLine)
 {
     std::string line = std::string(500, 'a') + "*bad*" + std::string(500, 'z');
-    std::string text = renderProblem("f", line, 7, {"Wrong.", {501, 3}});
-    EXPECT_EQ(text, "f:7:502: error: Wrong.\n"
-                    "    ..." +
-                        std::string(59, 'a') + "*bad*" + std::string(36, 'z') +
-                        "...\n"
-                        "       " +
-                        std::string(60, ' ') + "^~~\n");
+    EXPECT_EQ(renderProblem("f", line, 7, {"Wrong.", {501, 3}}),
+              "f:7:502: error: Wrong.\n    ..." + std::string(59, 'a') + "*bad*" + std::string(36, 'z') +
+                  "...\n       " + std::string(60, ' ') + "^~~\n");
 }
 
 TEST(Diagnostic, alignsTheCaretUnderTabsControlAndWideCharacters)
