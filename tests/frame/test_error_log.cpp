@@ -182,10 +182,8 @@ TEST_F(Log, TheEventLogGetsEachFiledTextAndItsHandlerMayLog)
     EXPECT_EQ(pendingNumbers(), (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
     using Events = std::vector<RecordedEvents::Event>;
     recorded.events.resize(4);
-    EXPECT_EQ(recorded.events, (Events{{3, "Tools", "severity 1"},
-                                       {1, "Tools", "severity 2"},
-                                       {4, "Tools", "severity 3"},
-                                       {4, "Tools", "100%"}}));
+    EXPECT_EQ(recorded.events, (Events{{3, "Tools", "severity 1"}, {1, "Tools", "severity 2"},
+                                       {4, "Tools", "severity 3"}, {4, "Tools", "100%"}}));
 }
 
 TEST_F(Log, WithoutMemoryAnErrorIsCountedAndLost)

@@ -1,9 +1,12 @@
-#include "frame/catalogue.h"
+#include "vx/msg.h"
 
+#include "frame/catalogue.h"
+#include "frame/map_state.h"
 #include "frame/message_table.h"
+#include "frame/modules.h"
 #include "tests/support/test.h"
 #include "text/lang.h"
-#include "vx/msg.h"
+#include "vx/tools.h"
 
 using namespace vx;
 using frame::Catalogue;
@@ -133,6 +136,150 @@ TEST_F(Catalogues, TheShippedTextsStandAtTheirLabels)
             --label;
         EXPECT_EQ(std::string(label, text), std::to_string(number) + ",");
     }
+}
+
+struct Window {
+    int calls;
+    int32_t kind, result, answer;
+    char text[100];
+} window;
+
+struct Messages : testing::Test {
+    Messages() : catalogue_(frame::modules().tools.messages)
+    {
+        VxMsgFree();
+        VxMsgLoadFile("Tools.MSG", &frame::modules().tools.messages);
+        window = {};
+        VgMsgGuiIsUp = 1;
+        host_(106, [](int32_t kind, int32_t, const char *text, int32_t *answer) {
+            window = {window.calls + 1, kind, window.result, window.answer, {}};
+            std::strncpy(window.text, text, sizeof window.text - 1);
+            *answer = window.answer;
+            return window.result;
+        });
+    }
+
+    ~Messages() override
+    {
+        VgMsgGuiIsUp = 0;
+        frame::modules().tools.messages = catalogue_;
+        VxMsgFree();
+    }
+
+    test::Host host_;
+
+    int32_t catalogue_;
+};
+
+TEST_F(Messages, AMessageGoesToTheWindowElseItIsPrintedAndAQuestionAnsweredYes)
+{
+    test::CapturedOutput output;
+    EXPECT_EQ(VxMessage("100%d"), 0u);
+    EXPECT_EQ(window.kind, 1);
+    EXPECT_STREQ(window.text, "100%d");
+    window.result = -3;
+    EXPECT_EQ(VxMessage("again"), 1u);
+    VgMsgGuiIsUp = 0;
+    EXPECT_EQ(VxMessage("no window"), 0u);
+    VgMsgGuiIsUp = 1;
+    host_(106, nullptr);
+    EXPECT_EQ(VxMessage("no function"), 0u);
+    EXPECT_EQ(VxMessage2(1), 0u);
+    EXPECT_EQ(output.text(), "no window\nno function\n");
+}
+
+TEST_F(Messages, AQuestionIsAskedWithRealLineBreaksAndOnlyAPositiveAnswerIsYes)
+{
+    for (auto [answer, failed, result] : {std::tuple{1, 0, 0u}, {0, 0, 1u}, {-1, 0, 1u}, {1, 1, 1u}}) {
+        window.answer = answer;
+        window.result = failed;
+        EXPECT_EQ(VxMessage2(1), result) << answer << ", " << failed;
+        EXPECT_EQ(window.kind, 2);
+        EXPECT_STREQ(window.text, "The file already exists.\nDo you want to replace it?");
+    }
+    for (int32_t number : {11, INT32_MAX, INT32_MIN}) {
+        VxMessage2(number);
+        EXPECT_STREQ(window.text, " ") << number;
+    }
+}
+
+TEST_F(Messages, WithoutMemoryNothingIsAsked)
+{
+    window.answer = 1;
+    test::refusingEachAllocation([] {
+        int before = window.calls;
+        uint32_t result = VxMessage2(1);
+        EXPECT_EQ(result, window.calls == before ? 1u : 0u);
+    });
+}
+
+struct Maps : testing::Test {
+    Maps() { folder_.write("file", "contents"); }
+    ~Maps() override
+    {
+        while (!frame::maps().open.empty())
+            VxUnMap(frame::maps().open.back().view);
+    }
+
+    test::TempFolder folder_;
+    std::string file_ = folder_.text("file");
+};
+
+TEST_F(Maps, AFileIsSeenThroughItsViewAndWhatIsWrittenReachesIt)
+{
+    for (int32_t mode : {0, 1, 2}) {
+        SCOPED_TRACE(mode);
+        folder_.write("file", "contents");
+        int64_t size = 0;
+        auto view = static_cast<char *>(VxMap(file_.c_str(), mode, &size));
+        ASSERT_TRUE(view && size == 8);
+        EXPECT_EQ(mode == 1 ? "contents" : std::string(view, 8), "contents");
+        if (mode != 0)
+            view[0] = 'C';
+        EXPECT_EQ(VxUnMap(view), 0u);
+        EXPECT_EQ(VxUnMap(view), 1u);
+        EXPECT_EQ(folder_.read("file"), mode == 0 ? "contents" : "Contents");
+    }
+}
+
+TEST_F(Maps, WhatCannotBeMappedGivesNull)
+{
+    folder_.write("empty", "");
+    int64_t size = -7;
+    for (int32_t mode : {0, 1, 2})
+        EXPECT_EQ(VxMap(folder_.text("empty").c_str(), mode, &size), nullptr);
+    EXPECT_EQ(VxMap(folder_.text("missing").c_str(), 0, &size), nullptr);
+    EXPECT_FALSE(fs::exists(folder_.native() / "missing"));
+    EXPECT_EQ(VxMap(nullptr, 0, &size), nullptr);
+    EXPECT_EQ(VxMap(file_.c_str(), 0, nullptr), nullptr);
+    EXPECT_EQ(size, -7);
+    EXPECT_EQ(VxUnMap(&size), 1u);
+}
+
+TEST_F(Maps, ThereIsRoomFor1023)
+{
+    int64_t size = 0;
+    for (int i = 0; i < 1023; ++i)
+        ASSERT_NE(VxMap(file_.c_str(), 0, &size), nullptr);
+    EXPECT_EQ(VxMap(file_.c_str(), 0, &size), nullptr);
+    EXPECT_EQ(VxUnMap(frame::maps().open[500].view), 0u);
+    EXPECT_NE(VxMap(file_.c_str(), 0, &size), nullptr);
+}
+
+TEST_F(Maps, ARefusalLeavesTheTableAsItWas)
+{
+    auto body = [&] {
+        int64_t size = -7;
+        void *view = VxMap(file_.c_str(), 0, &size);
+        EXPECT_EQ(size, view ? 8 : -7);
+        EXPECT_EQ(frame::maps().open.size(), view ? 1u : 0u);
+        VxUnMap(view);
+        EXPECT_TRUE(frame::maps().open.empty());
+        frame::maps().open.shrink_to_fit();
+    };
+    frame::maps().open.shrink_to_fit();
+    test::refusingEachAllocation(body);
+    test::refusingEachVerb(body, "mapFile");
 }
 
 }
