@@ -73,9 +73,7 @@ TEST_F(FileNames, TemporaryFilesLieBesideAPathAndNeedRoomForTheirName)
 
 TEST_F(FileNames, TheExtensionStandsBehindTheLastPointOfTheName)
 {
-    for (auto [name, extension] : {std::pair{"a.b.c", "c"},
-                                   {"d.x\\a", ""},
-                                   {"d.x/a", ""},
+    for (auto [name, extension] : {std::pair{"a.b.c", "c"}, {"d.x\\a", ""}, {"d.x/a", ""},
                                    {"a.0123456789abcdefgh", "0123456789abcde"}})
         EXPECT_STREQ(VxFileExt(name), extension) << name;
     test::CodePageScope japanese(932);

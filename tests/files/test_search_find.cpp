@@ -168,18 +168,10 @@ TEST_F(SearchFind, TheCacheNeverChangesAnAnswer)
         [&] { DmPathDel(entry.c_str()); },
         [&] { fs::remove_all(sub); },
         [&] { fs::remove_all(folder.native() / directory); },
-        [&] {
-            fs::rename(sub, folder.native() / one({"A", "B", "C"}) / "v", none);
-        },
-        [&] {
-            fs::create_directory_symlink(one({".", "s", "../A", "nowhere"}), sub, none);
-        },
-        [&] {
-            fs::remove(sub / one({"f", "g"}), none);
-        },
-        [&] {
-            folder.write(directory + one({"/f", "/g"}), "");
-        },
+        [&] { fs::rename(sub, folder.native() / one({"A", "B", "C"}) / "v", none); },
+        [&] { fs::create_directory_symlink(one({".", "s", "../A", "nowhere"}), sub, none); },
+        [&] { fs::remove(sub / one({"f", "g"}), none); },
+        [&] { folder.write(directory + one({"/f", "/g"}), ""); },
         makeFile,
         makeFile,
     };

@@ -18,9 +18,7 @@ TEST(NativePath, DrivesGoThroughTheMapAndComeBackByTheLongestPrefix)
     EXPECT_STREQ(os::NativePath("d:\\a").c_str(), "/mnt/d/a");
     EXPECT_STREQ(os::NativePath("P:a").c_str(), "/srv/p/a");
     EXPECT_EQ(os::NativePath("X:\\a").error(), os::Error::notFound);
-    for (auto [native, text] : {std::pair{"/mnt/d/a", "D:\\a"},
-                                {"/mnt/d/q/b", "Q:\\b"},
-                                {"/mnt/d", "D:\\"},
+    for (auto [native, text] : {std::pair{"/mnt/d/a", "D:\\a"}, {"/mnt/d/q/b", "Q:\\b"}, {"/mnt/d", "D:\\"},
                                 {"/mnt/data", "\\mnt\\data"}})
         EXPECT_EQ(back(native), text);
 }

@@ -162,12 +162,8 @@ TEST_F(Config, LoadingStopsAtTheFirstFileThatFails)
 TEST_F(Config, AnIntegerIsWrittenInTheStyleTheOptionHas)
 {
     values = {{"answer", "Yes"}, {"number", "12"}, {"text", "blue"}};
-    for (auto [key, number] : {std::pair{"answer", 1},
-                               {"answer", 0},
-                               {"answer", 12345},
-                               {"answer", -123},
-                               {"number", INT32_MIN},
-                               {"text", 5}})
+    for (auto [key, number] : {std::pair{"answer", 1}, {"answer", 0}, {"answer", 12345}, {"answer", -123},
+                               {"number", INT32_MIN}, {"text", 5}})
         EXPECT_EQ(VxAcmInt(key, number), 7u) << "the manager's status is passed on";
     EXPECT_EQ(VxAcmInt("missing", 5), 1u);
     EXPECT_THAT(written,

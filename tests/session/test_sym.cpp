@@ -144,10 +144,8 @@ TEST_F(SymbolTable, EveryTestRunsOnceAndItsOutcomeGoesToTheEventLog)
     test::RecordedEvents recorded;
     VxSymExecAllTestFcns();
     using Events = std::vector<test::RecordedEvents::Event>;
-    EXPECT_EQ(recorded.events, (Events{{5, "Tools", "[Fail] bad"},
-                                       {1, "Tools", "[Pass] more"},
-                                       {5, "Tools", "[Fail] none"},
-                                       {1, "Tools", "[Pass] 100%s"}}));
+    EXPECT_EQ(recorded.events, (Events{{5, "Tools", "[Fail] bad"}, {1, "Tools", "[Pass] more"},
+                                       {5, "Tools", "[Fail] none"}, {1, "Tools", "[Pass] 100%s"}}));
     EXPECT_EQ(session::symbols().tests.size(), 104u);
 }
 
