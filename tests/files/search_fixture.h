@@ -33,7 +33,7 @@ struct SearchFixture : ToolkitFixture {
 
     static std::string active()
     {
-        return out([](char *to, int32_t size) { return DmPathActiveGet(to, size) == 0; });
+        return out([](char *to, int32_t size) { return DmPathActiveGet(to, size); });
     }
 
     /** What the user was shown. */

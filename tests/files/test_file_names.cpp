@@ -7,14 +7,13 @@ namespace {
 struct FileNames : test::ToolkitFixture {
     static std::string unique(const char *extension = "x", int32_t size = 64)
     {
-        return test::out(
-            [&](char *to, int32_t room) { return VxFileUniqueName(".", "t", extension, to, room) == 0; },
-            size);
+        auto name = [&](char *to, int32_t room) { return VxFileUniqueName(".", "t", extension, to, room); };
+        return test::out(name, size);
     }
     static std::string numbered(const char *pattern, int32_t size = 64, const char *dir = ".")
     {
-        return test::out(
-            [&](char *to, int32_t room) { return VxFileUniqueName2(dir, pattern, to, room) == 0; }, size);
+        auto name = [&](char *to, int32_t room) { return VxFileUniqueName2(dir, pattern, to, room); };
+        return test::out(name, size);
     }
 };
 
@@ -24,11 +23,11 @@ TEST_F(FileNames, TheFirstFreeNumberNamesTheFile)
         if (n != 3)
             folder.write("t" + std::to_string(1000 + n).substr(1) + ".x", "");
     EXPECT_EQ(unique("x", 7), "t003.x");
-    EXPECT_EQ(unique("x", 6)[0] + unique(nullptr)[0], 2 * '!');
+    EXPECT_EQ(unique("x", 6) + unique(nullptr), "!!");
     folder.make({"t003.x"});
     EXPECT_EQ(unique(), "t999.x");
     folder.make({"t999.x"});
-    EXPECT_EQ(unique()[0], '!');
+    EXPECT_THAT(unique(), StartsWith("!"));
 }
 
 TEST_F(FileNames, PatternsHoldOneNumberAndNothingElse)
@@ -39,8 +38,8 @@ TEST_F(FileNames, PatternsHoldOneNumberAndNothingElse)
     }
     EXPECT_EQ(numbered("%d", 2), "1");
     for (const char *pattern : {"", "a", "%", "%%", "%s", "%d%d", "%d%n", "%100d", "%-3d", "%ld", "%i"})
-        EXPECT_EQ(numbered(pattern)[0], '!') << pattern;
-    EXPECT_EQ(numbered("%d", 64, "none")[0] + numbered("%d", 1)[0], 2 * '!');
+        EXPECT_EQ(numbered(pattern), "!") << pattern;
+    EXPECT_THAT((Texts{numbered("%d", 64, "none"), numbered("%d", 1)}), testing::Each(StartsWith("!")));
 }
 
 // Processes take names from the same start at the same time.
@@ -106,13 +105,13 @@ TEST_F(FileNames, FilesAreFoundBelowTheCurrentFolderAndThenTheRoot)
     folder.make({"d/both", "root/d/both", "root/d/one"});
     VxStrCpy(files::pathState.root, folder.text("root\\").c_str(), sizeof files::pathState.root);
     auto find = [](const char *dir, const char *name, size_t size = 300) {
-        return test::out([&](char *to, int32_t room) { return VxFileFind(dir, name, to, room) == 1; },
+        return test::out([&](char *to, int32_t room) { return VxFileFind(dir, name, to, room); },
                          static_cast<int32_t>(size));
     };
     std::string one = folder.text("root\\d\\one");
     EXPECT_EQ(find("d", "both"), folder.text("d\\both"));
     EXPECT_EQ(find("d\\", "one"), one);
-    EXPECT_EQ(find("d", "one", one.size())[0] + find("d", "none")[0], 2 * '!');
+    EXPECT_EQ(find("d", "one", one.size()) + find("d", "none"), "!!");
 }
 
 }

@@ -28,6 +28,11 @@ template <typename Function, typename... Arguments> Texts listed(Function functi
     return taken(list);
 }
 
+std::string found(const char *dir, const char *name, int32_t size = 300)
+{
+    return test::out([&](char *to, int32_t room) { return VxDirFind(dir, name, to, room); }, size);
+}
+
 TEST_F(Folders, OneIsMadeOrAllOfAChain)
 {
     EXPECT_EQ(VxDirMk("a") + VxDirMk("a") + VxDirMk("a/b\\"), 0u);
@@ -82,9 +87,7 @@ TEST_F(Folders, NamesOfEveryCodePageComeBackAsTheyWereGiven)
         EXPECT_EQ(VxFileClean((inside + "\\y").c_str()), 0u);
         EXPECT_EQ(VxDirCpy("d", "copy"), 0u);
         EXPECT_TRUE(fs::exists(fs::path("copy") / native / "y.bak"));
-        char out[300];
-        EXPECT_EQ(VxDirFind("copy", name, out, sizeof out), 1);
-        EXPECT_EQ(out, "copy\\" + std::string(name));
+        EXPECT_EQ(found("copy", name), "copy\\" + std::string(name));
         EXPECT_EQ(VxDirDel("copy") + VxDirDel("d"), 0u);
     }
 }
@@ -97,10 +100,8 @@ TEST_F(Folders, AllBelowAreListedAndFoundDepthFirst)
     std::string d = folder.text("d\\");
     EXPECT_THAT(listed(VxDirSub, "./d/../d"), ElementsAre(d + "a", d + "a\\up", d + "a\\x", d + "a\\y",
                                                           d + "a\\y\\x", d + "B", d + "c", d + "c\\X"));
-    char out[16];
-    EXPECT_EQ(VxDirFind("d", "x", out, 6), 1);
-    EXPECT_STREQ(out, "d\\a\\x");
-    EXPECT_EQ(VxDirFind("d", "x", out, 5), 0) << "a byte too little";
+    EXPECT_EQ(found("d", "x", 6), "d\\a\\x");
+    EXPECT_EQ(found("d", "x", 5), "!") << "a byte too little";
 }
 
 TEST_F(Folders, TreesAreCopiedWithWhatLinksLeadToButNotInCircles)

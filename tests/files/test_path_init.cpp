@@ -62,10 +62,9 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
         for (int32_t number : {9, 10})
             start.directories.push_back(folders.folders[static_cast<size_t>(number)] + "\\");
         EXPECT_EQ(registered(), start.directories);
-        EXPECT_EQ(files::pathState.root, root);
-        EXPECT_EQ(VgPathUserFolder, start.user);
+        EXPECT_EQ((Texts{files::pathState.root, files::pathState.install, VgPathUserFolder}),
+                  (Texts{root, install, start.user}));
         EXPECT_EQ(fs::current_path(), folder.native() / start.current);
-        EXPECT_EQ(files::pathState.install, install);
         VxPathFree();
         fs::remove_all(folder.native() / "home");
     }

@@ -23,18 +23,14 @@ template <int32_t number> void maps(const char *, char *out, int32_t size)
 struct SearchFind : test::SearchFixture {
     SearchFind() { answers.clear(); }
 
-    /** By DmPathFind, or in one entry. */
-    static std::string find(const std::string &name, int32_t size = 512, const char *entry = nullptr)
+    static std::string find(const std::string &name, int32_t size = 512)
     {
-        char buffer[512];
-        snprintf(buffer, sizeof buffer, "%s", name.c_str());
-        bool hit = (entry ? DmPathFindSubDir(entry, buffer, size) : DmPathFind(buffer, size)) != 0;
-        EXPECT_TRUE(hit || buffer == name) << "a miss changes nothing";
-        return hit ? buffer : "none";
+        return test::found(DmPathFind, name, size);
     }
     static std::string findIn(const std::string &entry, const std::string &name)
     {
-        return find(name, 512, entry.c_str());
+        auto search = [&](char *to, int32_t room) { return DmPathFindSubDir(entry.c_str(), to, room); };
+        return test::found(search, name);
     }
 
     /** Whether a file that is made now wins over those made before. */
@@ -46,10 +42,10 @@ struct SearchFind : test::SearchFixture {
 
     static std::string general(const char *name, int32_t size = 512)
     {
-        char out[512] = "?";
-        int32_t hit = DmFileFind(name, size, out);
-        EXPECT_EQ(hit, *out ? 1 : 0);
-        return out;
+        auto search = [&](char *to, int32_t room) { return DmFileFind(name, room, to); };
+        std::string path = test::out(search, size, "?");
+        EXPECT_NE(path, "") << "a hit without a path";
+        return path == "!" ? "" : path;
     }
 
     /** Let time go by; what changed on the disk since the last call changed before that. */

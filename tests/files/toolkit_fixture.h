@@ -89,12 +89,25 @@ private:
     fs::path current_ = fs::current_path();
 };
 
-/** What a function leaves in a buffer of this size, "!" in front when it says that it failed. */
-template <typename Function> std::string out(Function function, int32_t size = 300)
+/**
+ * What a function leaves in a buffer of this size that holds `text` before,
+ * "!" in front when it fails: its result is not 0, or it is "not found".
+ */
+template <typename Function> std::string out(Function function, int32_t size = 300, const char *text = "")
 {
-    char buffer[600] = "";
-    bool done = function(buffer, size);
-    return (done ? "" : "!") + std::string(buffer);
+    char buffer[600];
+    snprintf(buffer, sizeof buffer, "%s", text);
+    auto result = function(buffer, size);
+    bool failed = std::is_unsigned_v<decltype(result)> ? result != 0 : result == 0;
+    return (failed ? "!" : "") + std::string(buffer);
+}
+
+/** What a search makes of a name in a buffer: a path, or "none". */
+template <typename Search> std::string found(Search search, const std::string &name, int32_t size = 512)
+{
+    std::string text = out(search, size, name.c_str());
+    EXPECT_TRUE(text[0] != '!' || text.substr(1) == name) << "a miss changes nothing";
+    return text[0] == '!' ? "none" : text;
 }
 
 }
