@@ -63,8 +63,7 @@ TEST_F(Options, MissingFilesAndFaultyLinesAreToldAndTheOtherLinesCount)
 {
     folder.write(name(0), "A = 1\nnonsense\nB = 2\n= 3\n");
     test::CaughtLog log;
-    EXPECT_TRUE(load(0));
-    EXPECT_TRUE(load(1));
+    EXPECT_TRUE(load(0) && load(1));
     EXPECT_FALSE(load(3)) << "the defaults may not be missing";
     EXPECT_EQ(value("A") + value("B"), "12");
     EXPECT_THAT(log.texts(), ElementsAre(HasSubstr(path(0) + ", line 2: "), HasSubstr(path(0) + ", line 4: "),
@@ -78,8 +77,7 @@ TEST_F(Options, AUsersValueCountsAtOnceAndIsInTheFileForTheNextSession)
     folder.write(name(0), "# mine\nA = 1\n");
     folder.write(name(3), "A = 0\nB = 0\n");
     ASSERT_TRUE(loadAll());
-    EXPECT_EQ(set("A", " 2 "), 0U);
-    EXPECT_EQ(set("B", "x = \"y\""), 0U);
+    EXPECT_EQ(set("A", " 2 ") + set("B", "x = \"y\""), 0U);
     EXPECT_EQ(value("A"), "2");
     EXPECT_EQ(value("B", true), "0");
     EXPECT_EQ(folder.read(name(0)), "# mine\nA = 2\nB = x = \"y\"\n");

@@ -162,16 +162,14 @@ TEST_F(Run, printsATableOfEveryKindOfValue)
 {
     EXPECT_THAT(runFile("title = \"a plate\"\nwidth : mm = 3.in\narea = width*width\nratio = 1/8\n"
                         "dir = vector(1, 0, 0.5)\ncorner = point(width, 0, 0)\nturn : deg = atan2(1, 1)\n"),
-                FieldsAre(0,
-                          "name      value  unit\n"
-                          "title   a plate\n"
-                          "width      76.2  mm\n"
-                          "area    5806.44  mm^2\n"
-                          "ratio     0.125\n"
-                          "dir     1 0 0.5\n"
-                          "corner  76.2 0 0\n"
-                          "turn         45  deg\n",
-                          ""));
+                FieldsAre(0, "name      value  unit\n"
+                             "title   a plate\n"
+                             "width      76.2  mm\n"
+                             "area    5806.44  mm^2\n"
+                             "ratio     0.125\n"
+                             "dir     1 0 0.5\n"
+                             "corner  76.2 0 0\n"
+                             "turn         45  deg\n", ""));
 }
 
 TEST_F(Run, printsCommaSeparatedValues)
@@ -285,19 +283,17 @@ TEST_F(Console, definesChangesAndAnswers)
 {
     EXPECT_THAT(
         vxsh({}, "a = 3\nb : mm = a*2.mm\n# a comment\n\na = 4\nb\nb*2\nsin(30)\nlist\nquit\nnever = 1\n"),
-        FieldsAre(0,
-                  "a = 3\n"
-                  "b = 6 mm\n"
-                  "a = 4\n"
-                  "b = 8 mm\n"
-                  "b : mm = a*2.mm\n"
-                  "b = 8 mm\n"
-                  "16 mm\n"
-                  "0.5\n"
-                  "name  value  unit\n"
-                  "a         4\n"
-                  "b         8  mm\n",
-                  ""));
+        FieldsAre(0, "a = 3\n"
+                     "b = 6 mm\n"
+                     "a = 4\n"
+                     "b = 8 mm\n"
+                     "b : mm = a*2.mm\n"
+                     "b = 8 mm\n"
+                     "16 mm\n"
+                     "0.5\n"
+                     "name  value  unit\n"
+                     "a         4\n"
+                     "b         8  mm\n", ""));
 }
 
 TEST_F(Console, takesDefinitionsBeforeWhatTheyNeedAndKeepsThemWhenAChangeIsMalformed)
