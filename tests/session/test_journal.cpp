@@ -39,7 +39,7 @@ TEST_F(Journal, LinesFollowTheStampThatOnlyANewFileHasUpToTheSizeLimit)
     for (const char *line : {"first", "", static_cast<const char *>(nullptr), "50% \xE9\n"})
         EXPECT_EQ(VxJnlPrint(line), 0u);
     EXPECT_EQ(content(), stamp() + "first\r\n\r\n50% \xE9\n\r\n");
-    options.values["SessionJournalSize"] = "0.000004";
+    options.values["SessionJournalSize"] = "0.000003814697265625"; // 4 bytes
     folder.write("a.log", "1234");
     VxJnlPrint("5");
     EXPECT_EQ(content(), "12345\r\n") << "the limit itself is allowed";
