@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tests/files/toolkit_fixture.h"
 #include "vx/dmpath.h"
 
@@ -13,8 +10,7 @@ struct SearchFixture : ToolkitFixture {
     SearchFixture()
     {
         shown.clear();
-        host(
-            71, +[](const char *text) { shown.emplace_back(text); });
+        host(71, [](const char *text) { shown.emplace_back(text); });
         folders.folders[14] = folder.text("paths.txt");
     }
 
@@ -26,9 +22,9 @@ struct SearchFixture : ToolkitFixture {
         return added;
     }
 
-    static std::vector<std::string> entries()
+    static Texts entries()
     {
-        std::vector<std::string> texts;
+        Texts texts;
         char text[256];
         for (int32_t first = 1; DmPathGet(&first, text, sizeof text) == 0;)
             texts.emplace_back(text);
@@ -37,13 +33,11 @@ struct SearchFixture : ToolkitFixture {
 
     static std::string active()
     {
-        char text[256];
-        EXPECT_EQ(DmPathActiveGet(text, sizeof text), 0u);
-        return text;
+        return out([](char *to, int32_t size) { return DmPathActiveGet(to, size); });
     }
 
     /** What the user was shown. */
-    static inline std::vector<std::string> shown;
+    static inline Texts shown;
 };
 
 }

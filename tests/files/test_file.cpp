@@ -1,16 +1,6 @@
-#include <cerrno>
-#include <filesystem>
-#include <string>
-
-#include <gmock/gmock.h>
-
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/child.h"
-#include "vx/file.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
-using testing::ElementsAre;
 
 namespace {
 
@@ -18,8 +8,7 @@ using File = test::ToolkitFixture;
 
 TEST_F(File, DeletingWhatIsNotThereIsReportedAndRemovingItIsNot)
 {
-    folder.write("a/f", "");
-    folder.write("f", "");
+    folder.make({"a/f", "f"});
     EXPECT_EQ(VxFileDel("a/f"), 0u);
     EXPECT_EQ(VxFileDel("a/f"), 1u);
     EXPECT_EQ(VxFileRem("f") + VxFileRem("f"), 0u);
@@ -29,12 +18,11 @@ TEST_F(File, DeletingWhatIsNotThereIsReportedAndRemovingItIsNot)
 
 TEST_F(File, ThereIsWhatHasANameAndWritableWhatNobodyHolds)
 {
-    folder.write("f", "text");
+    folder.make({"f"});
     EXPECT_EQ(VxFileExists("f") + VxFileExists("."), 2);
     EXPECT_EQ(VxFileExists("g") + VxFileExists(""), 0);
-    EXPECT_EQ(VxFileWrite("f"), 1);
-    EXPECT_EQ(VxFileWrite("none"), -1);
-    EXPECT_EQ(VxFileWrite("."), 0);
+    for (auto [name, writable] : {std::pair{"f", 1}, {"none", -1}, {".", 0}})
+        EXPECT_EQ(VxFileWrite(name), writable) << name;
     FILE *held = nullptr;
     VxFileOpen(&held, "f", "r");
     EXPECT_EQ(VxFileWrite("f"), 0);
@@ -47,10 +35,7 @@ TEST_F(File, HandlesShareAsTheyAreAsked)
 {
     constexpr uint32_t read = 0x1, write = 0x2, shareRead = 0x10000, shareWrite = 0x20000, create = 0x40000,
                        existing = 0x80000;
-    const struct {
-        uint32_t first, second;
-        bool both;
-    } cases[] = {
+    const std::tuple<uint32_t, uint32_t, bool> cases[] = {
         {read | shareRead, read | shareRead, true},
         {read | shareRead, write | shareRead | shareWrite, true},
         {read, read | shareRead, false},
@@ -58,24 +43,22 @@ TEST_F(File, HandlesShareAsTheyAreAsked)
         {write | shareRead, read | shareRead | shareWrite, true},
         {write | shareRead | shareWrite, write | shareRead, false},
     };
-    void *first = nullptr;
-    void *second = nullptr;
-    EXPECT_EQ(VxFileOpenEx(&first, "f", read | write | existing), 1u);
-    ASSERT_EQ(VxFileOpenEx(&first, "f", read | write | create), 0u);
-    EXPECT_EQ(VxFileOpenEx(&second, "f", read | create), 1u);
-    VxFileCloseEx(&first);
-    for (const auto &c : cases) {
-        ASSERT_EQ(VxFileOpenEx(&first, "f", c.first | existing), 0u);
-        EXPECT_EQ(VxFileOpenEx(&second, "f", c.second | existing) == 0, c.both) << std::hex << c.second;
-        EXPECT_EQ(VxFileCloseEx(&first) + VxFileCloseEx(&second) + VxFileCloseEx(&first), 0u);
+    void *one = nullptr, *two = nullptr;
+    EXPECT_EQ(VxFileOpenEx(&one, "f", read | write | existing), 1u);
+    ASSERT_EQ(VxFileOpenEx(&one, "f", read | write | create), 0u);
+    EXPECT_EQ(VxFileOpenEx(&two, "f", read | create), 1u);
+    VxFileCloseEx(&one);
+    for (auto [first, second, both] : cases) {
+        ASSERT_EQ(VxFileOpenEx(&one, "f", first | existing), 0u);
+        EXPECT_EQ(VxFileOpenEx(&two, "f", second | existing) == 0, both) << std::hex << second;
+        EXPECT_EQ(VxFileCloseEx(&one) + VxFileCloseEx(&two) + VxFileCloseEx(&one), 0u);
     }
 }
 
 TEST_F(File, StreamsStandWhereTheyAreSentTo)
 {
     FILE *stream = nullptr;
-    ASSERT_EQ(VxFileOpen(&stream, "f", "w+b"), 0u);
-    EXPECT_EQ(VxFileSeek(stream, 5'000'000'000, 0), 0u);
+    ASSERT_EQ(VxFileOpen(&stream, "f", "w+b") + VxFileSeek(stream, 5'000'000'000, 0), 0u);
     fputc('x', stream);
     EXPECT_EQ(VxFileSeek(stream, -2, 1) + VxFileSeek(stream, 0, 2), 0u);
     EXPECT_EQ(VxFileTell(stream), 5'000'000'001);
@@ -111,15 +94,15 @@ TEST_F(File, TheDeviceTellsItsRoomAlsoForWhatIsStillToBeMade)
 
 TEST_F(File, AttributesAreSetOneByOneAndClearedTogether)
 {
-    folder.write("f", "");
+    folder.make({"f"});
     EXPECT_EQ(VxFileGetAttribute("none"), 0xFFFFFFFFu);
     EXPECT_EQ(VxFileSetAttribute("f", 0x21) + VxFileHide("f"), 0u);
     EXPECT_EQ(VxFileGetAttribute("f"), 0x23u);
     EXPECT_EQ(fs::status("f").permissions() & fs::perms(0222), fs::perms::none);
-    EXPECT_EQ(VxFileFixAtt("f"), 0u);
-    EXPECT_EQ(VxFileGetAttribute("f"), 0x22u);
-    EXPECT_EQ(VxFileShow("f"), 0u);
-    EXPECT_EQ(VxFileGetAttribute("f"), 0x80u);
+    for (auto [clear, attributes] : {std::pair{&VxFileFixAtt, 0x22u}, {&VxFileShow, 0x80u}}) {
+        EXPECT_EQ(clear("f"), 0u);
+        EXPECT_EQ(VxFileGetAttribute("f"), attributes);
+    }
     // Files of the kernel's own have no place for it: the process remembers.
     EXPECT_EQ(VxFileHide("\\proc\\self\\comm"), 0u);
     EXPECT_EQ(VxFileIsHide("\\proc\\self\\comm"), 1);
@@ -127,7 +110,7 @@ TEST_F(File, AttributesAreSetOneByOneAndClearedTogether)
 
 TEST_F(File, TheStatusTellsTypeIdentityAndSizesOf31Or64Bits)
 {
-    folder.write("f", "");
+    folder.make({"f"});
     fs::create_hard_link("f", "g");
     fs::resize_file("f", 0x7FFFFFFF);
     VxStat f;

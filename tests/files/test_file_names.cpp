@@ -1,73 +1,58 @@
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "files/path_state.h"
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/child.h"
-#include "tests/support/code_page.h"
-#include "vx/file.h"
-#include "vx/str.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
-using FileNames = test::ToolkitFixture;
+struct FileNames : test::ToolkitFixture {
+    static std::string unique(const char *extension = "x", int32_t size = 64)
+    {
+        auto name = [&](char *to, int32_t room) { return VxFileUniqueName(".", "t", extension, to, room); };
+        return test::out(name, size);
+    }
+    static std::string numbered(const char *pattern, int32_t size = 64, const char *dir = ".")
+    {
+        auto name = [&](char *to, int32_t room) { return VxFileUniqueName2(dir, pattern, to, room); };
+        return test::out(name, size);
+    }
+};
 
 TEST_F(FileNames, TheFirstFreeNumberNamesTheFile)
 {
-    char name[64];
     for (int n = 1; n < 999; ++n)
         if (n != 3)
             folder.write("t" + std::to_string(1000 + n).substr(1) + ".x", "");
-    EXPECT_EQ(VxFileUniqueName(folder.text().c_str(), "t", "x", name, 7), 0u);
-    EXPECT_STREQ(name, "t003.x");
-    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, 6) + VxFileUniqueName(".", "t", nullptr, name, 64), 2u);
-    folder.write("t003.x", "");
-    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, sizeof name), 0u);
-    EXPECT_STREQ(name, "t999.x");
-    folder.write(name, "");
-    EXPECT_EQ(VxFileUniqueName(".", "t", "x", name, sizeof name), 1u);
+    EXPECT_EQ(unique("x", 7), "t003.x");
+    EXPECT_EQ(unique("x", 6) + unique(nullptr), "!!");
+    folder.make({"t003.x"});
+    EXPECT_EQ(unique(), "t999.x");
+    folder.make({"t999.x"});
+    EXPECT_THAT(unique(), StartsWith("!"));
 }
 
 TEST_F(FileNames, PatternsHoldOneNumberAndNothingElse)
 {
-    char name[64];
     for (const char *expected : {"a01-b", "a02-b"}) {
-        EXPECT_EQ(VxFileUniqueName2(".", "a%02d-b", name, sizeof name), 0u);
-        EXPECT_STREQ(name, expected);
+        EXPECT_EQ(numbered("a%02d-b"), expected);
         EXPECT_TRUE(fs::exists(expected));
     }
-    EXPECT_EQ(VxFileUniqueName2(".", "%d", name, 2), 0u);
+    EXPECT_EQ(numbered("%d", 2), "1");
     for (const char *pattern : {"", "a", "%", "%%", "%s", "%d%d", "%d%n", "%100d", "%-3d", "%ld", "%i"})
-        EXPECT_EQ(VxFileUniqueName2(".", pattern, name, sizeof name), 1u) << pattern;
-    EXPECT_EQ(VxFileUniqueName2("none", "%d", name, sizeof name) + VxFileUniqueName2(".", "%d", name, 1), 2u);
+        EXPECT_EQ(numbered(pattern), "!") << pattern;
+    EXPECT_THAT((Texts{numbered("%d", 64, "none"), numbered("%d", 1)}), testing::Each(StartsWith("!")));
 }
 
-// Two processes take names from the same start at the same time.
+// Processes take names from the same start at the same time.
 TEST_F(FileNames, NobodyGetsANameTwice)
 {
-    constexpr int processes = 4;
-    constexpr int names = 200;
-    auto take = [&] {
+    constexpr int processes = 4, names = 200;
+    EXPECT_TRUE(test::inChildren(processes, [](int) {
         char name[64];
         for (int i = 0; i < names; ++i)
             if (VxFileTemp(".\\x", sizeof name, name) || VxFileUniqueName2(".", "u%d", name, sizeof name))
                 return false;
         return true;
-    };
-    {
-        std::vector<std::unique_ptr<test::Child>> children;
-        for (int i = 0; i < processes; ++i)
-            children.push_back(std::make_unique<test::Child>(take));
-        for (auto &child : children)
-            EXPECT_TRUE(child->succeeded());
-    }
+    }));
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2 * processes * names);
 }
 
@@ -76,7 +61,7 @@ TEST_F(FileNames, TemporaryFilesLieBesideAPathAndNeedRoomForTheirName)
     fs::create_directory("d");
     char name[300];
     ASSERT_EQ(VxFileTemp("d/x.prt", sizeof name, name), 0u);
-    EXPECT_EQ(std::string(name).substr(0, 4), "d\\hk");
+    EXPECT_THAT(name, StartsWith("d\\hk"));
     EXPECT_EQ(VxFileSize(name), 0);
     EXPECT_EQ(VxFileTemp("x.prt", 9, name) + VxFileTemp("none\\x", sizeof name, name), 2u);
     FILE *stream = VxFileTmp();
@@ -87,15 +72,14 @@ TEST_F(FileNames, TemporaryFilesLieBesideAPathAndNeedRoomForTheirName)
 
 TEST_F(FileNames, TheExtensionStandsBehindTheLastPointOfTheName)
 {
-    for (auto [name, extension] : {std::pair{"a.b.c", "c"},
-                                   {"d.x\\a", ""},
-                                   {"d.x/a", ""},
+    for (auto [name, extension] : {std::pair{"a.b.c", "c"}, {"d.x\\a", ""}, {"d.x/a", ""},
                                    {"a.0123456789abcdefgh", "0123456789abcde"}})
         EXPECT_STREQ(VxFileExt(name), extension) << name;
     test::CodePageScope japanese(932);
     EXPECT_STREQ(VxFileExt("a.0123456789abcd\x95\x5C"), "0123456789abcd") << "cut behind a character";
     EXPECT_EQ(VxFileValidExt("d\\a.TLPrt") + VxFileValidExt("a.Tl") + VxFileValidExt_Viewer("a.TLD"), 3);
     EXPECT_EQ(VxFileValidExt("a.txt") + VxFileValidExt("a.tlprt\\b") + VxFileValidExt_Viewer("a.tlprt"), 0);
+    EXPECT_EQ(VxZip(0) + std::string(VxZip(1)), "zip.exeunzip.exe");
 }
 
 TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
@@ -118,18 +102,16 @@ TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
 
 TEST_F(FileNames, FilesAreFoundBelowTheCurrentFolderAndThenTheRoot)
 {
-    folder.write("d/both", "");
-    folder.write("root/d/both", "");
-    folder.write("root/d/one", "");
+    folder.make({"d/both", "root/d/both", "root/d/one"});
     VxStrCpy(files::pathState.root, folder.text("root\\").c_str(), sizeof files::pathState.root);
-    char out[300];
-    EXPECT_EQ(VxFileFind("d", "both", out, sizeof out), 1);
-    EXPECT_EQ(out, folder.text("d\\both"));
+    auto find = [](const char *dir, const char *name, size_t size = 300) {
+        return test::out([&](char *to, int32_t room) { return VxFileFind(dir, name, to, room); },
+                         static_cast<int32_t>(size));
+    };
     std::string one = folder.text("root\\d\\one");
-    EXPECT_EQ(VxFileFind("d\\", "one", out, sizeof out), 1);
-    EXPECT_EQ(out, one);
-    EXPECT_EQ(
-        VxFileFind("d", "one", out, static_cast<int32_t>(one.size())) + VxFileFind("d", "none", out, 300), 0);
+    EXPECT_EQ(find("d", "both"), folder.text("d\\both"));
+    EXPECT_EQ(find("d\\", "one"), one);
+    EXPECT_EQ(find("d", "one", one.size()) + find("d", "none"), "!!");
 }
 
 }

@@ -1,11 +1,4 @@
-#include <cstring>
-#include <random>
-#include <sstream>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/code_page.h"
+#include "tests/support/test.h"
 #include "vx/posix.hpp"
 
 using namespace vx;
@@ -17,11 +10,7 @@ enum { separates = 1, noEscape = 2, pointLiteral = 4, ignoreCase = 16 };
 // Pattern and name with a bar between them.
 TEST(Match, PatternsMatchAndDoNot)
 {
-    const struct {
-        int32_t flags;
-        bool match;
-        const char *pairs;
-    } rows[] = {
+    const std::tuple<int32_t, bool, const char *> rows[] = {
         {0, true,
          R"(| abc|abc ?|a a?c|abc a?c|a?c ??|ab ?|\ *| *|abc **|abc a*|a *a|ba *a*|bab a*c|abcbc )"
          R"(a*b*c|aXbYbZc *.*|a.b.c *.txt|x.txt *ab*ab*ab|abababab ?*?|ab [a]|a [abc]|c [a-c]|b )"
@@ -46,13 +35,12 @@ TEST(Match, PatternsMatchAndDoNot)
         {ignoreCase, true, R"(*.TXT|x.txt x|X [a-c]|B [A-C]|b \X|x)"},
         {ignoreCase, false, R"([!A-C]|b)"},
     };
-    for (const auto &row : rows) {
-        std::istringstream pairs(row.pairs);
+    for (auto [flags, match, row] : rows) {
+        std::istringstream pairs(row);
         for (std::string pair; pairs >> pair;) {
             size_t bar = pair.find('|');
-            std::string pattern = pair.substr(0, bar);
-            EXPECT_EQ(VX::fnmatch(pattern.c_str(), pair.c_str() + bar + 1, row.flags) == 0, row.match)
-                << pair << " flags " << row.flags;
+            EXPECT_EQ(VX::fnmatch(pair.substr(0, bar).c_str(), pair.c_str() + bar + 1, flags) == 0, match)
+                << pair << " flags " << flags;
         }
     }
     EXPECT_EQ(VX::fnmatch(nullptr, "a", 0) + VX::fnmatch("a", nullptr, 0), 2);
@@ -86,18 +74,11 @@ bool naive(const char *p, const char *s)
 
 TEST(Match, RandomPatternsMatchAsTryingAllWaysDoes)
 {
-    auto seed = std::random_device{}();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    test::Random random;
     const char *pieces[] = {"a", "b", "?", "*", "*", "[ab]", "[b\\]", "\\"};
     int matched = 0;
     for (int round = 0; round < 100000; ++round) {
-        std::string pattern;
-        std::string name;
-        for (auto n = random() % 8; n > 0; --n)
-            pattern += pieces[random() % 8];
-        for (auto n = random() % 8; n > 0; --n)
-            name += "aabb\\"[random() % 5];
+        std::string pattern = random.text(pieces, 0, 7), name = random.text(std::string("aabb\\"), 0, 7);
         bool expected = naive(pattern.c_str(), name.c_str());
         matched += expected;
         ASSERT_EQ(VX::fnmatch(pattern.c_str(), name.c_str(), separates | noEscape) == 0, expected)
@@ -109,8 +90,7 @@ TEST(Match, RandomPatternsMatchAsTryingAllWaysDoes)
 // Each of these would take longer than the world stands, were all ways tried.
 TEST(Match, HostilePatternsEnd)
 {
-    std::string name(20000, 'a');
-    std::string stars;
+    std::string name(20000, 'a'), stars;
     for (int i = 0; i < 2000; ++i)
         stars += "*a";
     EXPECT_EQ(VX::fnmatch((stars + "b").c_str(), name.c_str(), 0), 1);

@@ -1,11 +1,7 @@
 #include <cinttypes>
-#include <string>
 
 #include "files/open_files.h"
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/captured_output.h"
-#include "tests/support/each_refusal.h"
-#include "vx/openfile.h"
 
 using namespace vx;
 
@@ -47,16 +43,15 @@ TEST_F(OpenFiles, FilesAreListedInOrderUntilTheyAreClosed)
 TEST_F(OpenFiles, TrackingNeverChangesOpeningAndClosing)
 {
     FILE *stream = nullptr;
-    test::eachRefusal(
-        fault::Kind::allocation, nullptr, [&] { stream = f_open("f", "r"); },
-        [&](bool refused) {
-            ASSERT_NE(stream, nullptr);
-            EXPECT_EQ(report(), refused ? (files::openFiles.list ? header : "") : header + line(stream));
-            f_free();
-            EXPECT_EQ(report(), "");
-            EXPECT_EQ(fgetc(stream), '1') << "the file itself stays open";
-            EXPECT_EQ(f_close(stream), 0);
-        });
+    auto open = [&] { stream = f_open("f", "r"); };
+    test::eachRefusal(fault::Kind::allocation, nullptr, open, [&](bool refused) {
+        ASSERT_NE(stream, nullptr);
+        EXPECT_EQ(report(), refused ? (files::openFiles.list ? header : "") : header + line(stream));
+        f_free();
+        EXPECT_EQ(report(), "");
+        EXPECT_EQ(fgetc(stream), '1') << "the file itself stays open";
+        EXPECT_EQ(f_close(stream), 0);
+    });
 }
 
 }

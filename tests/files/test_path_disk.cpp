@@ -1,15 +1,7 @@
-#include <cstring>
-#include <string>
-
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/child.h"
-#include "tests/support/each_refusal.h"
-#include "vx/path.h"
 #include "vx/sys.h"
-#include "vx/tools.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -38,9 +30,9 @@ TEST_F(PathDisk, AWholeChainIsMade)
     EXPECT_TRUE(isFolder("s/t")) << "a server's name is no folder";
 
     uint32_t result = 0;
-    test::eachRefusal(
-        fault::Kind::verb, "makeDirectory", [&] { result = VxPathMk("x\\y\\z"); },
-        [&](bool refused) { EXPECT_EQ(result == 0, !refused && isFolder("x/y/z")); });
+    auto make = [&] { result = VxPathMk("x\\y\\z"); };
+    test::eachRefusal(fault::Kind::verb, "makeDirectory", make,
+                      [&](bool refused) { EXPECT_EQ(result == 0, !refused && isFolder("x/y/z")); });
 }
 
 TEST_F(PathDisk, WritabilityIsTriedOutAndLeavesNothingBehind)
@@ -53,10 +45,10 @@ TEST_F(PathDisk, WritabilityIsTriedOutAndLeavesNothingBehind)
         return VxPathAccess("\\proc") == 1 || VxPathAccess("\\") == 1;
     }));
     int32_t result = 0;
+    auto look = [&] { result = VxPathAccess("."); };
     for (const char *verb : {"access", "openFile"})
-        test::eachRefusal(
-            fault::Kind::verb, verb, [&] { result = VxPathAccess("."); },
-            [&](bool refused) { EXPECT_TRUE(refused || result == 0); });
+        test::eachRefusal(fault::Kind::verb, verb, look,
+                          [&](bool refused) { EXPECT_TRUE(refused || result == 0); });
     EXPECT_EQ(folder.read("temp001.txt"), "mine");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 1);
 }
@@ -64,14 +56,11 @@ TEST_F(PathDisk, WritabilityIsTriedOutAndLeavesNothingBehind)
 TEST_F(PathDisk, DocumentsLieUnderThePersonalFolderElseWhereTheHostSays)
 {
     constexpr const char *key = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-    auto userFiles = [](int32_t size) {
-        char buffer[64] = "x";
-        return VxPathUserFiles(buffer, size) == 0 ? std::string(buffer) : "failed";
-    };
+    auto userFiles = [](int32_t size) { return test::out(VxPathUserFiles, size); };
     folders.folders[18] = "H:\\docs";
-    EXPECT_EQ(userFiles(64) + userFiles(7), "H:\\docsfailed");
+    EXPECT_EQ(userFiles(64) + userFiles(7)[0], "H:\\docs!");
     ASSERT_EQ(VxRegistrySet(0, key, "Personal", "D:\\me"), 0u);
-    EXPECT_EQ(userFiles(64) + userFiles(8), std::string("D:\\me\\") + VgCompanyProduct + "failed");
+    EXPECT_EQ(userFiles(64) + userFiles(8)[0], std::string("D:\\me\\") + VgCompanyProduct + "!");
 }
 
 }

@@ -1,32 +1,17 @@
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <filesystem>
-#include <string>
-#include <vector>
 
-#include <gmock/gmock.h>
-
-#include "files/path_state.h"
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/each_refusal.h"
-#include "vx/path.h"
-#include "vx/tools.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
-using testing::ElementsAre;
 
 namespace {
 
 struct PathInit : test::ToolkitFixture {
     PathInit()
     {
-        const char *names[] = {"home/work", "home/mine", "home/nine", "home/ten"};
-        for (size_t i = 0; i < 4; ++i)
-            folders.folders[std::array{4u, 5u, 9u, 10u}[i]] = folder.text(names[i]);
+        for (auto [number, name] : {std::pair{4u, "work"}, {5u, "mine"}, {9u, "nine"}, {10u, "ten"}})
+            folders.folders[number] = folder.text(std::string("home/") + name);
         install = fs::read_symlink("/proc/self/exe").parent_path().string();
-        std::replace(install.begin(), install.end(), '/', '\\');
+        std::ranges::replace(install, '/', '\\');
     }
     ~PathInit() override { VgInstance = VgTplCompile = 0; }
 
@@ -43,7 +28,7 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
 {
     std::string program = fs::read_symlink("/proc/self/exe").stem().string();
     int32_t version = 2799;
-    hostVariable(2, &version);
+    host.variable(2, &version);
     std::string source = folder.text("bin/src");
     std::vector<std::string> installed{install + "\\"};
     std::vector<std::string> built{source + "\\driver\\", install + "\\", source + "\\qa\\",
@@ -68,7 +53,7 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
     for (auto &start : starts) {
         SCOPED_TRACE(testing::Message() << &start - starts);
         goTo(start.place);
-        hostVariable(1, start.host);
+        host.variable(1, start.host);
         if (start.flag)
             *start.flag = 1;
         EXPECT_EQ(VxPathInit(), 0u);
@@ -77,10 +62,9 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
         for (int32_t number : {9, 10})
             start.directories.push_back(folders.folders[static_cast<size_t>(number)] + "\\");
         EXPECT_EQ(registered(), start.directories);
-        EXPECT_EQ(files::pathState.root, root);
-        EXPECT_EQ(VgPathUserFolder, start.user);
+        EXPECT_EQ((Texts{files::pathState.root, files::pathState.install, VgPathUserFolder}),
+                  (Texts{root, install, start.user}));
         EXPECT_EQ(fs::current_path(), folder.native() / start.current);
-        EXPECT_EQ(files::pathState.install, install);
         VxPathFree();
         fs::remove_all(folder.native() / "home");
     }
@@ -88,8 +72,7 @@ TEST_F(PathInit, WhereTheProgramRunsDecidesWhatIsSearched)
 
 TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
 {
-    folders.folders[9].clear();
-    folders.folders[10].clear();
+    folders.folders[9] = folders.folders[10] = "";
     fs::path place;
     auto reset = [&] {
         VxPathFree();
@@ -99,28 +82,25 @@ TEST_F(PathInit, AFailedStartLeavesEverythingAsItWas)
         fs::current_path(place);
         fs::remove_all(folder.native() / "home");
     };
+    uint32_t result = 0;
     bool failed = false;
-    for (const char *name : {"anywhere", "x/Release"})
-        for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
-            goTo(name);
-            place = fs::current_path();
-            reset();
-            uint32_t result = 0;
-            test::eachRefusal(
-                kind, nullptr, [&] { result = VxPathInit(); },
-                [&](bool refused) {
-                    EXPECT_TRUE(refused || result == 0);
-                    if (result != 0) {
-                        failed = true;
-                        EXPECT_THAT(registered(), ElementsAre());
-                        EXPECT_EQ(std::string(files::pathState.root) + files::pathState.install,
-                                  "rootinstall");
-                        EXPECT_STREQ(VgPathUserFolder, "user");
-                        EXPECT_EQ(fs::current_path(), place);
-                    }
-                    reset();
-                });
+    auto allOrNothing = [&](bool refused) {
+        EXPECT_TRUE(refused || result == 0);
+        if (result != 0) {
+            failed = true;
+            EXPECT_THAT(registered(), ElementsAre());
+            EXPECT_EQ(std::string(files::pathState.root) + files::pathState.install, "rootinstall");
+            EXPECT_STREQ(VgPathUserFolder, "user");
+            EXPECT_EQ(fs::current_path(), place);
         }
+        reset();
+    };
+    for (const char *name : {"anywhere", "x/Release"}) {
+        goTo(name);
+        place = fs::current_path();
+        reset();
+        test::eachRefusal([&] { result = VxPathInit(); }, allOrNothing);
+    }
     EXPECT_TRUE(failed);
 }
 

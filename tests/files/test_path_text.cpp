@@ -1,54 +1,30 @@
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
 #include "tests/files/toolkit_fixture.h"
-#include "tests/support/code_page.h"
-#include "tests/support/each_refusal.h"
-#include "vx/path.h"
-#include "vx/posix.hpp"
 
 using namespace vx;
-using testing::ElementsAre;
 
 namespace {
 
 struct PathText : test::ToolkitFixture {
-    /** A buffer of `size` bytes as `function` leaves it, "!" in front for a failure. */
-    template <typename Function> static std::string out(Function function, int32_t size = 300)
-    {
-        char buffer[300] = "";
-        bool done = function(buffer, size);
-        return (done ? "" : "!") + std::string(buffer);
-    }
     static std::string dir(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathDir(path.c_str(), to, room) == 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathDir(path.c_str(), to, room); }, size);
     }
     static std::string name(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathName(path.c_str(), room, to) == 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathName(path.c_str(), room, to); }, size);
     }
     static std::string expand(const std::string &path, int32_t size = 300)
     {
-        return out([&](char *to, int32_t room) { return VxPathExpand(path.c_str(), to, room) != 0; }, size);
+        return test::out([&](char *to, int32_t room) { return VxPathExpand(path.c_str(), to, room); }, size);
     }
-    static std::string real(const std::string &path, int32_t size = 300, int32_t report = 0)
+    static std::string real(const std::string &path, int32_t report = 0)
     {
-        return out([&](char *to, int32_t room) { return VxPathReal(report, path.c_str(), to, room) == 0; },
-                   size);
+        return test::out([&](char *to, int32_t room) { return VxPathReal(report, path.c_str(), to, room); });
     }
 };
 
-struct Alphabet {
-    int32_t codePage;
-    std::vector<std::string> characters; ///< some with 0x5C or 0x2F-like second bytes
-};
-
-const Alphabet alphabets[] = {
+/** Code pages with characters, some with 0x5C or 0x2F-like second bytes. */
+const std::pair<int32_t, Texts> alphabets[] = {
     {1252, {"a", "Z", "7", "\xE9", "\x83"}},
     {932, {"a", "\x83\x5C", "\x95\x5C", "\xB1", "\x88\xC0"}},
     {936, {"a", "\x81\x5C", "\xB0\xA1", "\x9F\x5C"}},
@@ -59,16 +35,11 @@ const Alphabet alphabets[] = {
 
 TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
 {
-    std::mt19937 random(20261121);
+    test::Random random(20261121);
     for (int round = 0; round < 3000; ++round) {
-        const Alphabet &alphabet = alphabets[random() % std::size(alphabets)];
-        test::CodePageScope page(alphabet.codePage);
-        auto word = [&] {
-            std::string text;
-            for (size_t n = 1 + random() % 4; n > 0; --n)
-                text += alphabet.characters[random() % alphabet.characters.size()];
-            return text;
-        };
+        const auto &alphabet = random.one(alphabets);
+        test::CodePageScope page(alphabet.first);
+        auto word = [&] { return random.text(alphabet.second, 1, 4); };
         std::string drive = random() % 2 ? "D:" : "";
         std::string parents, given;
         for (size_t n = random() % 4; n > 0; --n) {
@@ -76,10 +47,9 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
             parents += "\\" + parent;
             given += (random() % 2 ? "/" : "\\") + parent;
         }
-        std::string base = word();
-        std::string extension = random() % 2 ? "." + word() : "";
+        std::string base = word(), extension = random() % 2 ? "." + word() : "";
         given = drive + given + "/" + base + extension;
-        SCOPED_TRACE(testing::Message() << alphabet.codePage << ' ' << given);
+        SCOPED_TRACE(testing::Message() << alphabet.first << ' ' << given);
 
         ASSERT_EQ(VxPathCheck(given.data()), 0u);
         ASSERT_EQ(given, drive + parents + "\\" + base + extension);
@@ -91,7 +61,7 @@ TEST_F(PathText, PathsComeApartAtSeparatorsNeverInsideCharacters)
         EXPECT_THAT(parts, ElementsAre(testing::StrEq(drive), testing::StrEq(parents + "\\"),
                                        testing::StrEq(base), testing::StrEq(extension)));
         char composed[300];
-        snprintf(composed, sizeof composed, "%s", base.c_str());
+        VxStrCpy(composed, base.c_str(), sizeof composed);
         ASSERT_EQ(VxPathAddDelim(composed) + VxPathCompose(composed, sizeof composed, "x", 1), 0u);
         EXPECT_EQ(composed, base + "\\x");
     }
@@ -127,33 +97,28 @@ TEST_F(PathText, TildesAndVariablesAreReplacedUpToASeparator)
     test::CodePageScope japanese(932);
     test::Environment home("HOME", "/h"), profile("USERPROFILE", "U:\\p"), variable("VX_T", "v/w"),
         blank("VX_BLANK", ""), none("VX_NONE", nullptr), second("V\x83\x5C", "x");
-    const char *paths[][2] = {{"~", "/h"},
-                              {"~bob\\x", "U:\\p\\x"},
-                              {"a/$VX_T/b", "a\\v/w\\b"},
-                              {"$VX_BLANK\\b", "\\b"},
-                              {"$VX_NONE\\$VX_T", "!$VX_NONE\\v/w"},
-                              {"a\\$\\b$", "!a\\$\\b$"},
-                              {"$V\x83\x5C\\b", "x\\b"}, // the second byte is no separator
-                              {"", "."}};
-    for (auto &each : paths)
-        EXPECT_EQ(expand(each[0]), each[1]) << each[0];
+    // In the last one, a second byte is no separator.
+    for (auto [path, expanded] :
+         {std::pair{"~", "/h"}, {"~bob\\x", "U:\\p\\x"}, {"a/$VX_T/b", "a\\v/w\\b"}, {"$VX_BLANK\\b", "\\b"},
+          {"$VX_NONE\\$VX_T", "!$VX_NONE\\v/w"}, {"a\\$\\b$", "!a\\$\\b$"}, {"", "."},
+          {"$V\x83\x5C\\b", "x\\b"}})
+        EXPECT_EQ(expand(path), expanded) << path;
     EXPECT_EQ(expand("a\\$VX_T", 6), "a\\v/w");
     EXPECT_EQ(expand("a\\$VX_T", 5), "!a\\v/") << "a text that does not fit is no success";
     EXPECT_EQ(real("~\\a\\..\\b"), "\\h\\b");
     EXPECT_EQ(real("$VX_NONE/a"), "!$VX_NONE\\a") << "what cannot be resolved stays expanded";
     EXPECT_THAT(errors(), ElementsAre());
-    real("$VX_NONE/a", 300, 1);
+    real("$VX_NONE/a", 1);
     EXPECT_THAT(errors(), ElementsAre("Unable to resolve the path $VX_NONE/a."));
     char text[32] = "";
-    test::eachRefusal(
-        fault::Kind::allocation, nullptr,
-        [&] { VxPathExpand("$VX_NAME_THAT_NEEDS_MEMORY", text, sizeof text); },
-        [&](bool refused) { EXPECT_STREQ(text, refused ? "" : "$VX_NAME_THAT_NEEDS_MEMORY"); });
+    const char *needy = "$VX_NAME_THAT_NEEDS_MEMORY";
+    auto expandIt = [&] { VxPathExpand(needy, text, sizeof text); };
+    test::eachRefusal(fault::Kind::allocation, nullptr, expandIt,
+                      [&](bool refused) { EXPECT_STREQ(text, refused ? "" : needy); });
 }
 
 TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
 {
-    std::string here = folder.text();
     std::string longest = "D:\\" + std::string(252, 'x');
     std::pair<std::string, std::string> paths[] = {
         {"d:/a//.\\b/..\\c/", "d:\\a\\c\\"},
@@ -174,15 +139,12 @@ TEST_F(PathText, FullPathsKeepTheirRootAndStartInTheCurrentFolder)
 
 TEST_F(PathText, FoldingAgreesWithTheStandardLibrary)
 {
-    std::mt19937 random(7);
-    const char *pieces[] = {"a", "bc", ".", "..", "...", "d.e"};
+    test::Random random(7);
+    const char *pieces[] = {"a/", "bc/", "./", "../", "...//", "d.e/", "a//", "..//", ".//"};
     for (int round = 0; round < 5000; ++round) {
-        std::string path = random() % 2 ? "/" : "";
-        for (size_t n = random() % 8; n > 0; --n)
-            path.append(pieces[random() % std::size(pieces)]).append(random() % 4 ? "/" : "//");
-        path += "end";
+        std::string path = (random() % 2 ? "/" : "") + random.text(pieces, 0, 7) + "end";
         std::string expected = (folder.native() / path).lexically_normal().string();
-        std::replace(expected.begin(), expected.end(), '/', '\\');
+        std::ranges::replace(expected, '/', '\\');
         ASSERT_EQ(real(path), expected) << path;
     }
 }

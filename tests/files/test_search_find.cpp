@@ -1,29 +1,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <functional>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <random>
-#include <set>
-#include <string>
-
-#include <gmock/gmock.h>
-
-#include "files/dmpath.h"
-#include "platform/os/test_values.h"
 #include "tests/files/search_fixture.h"
-#include "tests/support/child.h"
-#include "tests/support/code_page.h"
-#include "tests/support/each_refusal.h"
-#include "tests/support/options.h"
-#include "vx/file.h"
-#include "vx/path.h"
-#include "vx/tools.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -42,26 +23,29 @@ template <int32_t number> void maps(const char *, char *out, int32_t size)
 struct SearchFind : test::SearchFixture {
     SearchFind() { answers.clear(); }
 
-    /** By DmPathFind, or in one entry. */
-    static std::string find(const std::string &name, int32_t size = 512, const char *entry = nullptr)
+    static std::string find(const std::string &name, int32_t size = 512)
     {
-        char buffer[512];
-        snprintf(buffer, sizeof buffer, "%s", name.c_str());
-        bool hit = (entry ? DmPathFindSubDir(entry, buffer, size) : DmPathFind(buffer, size)) != 0;
-        EXPECT_TRUE(hit || buffer == name) << "a miss changes nothing";
-        return hit ? buffer : "none";
+        return test::found(DmPathFind, name, size);
     }
     static std::string findIn(const std::string &entry, const std::string &name)
     {
-        return find(name, 512, entry.c_str());
+        auto search = [&](char *to, int32_t room) { return DmPathFindSubDir(entry.c_str(), to, room); };
+        return test::found(search, name);
+    }
+
+    /** Whether a file that is made now wins over those made before. */
+    bool wins(const char *place) const
+    {
+        folder.make({place});
+        return find("f") == folder.text(place);
     }
 
     static std::string general(const char *name, int32_t size = 512)
     {
-        char out[512] = "?";
-        int32_t hit = DmFileFind(name, size, out);
-        EXPECT_EQ(hit, *out ? 1 : 0);
-        return out;
+        auto search = [&](char *to, int32_t room) { return DmFileFind(name, room, to); };
+        std::string path = test::out(search, size, "?");
+        EXPECT_NE(path, "") << "a hit without a path";
+        return path == "!" ? "" : path;
     }
 
     /** Let time go by; what changed on the disk since the last call changed before that. */
@@ -102,24 +86,17 @@ TEST_F(SearchFind, PlacesAreTriedInTheirOrder)
     answers[28] = answers[50] = answers[52] = "yes";
 
     EXPECT_EQ(find("f"), "none") << "what a host maps to must exist";
-    // Each place made now is to win over those made before.
-    for (const char *place : {"host29/f", "second/f", "first/b/f", "first/a/f", "first/f", "active/sub/f"}) {
-        folder.write(place, "");
-        EXPECT_EQ(find("f"), folder.text(place));
-    }
-    folder.write("f", "");
+    for (const char *place : {"host29/f", "second/f", "first/b/f", "first/a/f", "first/f", "active/sub/f"})
+        EXPECT_TRUE(wins(place)) << place;
+    folder.make({"f"});
     EXPECT_EQ(find("f"), "f");
-    folder.write("component/other", "");
-    EXPECT_EQ(find("f"), folder.text("component/other")) << "whatever its name";
+    EXPECT_TRUE(wins("component/other")) << "whatever its name";
     DmPathActive(folder.text("active").c_str());
-    folder.write("active/f", "");
-    EXPECT_EQ(find("f"), folder.text("active/f"));
+    EXPECT_TRUE(wins("active/f"));
     answers[52] = "";
-    folder.write("host49/f", "");
-    EXPECT_EQ(find("f"), folder.text("host49/f"));
-    folder.write("host30/f", "");
+    EXPECT_TRUE(wins("host49/f"));
     answers[52] = "yes";
-    EXPECT_EQ(find("f"), folder.text("host30/f"));
+    EXPECT_TRUE(wins("host30/f"));
     answers[50] = answers[52] = "";
     EXPECT_EQ(find("f"), folder.text("active/f")) << "a host that says no is not asked";
 }
@@ -150,10 +127,10 @@ TEST_F(SearchFind, TheSearchEndsWhereFlagsOptionsAndBuffersSaySo)
 }
 
 /** What the search is to find, looked for by other means. */
-std::string expected(const std::vector<std::string> &entries, const std::string &name)
+std::string expected(const Texts &entries, const std::string &name)
 {
     for (std::string entry : entries) {
-        std::replace(entry.begin(), entry.end(), '\\', '/');
+        std::ranges::replace(entry, '\\', '/');
         bool deep = entry.ends_with("/...");
         fs::path directory = deep ? entry.substr(0, entry.size() - 4) : entry;
         std::set<fs::path> places{directory};
@@ -164,7 +141,7 @@ std::string expected(const std::vector<std::string> &entries, const std::string 
         for (const fs::path &place : places)
             if (fs::exists(place / name, none)) {
                 std::string text = (place / name).string();
-                std::replace(text.begin(), text.end(), '/', '\\');
+                std::ranges::replace(text, '/', '\\');
                 return text;
             }
     }
@@ -173,40 +150,35 @@ std::string expected(const std::vector<std::string> &entries, const std::string 
 
 TEST_F(SearchFind, TheCacheNeverChangesAnAnswer)
 {
-    std::mt19937 random(20261121);
-    auto one = [&](std::initializer_list<const char *> of) {
-        return std::string(of.begin()[random() % of.size()]);
-    };
-    auto change = [&] {
-        std::string directory = one({"A", "B", "C"});
-        std::string entry = folder.text(directory) + one({"", "\\..."});
-        fs::path sub = folder.native() / directory / one({"s", "t", "u"});
-        std::error_code none;
-        fs::create_directory(folder.native() / directory);
-        auto act = random() % 10;
-        if (act == 0)
-            add(entry, random() % 2);
-        else if (act == 1)
-            DmPathDel(entry.c_str());
-        else if (act == 2)
-            fs::remove_all(sub);
-        else if (act == 3)
-            fs::remove_all(folder.native() / directory);
-        else if (act == 4)
-            fs::rename(sub, folder.native() / one({"A", "B", "C"}) / "v", none);
-        else if (act == 5)
-            fs::create_directory_symlink(one({".", "s", "../A", "nowhere"}), sub, none);
-        else if (act == 6)
-            fs::remove(sub / one({"f", "g"}), none);
-        else if (act == 7)
-            folder.write(directory + one({"/f", "/g"}), "");
-        else if (fs::create_directories(sub, none) || fs::is_directory(sub, none))
+    test::Random random(20261121);
+    std::string directory, entry;
+    fs::path sub;
+    std::error_code none;
+    auto one = [&](std::initializer_list<const char *> of) { return std::string(random.one(of)); };
+    const auto makeFile = [&] {
+        if (fs::create_directories(sub, none) || fs::is_directory(sub, none))
             std::ofstream(sub / one({"f", "g"})).put('x');
+    };
+    const std::function<void()> changes[] = {
+        [&] { add(entry, random() % 2); },
+        [&] { DmPathDel(entry.c_str()); },
+        [&] { fs::remove_all(sub); },
+        [&] { fs::remove_all(folder.native() / directory); },
+        [&] { fs::rename(sub, folder.native() / one({"A", "B", "C"}) / "v", none); },
+        [&] { fs::create_directory_symlink(one({".", "s", "../A", "nowhere"}), sub, none); },
+        [&] { fs::remove(sub / one({"f", "g"}), none); },
+        [&] { folder.write(directory + one({"/f", "/g"}), ""); },
+        makeFile,
+        makeFile,
     };
     ASSERT_EQ(DmFilePathCacheEnable(), 0u);
     int found = 0;
     for (int step = 0; step < 1500; ++step) {
-        change();
+        directory = one({"A", "B", "C"});
+        entry = folder.text(directory) + one({"", "\\..."});
+        sub = folder.native() / directory / one({"s", "t", "u"});
+        fs::create_directory(folder.native() / directory);
+        random.one(changes)();
         pass(static_cast<int64_t>(random() % 5));
         DmPathActive("");
         for (const char *name : {"f", "g"}) {
@@ -258,17 +230,16 @@ TEST_F(SearchFind, NamesOfSubdirectoriesFollowTheCodePage)
 
 TEST_F(SearchFind, UnreadableFoldersAndEveryRefusalAreAMissOrAHit)
 {
-    folder.write("closed/f", "");
-    folder.write("closed/s/g", "");
+    folder.make({"closed/f", "closed/s/g"});
     fs::permissions(folder.native(), fs::perms::all);
-    fs::permissions(folder.native() / "closed", fs::perms::group_exec | fs::perms::others_exec);
+    fs::permissions("closed", fs::perms::group_exec | fs::perms::others_exec);
     std::string closed = folder.text("closed") + "\\...";
     EXPECT_TRUE(test::inChild([&] {
         test::dropRights();
         return findIn(closed, "f") == folder.text("closed/f") && findIn(closed, "g") == "none";
     }));
-    folder.write("entry/s/f", "");
-    fs::create_directory_symlink(".", folder.native() / "entry/loop");
+    folder.make({"entry/s/f"});
+    fs::create_directory_symlink(".", "entry/loop");
     add(folder.text("entry") + "\\...");
     DmPathActive("");
     char name[300];
@@ -279,28 +250,22 @@ TEST_F(SearchFind, UnreadableFoldersAndEveryRefusalAreAMissOrAHit)
     auto missOrHit = [&](bool refused) {
         EXPECT_TRUE(name == folder.text("entry/s/f") || (refused && name[1] == '\0')) << name;
     };
-    for (bool cached : {false, true}) {
-        for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb})
-            test::eachRefusal(kind, nullptr, search, missOrHit);
-        if (!cached)
-            test::eachRefusal(
-                fault::Kind::allocation, nullptr, [] { DmFilePathCacheEnable(); },
-                [&](bool refused) { EXPECT_EQ(files::searchPaths.cache.has_value(), !refused); });
-    }
+    test::eachRefusal(search, missOrHit);
+    test::eachRefusal(fault::Kind::allocation, nullptr, DmFilePathCacheEnable,
+                      [](bool refused) { EXPECT_EQ(files::searchPaths.cache.has_value(), !refused); });
+    test::eachRefusal(search, missOrHit);
 }
 
 TEST_F(SearchFind, TheGeneralLookUpAsksTheHostTheListTheRegistryAndProductData)
 {
     static int32_t on = 1;
-    using Resolver = int32_t(const char *, const char *, char *, char *, int32_t, int32_t);
-    Resolver *resolve = [](const char *, const char *, char *path, char *, int32_t, int32_t) {
+    EXPECT_EQ(general("f"), "");
+    host(69, [](const char *, const char *, char *path, char *, int32_t, int32_t) -> int32_t {
         snprintf(path, 256, "P:/a/../f");
         return 0;
-    };
-    EXPECT_EQ(general("f"), "");
-    host(69, resolve);
+    });
     EXPECT_EQ(general("f"), "") << "product data is not on";
-    hostVariable(5, &on);
+    host.variable(5, &on);
     VgPathFindPDMSkip = 1;
     EXPECT_EQ(general("f"), "") << "skipped once";
     EXPECT_EQ(general("f"), "P:\\f") << "canonical";
@@ -317,25 +282,23 @@ TEST_F(SearchFind, TheGeneralLookUpAsksTheHostTheListTheRegistryAndProductData)
         EXPECT_EQ(general("f"), folder.text("registered/f"));
         *flag = 0;
     }
-    host(
-        63, +[](const char *locator) -> int32_t { return locator == std::string("://f"); });
+    host(63, [](const char *locator) -> int32_t { return locator == std::string("://f"); });
     EXPECT_EQ(general("f"), "://f");
 }
 
 TEST_F(SearchFind, WhetherADirectoryIsThereIsKeptForFiveSeconds)
 {
     constexpr int64_t start = 1'000'000'000'000;
-    std::string path = folder.text("d");
-    os::setTestClock(start);
-    EXPECT_EQ(DmPathIsOkay(path.c_str()), 0);
-    fs::create_directory(folder.native() / "d");
-    os::setTestClock(start + 4'999'999);
-    EXPECT_EQ(DmPathIsOkay((path + "\\...").c_str()), 0);
-    os::setTestClock(start + 5'000'000);
-    EXPECT_EQ(DmPathIsOkay(path.c_str()), 1);
-    fs::remove(folder.native() / "d");
-    os::setTestClock(start);
-    EXPECT_EQ(DmPathIsOkay(path.c_str()), 0) << "a clock that is set back keeps nothing";
+    auto there = [&](int64_t later, const char *name = "d") {
+        os::setTestClock(start + later);
+        return DmPathIsOkay(folder.text(name).c_str());
+    };
+    EXPECT_EQ(there(0), 0);
+    fs::create_directory("d");
+    EXPECT_EQ(there(4'999'999, "d\\..."), 0);
+    EXPECT_EQ(there(5'000'000), 1);
+    fs::remove("d");
+    EXPECT_EQ(there(0), 0) << "a clock that is set back keeps nothing";
 }
 
 TEST_F(SearchFind, FilesAreReadAndRenamedWhereTheyAreFoundAndWrittenWhereTheyAreNamed)

@@ -1,19 +1,6 @@
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-
-#include "files/dmpath.h"
 #include "tests/files/search_fixture.h"
-#include "tests/support/child.h"
-#include "tests/support/code_page.h"
-#include "tests/support/each_refusal.h"
-#include "tests/support/options.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
-using testing::ElementsAre;
 
 namespace {
 
@@ -92,16 +79,13 @@ TEST_F(SearchPaths, TheNextStartReadsTheSavedList)
     EXPECT_EQ(folder.read("paths.txt")[0], '#') << "a known path saves nothing";
 }
 
-int32_t hostAnswer;
-
 TEST_F(SearchPaths, SavingIsLeftWhenTheUserOrTheHostSaysSo)
 {
+    static int32_t hostAnswer = 1;
     test::Options options;
     options.values["AutoSavePaths"] = "no";
     EXPECT_EQ(DmPathSave(0), 0u);
-    hostAnswer = 1;
-    host(
-        28, +[]() -> int32_t { return hostAnswer; });
+    host(28, [] { return hostAnswer; });
     EXPECT_EQ(DmPathSave(1), 0u);
     EXPECT_FALSE(fs::exists("paths.txt"));
     hostAnswer = 0;
@@ -113,24 +97,21 @@ TEST_F(SearchPaths, EveryRefusalLeavesTheOldListAndTheOldFileOrTheNewOnes)
 {
     add("D:\\a");
     const std::string longer = "D:\\some\\path\\longer\\than\\a\\short\\text";
-    for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
+    DmPathSave(1);
+    const std::string old = folder.read("paths.txt");
+    uint32_t result = 0;
+    auto append = [&] { result = DmPathAdd(longer.c_str()); };
+    test::eachRefusal(append, [&](bool refused) {
+        bool entered = entries().size() == 2;
+        EXPECT_EQ(active(), entered ? longer : "D:\\a");
+        EXPECT_EQ(folder.read("paths.txt"),
+                  !entered || !shown.empty() ? old : "\n" + longer + "\n\nD:\\a\n\n");
+        EXPECT_TRUE(refused || (result == 0 && entered && shown.empty()));
+        DmPathDel(longer.c_str());
+        DmPathActive("D:\\a");
         DmPathSave(1);
-        std::string old = folder.read("paths.txt");
-        uint32_t result = 0;
-        test::eachRefusal(
-            kind, nullptr, [&] { result = DmPathAdd(longer.c_str()); },
-            [&](bool refused) {
-                bool entered = entries().size() == 2;
-                EXPECT_EQ(active(), entered ? longer : "D:\\a");
-                std::string saved = folder.read("paths.txt");
-                EXPECT_EQ(saved, !entered || !shown.empty() ? old : "\n" + longer + "\n\nD:\\a\n\n");
-                EXPECT_TRUE(refused || (result == 0 && entered && shown.empty()));
-                DmPathDel(longer.c_str());
-                DmPathActive("D:\\a");
-                DmPathSave(1);
-                shown.clear();
-            });
-    }
+        shown.clear();
+    });
     folders.folders[14] = folder.text("none/paths.txt");
     EXPECT_EQ(DmPathSave(1), 1u);
     EXPECT_EQ(shown.size(), 1u);

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <filesystem>
-#include <string_view>
-
 #include "files/path_state.h"
 #include "frame/modules.h"
-#include "platform/os/os.h"
-#include "talm/config.hpp"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "vx/config.h"
 #include "vx/lang.h"
 #include "vx/path.h"
@@ -23,7 +18,6 @@ namespace vx::test {
 class BeforeStart {
 public:
     BeforeStart()
-        : user_("VX_USER_DIR", folder.native().c_str()), current_(std::filesystem::current_path())
     {
         stopAll();
         for (int32_t file = 0; file < 4; ++file)
@@ -34,7 +28,7 @@ public:
         stopAll();
         for (int32_t file = 0; file < 4; ++file)
             TalmSetOptionFile(file, nullptr);
-        std::filesystem::current_path(current_);
+        fs::current_path(current_);
     }
     BeforeStart(const BeforeStart &) = delete;
     BeforeStart &operator=(const BeforeStart &) = delete;
@@ -62,13 +56,12 @@ private:
         VxMathExit();
         VxToolsExit();
         os::removeFatalHandler();
-        files::pathState.install[0] = '\0';
-        files::pathState.root[0] = '\0';
+        files::pathState.install[0] = files::pathState.root[0] = '\0';
         frame::modules() = {};
     }
 
-    Environment user_;
-    std::filesystem::path current_;
+    Environment user_{"VX_USER_DIR", folder.native().c_str()};
+    fs::path current_ = fs::current_path();
 };
 
 }

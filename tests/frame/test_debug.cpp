@@ -1,19 +1,12 @@
 #include "vx/debug.h"
 
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "platform/os/os.h"
-#include "tests/support/code_page.h"
-#include "tests/support/options.h"
+#include "tests/support/test.h"
 
 using namespace vx;
 
 namespace {
 
-class Debug : public testing::Test {
-protected:
+struct Debug : testing::Test {
     ~Debug() override
     {
         os::setDebuggerSink(nullptr);
@@ -24,28 +17,26 @@ protected:
 
 TEST_F(Debug, TheFileOptionOfAChannelThatIsOnSaysWhereAndHow)
 {
-    const struct {
-        const char *on, *option, *file, *mode;
-    } cases[] = {
-        {"1", ">>trace.log", "trace.log", "a"},    {"1", "D:\\dir\\trace.log", "D", "w"},
-        {"1", "to stdout, please", "stdout", "w"}, {"1", ">>stdout.stderr", "stdout", "w"},
-        {"1", "a_b-c+d.9Z", "a_b-c+d.9Z", "w"},    {"1", ">> trace.log", "stderr", "a"},
-        {"-1", "x>>y", "y", "a"},                  {"-1", "", "stderr", "w"},
+    const char *cases[][4] = {
+        {"1", ">>trace.log", "trace.log", "a"},
+        {"1", "D:\\dir\\trace.log", "D", "w"},
+        {"1", "to stdout, please", "stdout", "w"},
+        {"1", ">>stdout.stderr", "stdout", "w"},
+        {"1", "a_b-c+d.9Z", "a_b-c+d.9Z", "w"},
+        {"1", ">> trace.log", "stderr", "a"},
+        {"-1", "x>>y", "y", "a"},
+        {"-1", "", "stderr", "w"},
         {"0", ">>trace.log", "", "w"},
     };
     test::Options options;
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.option);
-        options.values = {{"Debug.Expr", c.on}, {"Debug.Expr.File", c.option}, {"Debug.Expr.Group", "3"}};
+    for (auto [on, option, where, mode] : cases) {
+        options.values = {{"Debug.Expr", on}, {"Debug.Expr.File", option}, {"Debug.Expr.Group", "3"}};
         char file[40] = "untouched";
         int32_t append = -1, group = -1, level = -1;
-        const int32_t on = VxGetDbgConfig("Expr", file, sizeof file, &append, &group, &level);
-        EXPECT_EQ(on, *c.on != '0');
-        EXPECT_STREQ(file, c.file);
-        EXPECT_STREQ(VgDbgFopenMode, c.mode);
-        EXPECT_EQ(append, *c.mode == 'a');
-        EXPECT_EQ(group, on ? 3 : 0);
-        EXPECT_EQ(level, 0);
+        const bool isOn = VxGetDbgConfig("Expr", file, sizeof file, &append, &group, &level);
+        EXPECT_EQ(std::tuple(isOn, std::string(file), std::string(VgDbgFopenMode), append, group, level),
+                  std::tuple(*on != '0', where, mode, *mode == 'a', isOn ? 3 : 0, 0))
+            << option;
     }
 }
 

@@ -1,44 +1,26 @@
 #include "vx/err.h"
 
-#include <thread>
-
-#include "talm/base.hpp"
-#include "tests/support/captured_output.h"
 #include "tests/support/error_log.h"
 #include "vx/tools.h"
 
 using namespace vx;
 using namespace vx::frame;
-using HESKET::Talm::Ap::Base;
 
 namespace {
 
-int32_t yes()
+template <int32_t answer> int32_t says()
 {
-    return 1;
+    return answer;
 }
 
-int32_t no()
-{
-    return 0;
-}
-
+constexpr auto yes = says<1>, no = says<0>;
 int actions = 0;
 
-class Display : public test::ErrorLog {
-protected:
+struct Display : test::ErrorLog {
     Display() { VgActiveErrOccurred = 0; }
-    ~Display() override
-    {
-        for (int32_t number : {28, 32, 33, 35})
-            Base::Instance().SetFunction(number, nullptr);
-        VgActiveErrOccurred = 0;
-    }
+    ~Display() override { VgActiveErrOccurred = 0; }
 
-    template <typename Function> static void host(int32_t number, Function *function)
-    {
-        Base::Instance().SetFunction(number, reinterpret_cast<void *>(function));
-    }
+    test::Host host;
 };
 
 TEST_F(Display, ErrorsWithTextAreNotedAlsoWhenTheTextIsLookedUp)
@@ -63,8 +45,7 @@ TEST_F(Display, ANumberNotFoundIsPrintedAndTheOthersGoOn)
     test::CapturedOutput output;
     EXPECT_EQ(VxErrDisplay(), 1u);
     EXPECT_EQ(output.text(), "Unable to get error 7.\nUnable to get error 8.\n");
-    EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(VgActiveErrOccurred, 0);
+    EXPECT_TRUE(VxErrCnt() == 0 && VgActiveErrOccurred == 0);
 }
 
 TEST_F(Display, AFileThatHasGoneKeepsTheListAndWhatWasLookedUp)
@@ -73,10 +54,10 @@ TEST_F(Display, AFileThatHasGoneKeepsTheListAndWhatWasLookedUp)
     VxErrLogVa(a, 1, 0, "", 0, nullptr);
     VxErrLogVa(b, 1, 0, "", 0, nullptr);
     test::CapturedOutput output;
-    std::filesystem::remove(folder_.native() / "B.ALERT");
+    fs::remove(folder_.native() / "B.ALERT");
     EXPECT_EQ(VxErrDisplay(), 1u);
     folder_.write("B.ALERT", "1,0,one");
-    std::filesystem::remove(folder_.native() / "A.ALERT");
+    fs::remove(folder_.native() / "A.ALERT");
     EXPECT_EQ(VxErrDisplay(), 0u);
     EXPECT_EQ(output.text(), "Unable to access error file " + folder_.text("B.ALERT") + ".\n");
     EXPECT_EQ(VgActiveErrOccurred, 1);
@@ -84,36 +65,32 @@ TEST_F(Display, AFileThatHasGoneKeepsTheListAndWhatWasLookedUp)
 
 TEST_F(Display, TheHostMayTakeTheNoteBackOrAct)
 {
-    const struct {
-        int32_t (*active)(), (*refused)(), (*kept)();
-        int32_t note, actions;
-    } cases[] = {
-        {yes, no, yes, 0, 0}, {yes, no, no, 1, 1}, {nullptr, no, yes, 1, 0}, {yes, nullptr, yes, 1, 0},
+    using Answer = int32_t (*)();
+    const std::tuple<Answer, Answer, Answer, int32_t, int32_t> cases[] = {
+        {yes, no, yes, 0, 0},
+        {yes, no, no, 1, 1},
+        {nullptr, no, yes, 1, 0},
+        {yes, nullptr, yes, 1, 0},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(&c - cases);
-        host(28, c.active);
-        host(32, c.refused);
-        host(33, c.kept);
-        host(35, +[] { ++actions; });
+    for (auto [active, refused, kept, note, acted] : cases) {
+        host(28, active), host(32, refused), host(33, kept);
+        host(35, [] { ++actions; });
         VgActiveErrOccurred = 1;
         actions = 0;
         EXPECT_EQ(VxErrDisplay(), 0u);
-        EXPECT_EQ(VgActiveErrOccurred, c.note);
-        EXPECT_EQ(actions, c.actions);
+        EXPECT_TRUE(VgActiveErrOccurred == note && actions == acted) << note << acted;
     }
 }
 
 TEST_F(Display, TheHostsFunctionsMayLog)
 {
-    host(28, +[]() -> int32_t {
+    host(28, []() -> int32_t {
         std::thread([] { VxErrLogMsg(1, 0, "", 0, "from the host"); }).join();
         return 1;
     });
     host(32, no);
     EXPECT_EQ(VxErrDisplay(), 0u);
-    EXPECT_EQ(VxErrCnt(), 0);
-    EXPECT_EQ(VgActiveErrOccurred, 1);
+    EXPECT_TRUE(VxErrCnt() == 0 && VgActiveErrOccurred == 1);
 }
 
 }

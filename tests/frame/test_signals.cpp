@@ -5,12 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "tests/frame/running_toolkit.h"
-#include "tests/support/captured_output.h"
 #include "vx/escape.h"
 
 using namespace vx;
@@ -52,8 +47,7 @@ int32_t overflow(int32_t depth)
 }
 
 /** The toolkit is started, but without its watch: each child decides for itself. */
-class FatalSignals : public testing::Test {
-protected:
+struct FatalSignals : testing::Test {
     FatalSignals() : disabled_("VX_SIG_DISABLE", nullptr)
     {
         EXPECT_TRUE(host_.prepare());
@@ -64,7 +58,6 @@ protected:
     }
     ~FatalSignals() override { VxSigDelAllCalls(); }
 
-private:
     test::BeforeStart host_;
     test::Environment disabled_;
 };

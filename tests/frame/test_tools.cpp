@@ -1,18 +1,8 @@
 #include "vx/tools.h"
 
-#include <algorithm>
-#include <cstring>
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "frame/modules.h"
 #include "session/journal.h"
 #include "tests/frame/running_toolkit.h"
-#include "tests/support/captured_output.h"
-#include "tests/support/faults.h"
 #include "vx/err.h"
 #include "vx/mem.h"
 #include "vx/msg.h"
@@ -20,23 +10,12 @@
 #include "vx/sym.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
-bool startAll()
-{
-    return !VxToolsInit() && !VxMathInit() && !VxDmgrInit() && !VxMemInit();
-}
-
-void stopAll()
-{
-    EXPECT_EQ(VxMemExit() + VxDmgrExit() + VxMathExit() + VxToolsExit(), 0U);
-}
-
 std::vector<int32_t> textIds()
 {
-    return {VxToolsMsgID(), VxPelmorMsgID(), VxPelmorFailureMsgID(), MathMsgID(),   VxDmgrMsgID(),
+    return {VxToolsMsgID(), VxPelmorMsgID(), VxPelmorFailureMsgID(), MathMsgID(),  VxDmgrMsgID(),
             VxToolsErrID(), VxPelmorErrID(), VxMathErrID(),          VxDmgrErrID()};
 }
 
@@ -47,7 +26,7 @@ TEST(Start, AHostMayStartAgainAfterItStopped)
     EXPECT_EQ(textIds(), std::vector<int32_t>(9, -1));
     for (int32_t error : {57, 83}) {
         ASSERT_TRUE(host.prepare());
-        ASSERT_TRUE(startAll());
+        ASSERT_EQ(VxToolsInit() + VxMathInit() + VxDmgrInit() + VxMemInit(), 0U);
         EXPECT_EQ(VxSymGetFcnNoErr("f_report"), f_report);
         EXPECT_STREQ(VxMsg(VxToolsMsgID(), 185), "All rights reserved.");
         EXPECT_EQ(std::ranges::count(textIds(), -1), 0);
@@ -56,10 +35,9 @@ TEST(Start, AHostMayStartAgainAfterItStopped)
         EXPECT_EQ(textIds(), first) << "the first start left texts behind";
         EXPECT_EQ(VxErrLogNum(VxToolsErrID(), error, "here", 0), 0U);
         VgActiveErrOccurred = 0;
-        stopAll();
+        EXPECT_EQ(VxMemExit() + VxDmgrExit() + VxMathExit() + VxToolsExit(), 0U);
         EXPECT_EQ(VgActiveErrOccurred, 1) << "pending errors are displayed at the end";
-        EXPECT_EQ(VxErrCnt(), 0);
-        EXPECT_EQ(VxToolsMsgID(), -1);
+        EXPECT_TRUE(VxErrCnt() == 0 && VxToolsMsgID() == -1);
         EXPECT_STREQ(VxMsg(first[0], 185), " ");
     }
 }
@@ -67,11 +45,10 @@ TEST(Start, AHostMayStartAgainAfterItStopped)
 /** A root of its own, relative to which texts are found when VxPathInit was not called. */
 void makeTexts(const test::TempFolder &folder)
 {
-    for (const char *name : {"Tools", "Pelmor", "Math", "Dmgr"}) {
-        folder.write(std::string("text/") + name + ".ALERT", "# no errors\n");
-        folder.write(std::string("text/") + name + ".MSG", "0,text\n");
+    for (std::string name : {"Tools", "Pelmor", "PelmorFailure", "Math", "Dmgr"}) {
+        folder.write("text/" + name + ".ALERT", "# no errors\n");
+        folder.write("text/" + name + ".MSG", "0,text\n");
     }
-    folder.write("text/PelmorFailure.MSG", "0,text\n");
     fs::current_path(folder.native());
 }
 
@@ -93,31 +70,25 @@ TEST(Start, EachMissingTextFileFailsItsModuleAndEndsTheStartThere)
         VgLblMethod = 3;
         test::CapturedOutput output;
         EXPECT_EQ(init(nullptr, nullptr), 1U);
-        EXPECT_NE(output.text().find(file), std::string::npos);
+        EXPECT_THAT(output.text(), HasSubstr(file));
         EXPECT_EQ(VgLblMethod, 3);
     }
 }
 
 TEST(Start, WhatIsRefusedOnTheWayMakesItFailAndNothingWorse)
 {
-    for (bool verbs : {false, true}) {
+    for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb}) {
         test::BeforeStart host;
         ASSERT_TRUE(host.prepare());
         test::CapturedOutput output;
         uint32_t result = 1;
-        auto body = [&] {
-            result = VxToolsInit() | VxMathInit() | VxDmgrInit();
-            auto kind = verbs ? fault::Kind::verb : fault::Kind::allocation;
-            EXPECT_TRUE(result <= 1 && (result == 0 || fault::refusals(kind) > 0));
+        auto start = [&] { result = VxToolsInit() | VxMathInit() | VxDmgrInit(); };
+        test::eachRefusal(kind, nullptr, start, [&](bool refused) {
+            EXPECT_LE(result, refused ? 1U : 0U);
             VxErrClear();
             VxDmgrExit();
             VxMsgFree();
-        };
-        if (verbs)
-            test::refusingEachVerb(body);
-        else
-            test::refusingEachAllocation(body);
-        EXPECT_EQ(result, 0U);
+        });
     }
 }
 
@@ -125,11 +96,7 @@ TEST(Start, TheOptionsOfTheStartAreReadWithTheirLimits)
 {
     test::BeforeStart host;
     const std::string file = host.folder.text("session.jnl"), path = "Vx.SessionJournal = " + file + "\n";
-    const struct {
-        std::string lines;
-        int32_t escape, backup, latest;
-        std::string journal;
-    } cases[] = {
+    const std::tuple<std::string, int32_t, int32_t, int32_t, std::string> cases[] = {
         // What no line sets keeps the value it had: 77.
         {path, 77, 77, 77, ""},
         {"Vx.EscapeCount = -5\nVx.EmergencyBackup = Yes\nVx.LatestRev = no\n", 1, 1, 0, ""},
@@ -140,10 +107,9 @@ TEST(Start, TheOptionsOfTheStartAreReadWithTheirLimits)
         host.setOptions(lines);
         VgEscapeCnt = VgEmergencyBackup = VgGetLatestRev = 77;
         EXPECT_EQ(VxToolsCfgInit(), 0U);
-        EXPECT_EQ(VgEscapeCnt, escape) << lines;
-        EXPECT_EQ(VgEmergencyBackup, backup) << lines;
-        EXPECT_EQ(VgGetLatestRev, latest) << lines;
-        EXPECT_EQ(session::journal.path, journal) << lines;
+        EXPECT_EQ(std::tuple(VgEscapeCnt, VgEmergencyBackup, VgGetLatestRev, session::journal.path),
+                  std::tuple(escape, backup, latest, journal))
+            << lines;
     }
     VgEscapeCnt = 500;
     VgEmergencyBackup = VgGetLatestRev = 0;

@@ -116,7 +116,11 @@ TEST_F(Memory, ARefusalGivesTheReserveBackAndReports)
     EXPECT_EQ(emergencies, 1);
     EXPECT_FALSE(reserveWasThere);
     EXPECT_EQ(filed(), (Texts{"allocate 100", "out of memory"}));
+    VgMemLeak = 1;
+    os::setDebuggerSink([](const char *line) { VxErrLogMsg(9, 0, "", 0, "%s", line); });
     EXPECT_EQ(refused([&] { return VxMemAllocZero(200, &block); }), 1u);
+    os::setDebuggerSink(nullptr);
+    EXPECT_EQ(filed()[0], "200 bytes of memory were refused\n");
     EXPECT_EQ(emergencies, 2) << "although the reserve has gone";
     // A host that has recovered takes it anew.
     EXPECT_EQ(VxMemInit(), 0u);

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include "talm/base.h"
+#include "tests/support/test.h"
 
 namespace vx::test {
 
@@ -36,9 +35,9 @@ public:
     }
 
     /** What the records say, with their indentation. */
-    std::vector<std::string> texts() const
+    Texts texts() const
     {
-        std::vector<std::string> out;
+        Texts out;
         for (const CaughtRecord &record : records())
             out.push_back(std::string(2 * static_cast<size_t>(record.depth), ' ') + record.text);
         return out;

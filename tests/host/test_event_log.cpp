@@ -1,64 +1,52 @@
-#include "talm/base.h"
-
-#include <algorithm>
 #include <atomic>
 #include <regex>
-#include <set>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "platform/os/fault.h"
 #include "tests/host/caught_log.h"
-#include "tests/support/captured_output.h"
-#include "tests/support/temp_folder.h"
 
 using namespace vx;
-using testing::ElementsAre;
 
 namespace {
 
-std::vector<std::string> linesOf(const std::string &text)
+Texts linesOf(const std::string &text)
 {
-    std::vector<std::string> out;
+    Texts out;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);)
         out.push_back(line);
     return out;
 }
 
-TEST(EventLog, EachSinkGetsTheSameLineWithTimeLevelAndSource)
-{
+/** Its records are caught, and written into a file. */
+struct EventLog : testing::Test {
+    EventLog() { EXPECT_EQ(EsSinkFile((folder.native() / "log.txt").c_str()), 0); }
+    Texts written() const { return linesOf(folder.read("log.txt")); }
+
     test::TempFolder folder;
-    test::CapturedOutput standardError(stderr);
     test::CaughtLog log;
-    ASSERT_EQ(EsSinkFile((folder.native() / "log.txt").c_str()), 0);
+};
+
+TEST_F(EventLog, EachSinkGetsTheSameLineWithTimeLevelAndSource)
+{
+    test::CapturedOutput standardError(stderr);
     EsSinkStandardError(1);
     EsLog(EsCategoryTools, EsLevelError, "no %s in %d", "cat", 7);
     EsLogGeneral("Importer", EsLevelWarning, "odd");
     EsPut(EsCategoryTools, EsLevelTrace, "a start\n");
 
-    const std::vector<std::string> lines = linesOf(folder.read("log.txt"));
-    const char *const expected[] = {"error Tools: no cat in 7", "warning Importer: odd",
-                                    "trace Tools: a start"};
+    Texts lines;
+    for (const auto &record : log.records())
+        lines.push_back(record.line);
     EXPECT_EQ(linesOf(standardError.text()), lines);
-    const auto records = log.records();
+    EXPECT_EQ(written(), lines);
     ASSERT_EQ(lines.size(), 3U);
-    ASSERT_EQ(records.size(), 3U);
     const std::string time = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d ";
-    for (size_t i = 0; i < 3; ++i) {
-        EXPECT_TRUE(std::regex_match(lines[i], std::regex(time + expected[i]))) << lines[i];
-        EXPECT_EQ(records[i].line, lines[i]);
-    }
+    for (size_t i = 0;
+         const char *text : {"error Tools: no cat in 7", "warning Importer: odd", "trace Tools: a start"})
+        EXPECT_TRUE(std::regex_match(lines[i++], std::regex(time + text))) << text;
 }
 
-TEST(EventLog, LevelsAreSwitchedForEachCategoryByItself)
+TEST_F(EventLog, LevelsAreSwitchedForEachCategoryByItself)
 {
-    test::CaughtLog restore;
     const struct {
         int32_t category, level, on;
         std::vector<int32_t> passing; // of category 6 level 4, 6 level 31, 0 level 4, 0 level 31
@@ -71,9 +59,8 @@ TEST(EventLog, LevelsAreSwitchedForEachCategoryByItself)
     EXPECT_EQ(EsCheck(-1, 6) + EsCheck(32, 6) + EsCheck(4, -1) + EsCheck(4, 64), 0);
 }
 
-TEST(EventLog, SectionsIndentUnderTheirHeadingsAndEmptyOnesLeaveNoTrace)
+TEST_F(EventLog, SectionsIndentUnderTheirHeadingsAndEmptyOnesLeaveNoTrace)
 {
-    test::CaughtLog log;
     auto say = [](const char *text) { EsLog(EsCategoryTools, EsLevelInformation, "%s", text); };
     EsEnter(EsLevelInformation, "outer");
     EsEnter(EsLevelInformation, "empty");
@@ -89,30 +76,24 @@ TEST(EventLog, SectionsIndentUnderTheirHeadingsAndEmptyOnesLeaveNoTrace)
     for (int i = 0; i < 1010; ++i)
         EsLeave(EsLevelInformation);
     say("c");
-    EXPECT_THAT(log.texts(), ElementsAre("outer", "  inner", "    a", "    b", std::string(32, ' ') + "deep",
-                                         "c"));
+    EXPECT_THAT(log.texts(),
+                ElementsAre("outer", "  inner", "    a", "    b", std::string(32, ' ') + "deep", "c"));
 }
 
-TEST(EventLog, OnlyARepetitionFurtherInIsLeftOut)
+TEST_F(EventLog, OnlyARepetitionFurtherInIsLeftOut)
 {
-    test::CaughtLog log;
     auto fail = [](const char *text) { EsLogGeneral("Tools", EsLevelError, "%s", text); };
-    fail("broken");
-    EsEnter(EsLevelError, "error");
-    fail("broken");
-    EsLeave(EsLevelError);
-    fail("broken");
-    EsEnter(EsLevelError, "error");
-    fail("worse");
-    EsLeave(EsLevelError);
+    for (const char *inner : {"broken", "worse"}) {
+        fail("broken");
+        EsEnter(EsLevelError, "error");
+        fail(inner);
+        EsLeave(EsLevelError);
+    }
     EXPECT_THAT(log.texts(), ElementsAre("broken", "broken", "error", "  worse"));
 }
 
-TEST(EventLog, NoTextForgesARecordOrReachesTheTerminal)
+TEST_F(EventLog, NoTextForgesARecordOrReachesTheTerminal)
 {
-    test::TempFolder folder;
-    test::CaughtLog log;
-    ASSERT_EQ(EsSinkFile((folder.native() / "log.txt").c_str()), 0);
     const char *hostile = "100%n%s\r\n2026-01-01 00:00:00 error Tools: forged\n\033[2Jgone\n\n";
     EsEnter(EsLevelError, hostile);
     EsLog(EsCategoryTools, EsLevelError, "%s", hostile);
@@ -121,22 +102,19 @@ TEST(EventLog, NoTextForgesARecordOrReachesTheTerminal)
     EsControlSetForm("Form\n");
     EsControlGetField("%s", hostile);
     EsLogControl(EsCategoryTools, EsLevelError);
-    const std::string written = folder.read("log.txt");
-    EXPECT_EQ(written.find_first_of("\033\r"), written.npos);
-    EXPECT_NE(written.find("100%n%s"), written.npos);
+    const std::string bytes = folder.read("log.txt");
+    EXPECT_EQ(bytes.find_first_of("\033\r"), bytes.npos);
+    EXPECT_THAT(bytes, HasSubstr("100%n%s"));
     auto begins = [](const std::string &line) { return !line.empty() && line[0] != ' '; };
-    EXPECT_EQ(std::ranges::count_if(linesOf(written), begins), std::ssize(log.records()));
+    EXPECT_EQ(std::ranges::count_if(written(), begins), std::ssize(log.records()));
 }
 
-TEST(EventLog, ACallBackThatLogsReachesTheOtherSinksOnlyAndMayTakeItselfAway)
+TEST_F(EventLog, ACallBackThatLogsReachesTheOtherSinksOnlyAndMayTakeItselfAway)
 {
-    test::TempFolder folder;
-    test::CaughtLog restore;
-    ASSERT_EQ(EsSinkFile((folder.native() / "log.txt").c_str()), 0);
-    std::vector<std::string> seen;
+    Texts seen;
     EsSinkCallback(
         [](void *context, const EsRecord *record) {
-            auto texts = static_cast<std::vector<std::string> *>(context);
+            auto texts = static_cast<Texts *>(context);
             texts->push_back(record->text);
             EsLog(EsCategoryTools, EsLevelError, "and again: %s", record->text);
             if (texts->size() == 2)
@@ -146,15 +124,14 @@ TEST(EventLog, ACallBackThatLogsReachesTheOtherSinksOnlyAndMayTakeItselfAway)
     for (const char *text : {"first", "second", "third"})
         EsLog(EsCategoryTools, EsLevelError, "%s", text);
     EXPECT_THAT(seen, ElementsAre("first", "second"));
-    EXPECT_EQ(linesOf(folder.read("log.txt")).size(), 5U);
+    EXPECT_EQ(written().size(), 5U);
 }
 
-TEST(EventLog, NoThreadIsInTheCallBackAnyMoreOnceItIsTakenAway)
+TEST_F(EventLog, NoThreadIsInTheCallBackAnyMoreOnceItIsTakenAway)
 {
     struct Shared {
         std::atomic<bool> entered{false}, removing{false}, left{false};
     } shared;
-    test::CaughtLog restore;
     EsSinkCallback(
         [](void *context, const EsRecord *) {
             auto &state = *static_cast<Shared *>(context);
@@ -176,25 +153,21 @@ TEST(EventLog, NoThreadIsInTheCallBackAnyMoreOnceItIsTakenAway)
     logging.join();
 }
 
-TEST(EventLog, RecordsOfManyThreadsStayWholeAndAreNumberedWithoutAGap)
+TEST_F(EventLog, RecordsOfManyThreadsStayWholeAndAreNumberedWithoutAGap)
 {
     constexpr int threads = 8, each = 250;
-    test::TempFolder folder;
-    test::CaughtLog log;
-    ASSERT_EQ(EsSinkFile((folder.native() / "log.txt").c_str()), 0);
-    std::vector<std::thread> workers;
-    for (int t = 0; t < threads; ++t)
-        workers.emplace_back([t] {
-            EsEnter(EsLevelTrace, "");
-            for (int i = 0; i < each; ++i)
-                EsLog(EsCategoryTools, EsLevelInformation, "thread %d record %d.", t, i);
-        });
-    for (std::thread &worker : workers)
-        worker.join();
-    const auto lines = linesOf(folder.read("log.txt"));
-    EXPECT_EQ(lines.size(), size_t{threads * each});
+    {
+        std::vector<std::jthread> workers;
+        for (int t = 0; t < threads; ++t)
+            workers.emplace_back([t] {
+                EsEnter(EsLevelTrace, "");
+                for (int i = 0; i < each; ++i)
+                    EsLog(EsCategoryTools, EsLevelInformation, "thread %d record %d.", t, i);
+            });
+    }
+    EXPECT_EQ(written().size(), size_t{threads * each});
     const std::regex whole(".{19} information Tools:   thread \\d record \\d+\\.");
-    for (const std::string &line : lines)
+    for (const std::string &line : written())
         ASSERT_TRUE(std::regex_match(line, whole)) << line;
     std::set<int64_t> numbers;
     for (const auto &record : log.records())
@@ -203,10 +176,9 @@ TEST(EventLog, RecordsOfManyThreadsStayWholeAndAreNumberedWithoutAGap)
     EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), threads * each - 1);
 }
 
-TEST(EventLog, OutOfMemoryIsStillTold)
+TEST_F(EventLog, OutOfMemoryIsStillTold)
 {
     test::CapturedOutput standardError(stderr);
-    test::CaughtLog restore;
     EsSinkCallback(nullptr, nullptr);
     EsSinkStandardError(1);
     const std::string longText(100000, 'x');

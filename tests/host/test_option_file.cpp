@@ -1,14 +1,9 @@
 #include "host/option_file.h"
 
-#include <random>
-#include <string>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 using namespace talm;
-using testing::ElementsAre;
-using testing::Pair;
+using namespace vx;
 using testing::UnorderedElementsAre;
 
 namespace {
@@ -44,25 +39,18 @@ TEST(OptionFile, AChangeTouchesTheLineThatCountsAndNoOther)
     EXPECT_EQ(withOption("", "A", ""), "A = \n");
 }
 
-/** Text of what makes option files difficult. */
-std::string randomText(std::mt19937 &random, size_t pieces)
-{
-    const std::string_view choices[] = {"A", "B", " ", "=", "=", "\n", "\n", "\r\n", "#", "\t", "x",
-                                        "\xEF\xBB\xBF", std::string_view("\0", 1), "\xE9"};
-    std::string out;
-    for (size_t i = random() % (pieces + 1); i > 0; --i)
-        out += choices[random() % std::size(choices)];
-    return out;
-}
+/** What makes option files difficult. */
+const std::string_view pieces[] = {
+    "A",   "B", " ", "=", "=", "\n", "\n", "\r\n", "#", "\t", "x", "\xEF\xBB\xBF", std::string_view("\0", 1),
+    "\xE9"};
 
 TEST(OptionFile, WhatIsStoredIsReadBackAndEverythingElseStays)
 {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    vx::test::Random random;
     int stored = 0;
     for (int round = 0; round < 20000; ++round) {
-        std::string text = randomText(random, 30), key = randomText(random, 3), value = randomText(random, 4);
+        std::string text = random.text(pieces, 0, 30), key = random.text(pieces, 0, 3),
+                    value = random.text(pieces, 0, 4);
         if (!isStorable(key, value))
             continue;
         ++stored;

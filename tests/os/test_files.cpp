@@ -2,43 +2,31 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "platform/os/os.h"
-#include "tests/support/child.h"
-#include "tests/support/each_refusal.h"
-#include "tests/support/temp_folder.h"
+#include "platform/os/native_path.h"
+#include "tests/support/test.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 
 namespace {
 
 struct OsFiles : testing::Test {
     /** Closes at the end. */
     struct Stream {
-        FILE *file = nullptr;
-        os::Error error;
-
         Stream(const std::string &path, const char *mode) { error = os::openFile(path.c_str(), mode, file); }
-        ~Stream()
-        {
-            if (file)
-                fclose(file);
-        }
+        ~Stream() { file ? fclose(file) : 0; }
         Stream(const Stream &) = delete;
         Stream &operator=(const Stream &) = delete;
+
+        FILE *file = nullptr;
+        os::Error error;
     };
 
     bool left(const char *name) const { return fs::exists(folder.native() / name); }
+    int64_t entries() const { return std::distance(fs::directory_iterator(folder.native()), {}); }
+    os::Error replace(const char *name, std::string_view bytes) const
+    {
+        return os::replaceFile(folder.text(name).c_str(), bytes.data(), bytes.size());
+    }
 
     test::TempFolder folder;
     std::string path = folder.text("f");
@@ -47,15 +35,13 @@ struct OsFiles : testing::Test {
 TEST_F(OsFiles, ReadersShareAndAWriterIsAlone)
 {
     folder.write("f", "text");
-    const char *reading[] = {"r", "rb"};
-    const char *writing[] = {"r+", "w", "w+b", "a", "a+"};
     for (const char *first : {"r", "r+"}) {
         Stream held(path, first);
         ASSERT_EQ(held.error, os::Error::none);
         bool writer = first[1] == '+';
-        for (const char *mode : reading)
+        for (const char *mode : {"r", "rb"})
             EXPECT_EQ(Stream(path, mode).error, writer ? os::Error::accessDenied : os::Error::none);
-        for (const char *mode : writing) {
+        for (const char *mode : {"r+", "w", "w+b", "a", "a+"}) {
             errno = 0;
             EXPECT_EQ(Stream(path, mode).error, os::Error::accessDenied) << mode;
             EXPECT_EQ(errno, EACCES);
@@ -67,8 +53,7 @@ TEST_F(OsFiles, ReadersShareAndAWriterIsAlone)
 
 TEST_F(OsFiles, AProcessThatEndsLetsGo)
 {
-    int ready[2];
-    int done[2];
+    int ready[2], done[2];
     ASSERT_EQ(pipe(ready) + pipe(done), 0);
     test::Child holder([&] {
         Stream held(path, "w");
@@ -87,23 +72,20 @@ TEST_F(OsFiles, AProcessThatEndsLetsGo)
 
 TEST_F(OsFiles, ModesDoWhatTheyDoInTheStandardLibrary)
 {
-    struct {
-        const char *mode;
-        const char *content; ///< of "12" after writing "x", "!" when that fails
-        const char *fresh;   ///< of a missing file after writing "x", "!" when it is not made
-    } cases[] = {{"r", "!", "!"},   {"r+b", "x2", "!"},  {"w", "x", "x"},        {"w+t", "x", "x"},
-                 {"a", "12x", "x"}, {"ab+", "12x", "x"}, {"wcnStNRT", "x", "x"}, {"wx", "!", "x"}};
-    for (auto &c : cases) {
-        SCOPED_TRACE(c.mode);
-        auto writeX = [&] {
-            Stream stream(path, c.mode);
-            return stream.file && fputc('x', stream.file) == 'x' && fflush(stream.file) == 0;
-        };
+    // Of "12" after writing "x", then of a missing file: the content, "!" for a failure.
+    const char *cases[][3] = {{"r", "!", "!"},        {"r+b", "x2", "!"}, {"w", "x", "x"},
+                              {"w+t", "x", "x"},      {"a", "12x", "x"},  {"ab+", "12x", "x"},
+                              {"wcnStNRT", "x", "x"}, {"wx", "!", "x"}};
+    auto writtenX = [&](const char *mode) {
+        Stream stream(path, mode);
+        bool done = stream.file && fputc('x', stream.file) == 'x' && fflush(stream.file) == 0;
+        return done ? folder.read("f") : "!";
+    };
+    for (auto [mode, content, fresh] : cases) {
         folder.write("f", "12");
-        EXPECT_EQ(writeX() ? folder.read("f") : "!", c.content);
+        EXPECT_EQ(writtenX(mode), content) << mode;
         fs::remove(folder.native() / "f");
-        EXPECT_EQ(writeX() ? folder.read("f") : "!", c.fresh);
-        fs::remove(folder.native() / "f");
+        EXPECT_EQ(writtenX(mode), fresh) << mode;
     }
     for (const char *mode : {"", "b", "q", "+r"})
         EXPECT_EQ(Stream(path, mode).error, os::Error::invalid) << mode;
@@ -116,7 +98,7 @@ TEST_F(OsFiles, DRemovesTheNameAtOnceAndAnEncodingIsNoLetter)
         Stream stream(path, "w+bD");
         ASSERT_EQ(stream.error, os::Error::none);
         EXPECT_FALSE(left("f"));
-        EXPECT_EQ(fputs("text", stream.file) < 0, false);
+        EXPECT_GE(fputs("text", stream.file), 0);
     }
     EXPECT_FALSE(left("f"));
     Stream stream(path, "w,ccs=UNICODE");
@@ -135,22 +117,15 @@ TEST_F(OsFiles, LinksLeadToTheirFileEvenBeforeItIsThere)
 
 TEST_F(OsFiles, ManyMakersOfOneFileNeverTakeItFromItsHolder)
 {
-    constexpr int makers = 4;
-    constexpr int rounds = 200;
-    for (int round = 0; round < rounds; ++round) {
-        FILE *streams[makers] = {};
+    for (int round = 0; round < 200; ++round) {
+        FILE *streams[4] = {};
         {
             std::vector<std::jthread> threads;
             for (FILE *&stream : streams)
                 threads.emplace_back([&] { os::openFile(path.c_str(), "w", stream); });
         }
-        int holders = 0;
-        for (FILE *stream : streams)
-            if (stream) {
-                ++holders;
-                fclose(stream);
-            }
-        ASSERT_EQ(holders, 1);
+        ASSERT_EQ(std::ranges::count(streams, nullptr), 3);
+        fclose(*std::ranges::max_element(streams));
         ASSERT_TRUE(left("f"));
         fs::remove(folder.native() / "f");
     }
@@ -166,7 +141,7 @@ TEST_F(OsFiles, RightsAreThoseInForce)
         return os::access(path.c_str(), os::Access::exists) == os::Error::none &&
                os::access(path.c_str(), os::Access::write) == os::Error::accessDenied &&
                Stream(path, "w").error == os::Error::accessDenied &&
-               os::replaceFile(path.c_str(), "x", 1) == os::Error::accessDenied &&
+               replace("f", "x") == os::Error::accessDenied &&
                (getuid() != 0 || os::removeFile(path.c_str()) == os::Error::accessDenied) &&
                (getuid() != 0 || os::makeDirectory(folder.text("d").c_str()) == os::Error::accessDenied);
     }));
@@ -178,28 +153,28 @@ TEST_F(OsFiles, ReplacingKeepsPermissionsLinksAndHolders)
     folder.write("f", "old");
     fs::permissions(folder.native() / "f", fs::perms(0640));
     fs::create_symlink("f", folder.native() / "link");
-    ASSERT_EQ(os::replaceFile(folder.text("link").c_str(), "new\0x", 5), os::Error::none);
+    ASSERT_EQ(replace("link", {"new\0x", 5}), os::Error::none);
     EXPECT_EQ(folder.read("f"), std::string("new\0x", 5));
     EXPECT_TRUE(fs::is_symlink(folder.native() / "link"));
     EXPECT_EQ(fs::status(folder.native() / "f").permissions(), fs::perms(0640));
 
     {
         Stream reader(path, "r");
-        EXPECT_EQ(os::replaceFile(path.c_str(), "x", 1), os::Error::accessDenied);
+        EXPECT_EQ(replace("f", "x"), os::Error::accessDenied);
     }
-    EXPECT_EQ(os::replaceFile(folder.text("fresh").c_str(), "", 0), os::Error::none);
+    EXPECT_EQ(replace("fresh", ""), os::Error::none);
     EXPECT_EQ(folder.read("fresh"), "");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 3);
+    EXPECT_EQ(entries(), 3);
 }
 
 TEST_F(OsFiles, OnlyFilesAreReplacedAlsoUnderTheLongestName)
 {
     std::string longest(255, 'n');
-    EXPECT_EQ(os::replaceFile(folder.text(longest).c_str(), "new", 3), os::Error::none);
+    EXPECT_EQ(replace(longest.c_str(), "new"), os::Error::none);
     EXPECT_EQ(folder.read(longest), "new");
     ASSERT_EQ(mkfifo((folder.native() / "f").c_str(), 0666), 0);
-    EXPECT_EQ(os::replaceFile(path.c_str(), "x", 1), os::Error::invalid);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 2);
+    EXPECT_EQ(replace("f", "x"), os::Error::invalid);
+    EXPECT_EQ(entries(), 2);
 }
 
 TEST_F(OsFiles, AReplacementHoldsTheOldFileUntilItIsThroughOrDropped)
@@ -212,13 +187,11 @@ TEST_F(OsFiles, AReplacementHoldsTheOldFileUntilItIsThroughOrDropped)
         size_t copied = 0;
         EXPECT_EQ(os::copyBytes(replacement.old, 1, replacement.file, 0, 100, copied), os::Error::none);
         EXPECT_EQ(copied, 2u);
-        if (through) {
-            EXPECT_EQ(os::commitReplacement(replacement, true), os::Error::none);
-        }
+        EXPECT_TRUE(!through || os::commitReplacement(replacement, true) == os::Error::none);
         os::dropReplacement(replacement);
         EXPECT_EQ(folder.read("f"), through ? "ld" : "old");
         EXPECT_EQ(Stream(path, "r").error, os::Error::none);
-        EXPECT_EQ(std::distance(fs::directory_iterator(folder.native()), {}), 1);
+        EXPECT_EQ(entries(), 1);
     }
 }
 
@@ -227,19 +200,17 @@ TEST_F(OsFiles, AttributesAreReadAsFileServersWriteThem)
     folder.write("f", "");
     fs::path native = folder.native() / "f";
     const char *name = "user.DOSATTRIB";
-    const struct {
-        const char *text;
-        uint32_t attributes;
-    } cases[] = {{"0x22", 0x22}, {"0x2", 0x2}, {"0x17", 0x2}, {"22", 0}, {"0x", 0}, {"0x20 and more", 0x20}};
+    const std::pair<const char *, uint32_t> cases[] = {{"0x22", 0x22}, {"0x2", 0x2}, {"0x17", 0x2},
+                                                       {"22", 0},      {"0x", 0},    {"0x20 and more", 0x20}};
     uint32_t attributes = 0;
-    for (const auto &c : cases) {
-        if (setxattr(native.c_str(), name, c.text, strlen(c.text), 0) != 0) {
+    for (auto [text, expected] : cases) {
+        if (setxattr(native.c_str(), name, text, strlen(text), 0) != 0) {
             // A file system without extended attributes says so.
             EXPECT_EQ(os::setFileAttributes(path.c_str(), 0x22), os::Error::unsupported);
             return;
         }
         EXPECT_EQ(os::fileAttributes(path.c_str(), attributes), os::Error::none);
-        EXPECT_EQ(attributes, c.attributes) << c.text;
+        EXPECT_EQ(attributes, expected) << text;
     }
     char text[16] = "";
     EXPECT_EQ(os::setFileAttributes(path.c_str(), 0x22), os::Error::none);
@@ -265,43 +236,47 @@ TEST_F(OsFiles, ARefusedVerbTouchesNothing)
     os::FileStatus status{};
     FILE *stream = nullptr;
     char out[300] = "";
-    os::Error results[20];
     os::Handle handle;
     os::Replacement replacement{};
     uint32_t attributes = 0;
     int64_t bytes = 0;
-    int64_t refusals = 0;
     fault::refuseFrom(fault::Kind::verb, 1);
-    int n = 0;
-    results[n++] = os::fileStatus(path.c_str(), status);
-    results[n++] = os::access(path.c_str(), os::Access::exists);
-    results[n++] = os::openFile(path.c_str(), "w", stream);
-    results[n++] = os::removeFile(path.c_str());
-    results[n++] = os::replaceFile(path.c_str(), "x", 1);
-    results[n++] = os::makeDirectory(folder.text("d").c_str());
-    results[n++] = os::currentDirectory(out, sizeof out);
-    results[n++] = os::setCurrentDirectory("\\");
-    results[n++] = os::executablePath(out, sizeof out);
-    results[n++] = os::longPath("a", out, sizeof out);
-    results[n++] = os::renameFile(path.c_str(), (path + "2").c_str());
-    results[n++] = os::linkFile(path.c_str(), (path + "2").c_str());
-    results[n++] = os::removeDirectory(folder.text().c_str());
-    results[n++] = os::diskSpace(path.c_str(), bytes, bytes);
-    results[n++] = os::fileAttributes(path.c_str(), attributes);
-    results[n++] = os::setFileAttributes(path.c_str(), os::readOnlyAttribute);
-    results[n++] = os::openHandle(path.c_str(), os::writeAccess, handle);
-    results[n++] = os::beginReplacement(path.c_str(), replacement);
-    results[n++] = os::commitReplacement(replacement, true);
-    results[n++] = os::syncStream(stdout);
-    refusals = fault::refusals(fault::Kind::verb);
+    const os::Error results[] = {
+        os::fileStatus(path.c_str(), status),
+        os::access(path.c_str(), os::Access::exists),
+        os::openFile(path.c_str(), "w", stream),
+        os::removeFile(path.c_str()),
+        os::replaceFile(path.c_str(), "x", 1),
+        os::makeDirectory(folder.text("d").c_str()),
+        os::currentDirectory(out, sizeof out),
+        os::setCurrentDirectory("\\"),
+        os::executablePath(out, sizeof out),
+        os::longPath("a", out, sizeof out),
+        os::renameFile(path.c_str(), (path + "2").c_str()),
+        os::linkFile(path.c_str(), (path + "2").c_str()),
+        os::removeDirectory(folder.text().c_str()),
+        os::diskSpace(path.c_str(), bytes, bytes),
+        os::fileAttributes(path.c_str(), attributes),
+        os::setFileAttributes(path.c_str(), os::readOnlyAttribute),
+        os::openHandle(path.c_str(), os::writeAccess, handle),
+        os::beginReplacement(path.c_str(), replacement),
+        os::commitReplacement(replacement, true),
+        os::syncStream(stdout),
+    };
+    int64_t refusals = fault::refusals(fault::Kind::verb);
     fault::refuse(fault::Kind::verb, 0);
-    EXPECT_EQ(refusals, n);
-    for (os::Error result : results)
-        EXPECT_EQ(result, os::Error::other);
+    EXPECT_EQ(refusals, std::ssize(results));
+    EXPECT_THAT(results, testing::Each(os::Error::other));
     EXPECT_EQ(folder.read("f"), "text");
-    EXPECT_FALSE(left("d") || left("f2") || handle.isOpen() || replacement.file.isOpen());
+    EXPECT_FALSE(left("d") || left("f2") || handle.isOpen() || replacement.file.isOpen() || stream);
     EXPECT_STREQ(out, "");
-    EXPECT_EQ(stream, nullptr);
+}
+
+TEST_F(OsFiles, TheProgramKnowsItsOwnPath)
+{
+    char out[300];
+    EXPECT_EQ(os::executablePath(out, sizeof out), os::Error::none);
+    EXPECT_EQ(os::NativePath(out).c_str(), fs::read_symlink("/proc/self/exe"));
 }
 
 }

@@ -1,20 +1,7 @@
-#include <cerrno>
-#include <filesystem>
-#include <map>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "platform/os/os.h"
-#include "tests/support/child.h"
-#include "tests/support/each_refusal.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "vx/sys.h"
 
 using namespace vx;
-namespace fs = std::filesystem;
 using os::SettingsRoot;
 
 namespace {
@@ -49,14 +36,11 @@ TEST_F(Settings, WhatIsWrittenIsRead)
                             "[", "]", "=", " ", "\\", "#", "x",  "\xE9"};
     const char *keys[] = {"Software\\Some\\Key", "a b", "k]", ""};
     const char *names[] = {"name", "with blank", "", "1"};
-    std::mt19937 random(4711);
+    test::Random random(4711);
     std::map<std::pair<std::string, std::string>, std::string> model;
     for (int round = 0; round < 400; ++round) {
-        std::string text;
-        for (size_t n = random() % 8; n > 0; --n)
-            text += pieces[random() % std::size(pieces)];
-        std::pair<std::string, std::string> place{keys[random() % std::size(keys)],
-                                                  names[random() % std::size(names)]};
+        std::string text = random.text(pieces, 0, 7);
+        std::pair<std::string, std::string> place{random.one(keys), random.one(names)};
         ASSERT_EQ(set(place.first, place.second, text), os::Error::none);
         model[place] = text;
         for (auto &[where, expected] : model)
@@ -69,10 +53,9 @@ TEST_F(Settings, KeysAndNamesIgnoreCaseAndRootsAreApart)
 {
     set("Soft\\Key", "Name", "user");
     set("Soft\\Key", "Name", "machine", SettingsRoot::machine);
-    EXPECT_EQ(get("SOFT\\kEY", "nAME"), "user");
-    EXPECT_EQ(get("SOFT\\kEY", "nAME", SettingsRoot::machine), "machine");
     set("soft\\KEY", "NAME", "other");
-    EXPECT_EQ(get("Soft\\Key", "Name"), "other");
+    EXPECT_EQ(get("SOFT\\kEY", "nAME"), "other");
+    EXPECT_EQ(get("SOFT\\kEY", "nAME", SettingsRoot::machine), "machine");
 }
 
 TEST_F(Settings, FilesWrittenByHandAreReadAndKept)
@@ -115,42 +98,31 @@ TEST_F(Settings, WithoutAFileOfItsOwnTheStoreLiesInTheUsersHome)
 
 TEST_F(Settings, ProcessesThatWriteAtOnceKeepEachOthersValues)
 {
-    constexpr int writers = 4;
-    constexpr int values = 40;
-    {
-        std::vector<std::unique_ptr<test::Child>> children;
-        for (int w = 0; w < writers; ++w)
-            children.push_back(std::make_unique<test::Child>([w] {
-                bool good = true;
-                for (int v = 0; v < values; ++v)
-                    good = good &&
-                           set("key" + std::to_string(w % 2), std::to_string(w) + "." + std::to_string(v),
-                               std::to_string(v)) == os::Error::none;
-                return good;
-            }));
-        for (auto &child : children)
-            EXPECT_TRUE(child->succeeded());
-    }
+    constexpr int writers = 4, values = 40;
+    auto key = [](int writer) { return "key" + std::to_string(writer % 2); };
+    auto name = [](int writer, int value) { return std::to_string(writer) + "." + std::to_string(value); };
+    EXPECT_TRUE(test::inChildren(writers, [&](int w) {
+        bool good = true;
+        for (int v = 0; v < values; ++v)
+            good = set(key(w), name(w, v), std::to_string(v)) == os::Error::none && good;
+        return good;
+    }));
     for (int w = 0; w < writers; ++w)
         for (int v = 0; v < values; ++v)
-            ASSERT_EQ(get("key" + std::to_string(w % 2), std::to_string(w) + "." + std::to_string(v)),
-                      std::to_string(v));
+            ASSERT_EQ(get(key(w), name(w, v)), std::to_string(v));
 }
 
 TEST_F(Settings, AFailedWriteLeavesTheStoreAsItWas)
 {
-    set("key of some length", "name of some length", "old");
+    const char *key = "key of some length", *name = "name of some length";
+    set(key, name, "old");
     std::string before = folder.read("registry.ini");
     os::Error result = os::Error::none;
-    test::eachRefusal(
-        fault::Kind::allocation, nullptr,
-        [&] {
-            result = os::writeSetting(SettingsRoot::user, "key of some length", "name of some length", "new");
-        },
-        [&](bool refused) {
-            EXPECT_EQ(result, refused ? os::Error::noMemory : os::Error::none);
-            EXPECT_EQ(folder.read("registry.ini") == before, refused);
-        });
+    auto write = [&] { result = os::writeSetting(SettingsRoot::user, key, name, "new"); };
+    test::eachRefusal(fault::Kind::allocation, nullptr, write, [&](bool refused) {
+        EXPECT_EQ(result, refused ? os::Error::noMemory : os::Error::none);
+        EXPECT_EQ(folder.read("registry.ini") == before, refused);
+    });
 }
 
 TEST_F(Settings, TheExportedFunctionsKnowTwoRoots)
@@ -158,12 +130,10 @@ TEST_F(Settings, TheExportedFunctionsKnowTwoRoots)
     char out[8] = "x";
     EXPECT_EQ(VxRegistrySet(0, "k", "n", "user") + VxRegistrySet(1, "k", "n", "machine"), 0u);
     EXPECT_EQ(VxRegistrySet(2, "k", "n", "?") + VxRegistryGet(-1, "k", "n", out, 8), 2u);
-    EXPECT_EQ(VxRegistryGet(0, "k", "n", out, 8), 0u);
-    EXPECT_STREQ(out, "user");
-    EXPECT_EQ(VxRegistryGet(1, "k", "n", out, 8), 0u);
-    EXPECT_STREQ(out, "machine");
-    EXPECT_EQ(VxRegistryGet(1, "k", "n", out, 7), 1u);
-    EXPECT_STREQ(out, "");
+    for (auto [root, size, text] : {std::tuple{0, 8, "user"}, {1, 8, "machine"}, {1, 7, ""}}) {
+        EXPECT_EQ(VxRegistryGet(root, "k", "n", out, size), *text ? 0u : 1u);
+        EXPECT_STREQ(out, text);
+    }
     EXPECT_EQ(VxRegistryGet(0, nullptr, "n", out, 8) + VxRegistrySet(0, "k", "n", nullptr), 2u);
 }
 

@@ -25,17 +25,14 @@ inline std::optional<Bytes> deflateOneByte(const Bytes &source, std::vector<intp
     stream.next_out = out.data();
     intptr_t last = 80;
     int result = Z_OK;
-    while (result == Z_OK && stream.total_in < source.size()) {
-        stream.avail_in = stream.avail_out = 1;
-        result = deflate(&stream, Z_NO_FLUSH);
+    while (result == Z_OK) {
+        bool more = stream.total_in < source.size();
+        stream.avail_in = more;
+        stream.avail_out = 1;
+        result = deflate(&stream, more ? Z_NO_FLUSH : Z_FINISH);
         auto now = static_cast<intptr_t>(80 + 20 * stream.total_in / source.size());
         if (now > last)
             progress.push_back(last = now);
-    }
-    stream.avail_in = 0;
-    while (result == Z_OK) {
-        stream.avail_out = 1;
-        result = deflate(&stream, Z_FINISH);
     }
     out.resize(stream.total_out);
     deflateEnd(&stream);

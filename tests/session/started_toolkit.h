@@ -1,12 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "platform/os/test_values.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "vx/err.h"
 #include "vx/tools.h"
 
@@ -16,8 +10,7 @@ namespace vx::test {
  * The toolkit with its texts, for tests that look at what is reported. Each
  * test has a time of its own, so that none is a repeat of the one before.
  */
-class StartedToolkit : public testing::Test {
-protected:
+struct StartedToolkit : testing::Test {
     void SetUp() override
     {
         static int64_t minutes = 30'000'000;
@@ -41,7 +34,6 @@ protected:
         return only;
     }
 
-private:
     Environment noSignalHandlers_{"VX_SIG_DISABLE", "1"};
 };
 

@@ -1,16 +1,7 @@
 #include "vx/compress.h"
 
-#include <optional>
-#include <random>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "talm/base.hpp"
 #include "tests/session/one_byte_zlib.h"
 #include "tests/session/started_toolkit.h"
-#include "tests/support/faults.h"
 #include "vx/mem.h"
 #include "vx/tools.h"
 
@@ -20,15 +11,6 @@ using test::Bytes;
 namespace {
 
 constexpr unsigned seed = 6601;
-
-std::vector<intptr_t> progressSeen;
-
-int32_t noteProgress(intptr_t value, intptr_t b, intptr_t c, intptr_t d)
-{
-    EXPECT_EQ(b | c | d, 0);
-    progressSeen.push_back(value);
-    return 1;
-}
 
 using Compress = test::StartedToolkit;
 
@@ -110,10 +92,15 @@ std::vector<Bytes> largeSources()
 
 void compareCompression(const Bytes &source)
 {
+    static std::vector<intptr_t> progressSeen;
     std::vector<intptr_t> progress;
     auto expected = test::deflateOneByte(source, progress);
     progressSeen.clear();
-    VgProgressCb = noteProgress;
+    VgProgressCb = [](intptr_t value, intptr_t b, intptr_t c, intptr_t d) {
+        EXPECT_EQ(b | c | d, 0);
+        progressSeen.push_back(value);
+        return 1;
+    };
     EXPECT_TRUE(expected && compressed(source) == expected) << source.size();
     VgProgressCb = nullptr;
     EXPECT_EQ(progressSeen, progress) << source.size();
@@ -130,10 +117,8 @@ void compareExpansion(const Bytes &source, int32_t size)
 
 TEST_F(Compress, BytesAndProgressAreThoseOfSingleBytes)
 {
-    for (const Bytes &source : smallSources())
-        compareCompression(source);
-    for (const Bytes &source : largeSources())
-        compareCompression(source);
+    for (const auto &sources : {smallSources(), largeSources()})
+        std::ranges::for_each(sources, compareCompression);
 }
 
 TEST_F(Compress, ExpansionIsThatOfSingleBytesWhateverRoomThereIs)
@@ -163,7 +148,7 @@ TEST_F(Compress, TruncatedInputGivesWhatSingleBytesGiveAtEveryLength)
 
 TEST_F(Compress, DamagedInputGivesWhatSingleBytesGive)
 {
-    std::mt19937 random(seed + 2);
+    test::Random random(seed + 2);
     for (const Bytes &source : smallSources()) {
         Bytes whole = *compressed(source);
         for (int run = 0; run < 200; ++run) {
@@ -230,44 +215,36 @@ TEST_F(Compress, ArgumentsThatMakeNoSenseAllocateNothing)
 TEST_F(Compress, ARefusedAllocationGivesNoResultAtAll)
 {
     const Bytes source(10000, 'x'), small = *compressed(source), stored = *converted(1, 'M', source);
-    const struct {
-        decltype(&VxLibDeflate) function;
-        const Bytes &in, &out;
-    } steps[] = {{VxLibDeflate, source, small},
-                 {VxLibInflate, small, source},
-                 {marked<1>, source, stored},
-                 {marked<0>, stored, source}};
-    for (const auto &step : steps) {
-        int failures = 0;
-        test::refusingEachAllocation([&] {
-            void *block = nullptr;
-            int32_t size = 12000;
-            bool failed = step.function(step.in.data(), count(step.in), &block, &size) != 0;
-            failures += failed;
-            EXPECT_EQ(block == nullptr, failed);
-            EXPECT_EQ(size, failed ? 12000 : count(step.out));
+    auto refuse = [](auto function, const Bytes &in, const Bytes &out) {
+        void *block = nullptr;
+        int32_t size;
+        auto act = [&] { function(in.data(), count(in), &block, &(size = 12000)); };
+        int64_t calls = test::eachRefusal(fault::Kind::allocation, nullptr, act, [&](bool refused) {
+            EXPECT_EQ(block == nullptr, refused);
+            EXPECT_EQ(size, refused ? 12000 : count(out));
             VxMemFree(&block);
             VxErrClear();
         });
-        EXPECT_GE(failures, 3) << "zlib's own, and the block";
-    }
+        EXPECT_GE(calls, 3) << "zlib's own, and the block";
+    };
+    refuse(VxLibDeflate, source, small);
+    refuse(VxLibInflate, small, source);
+    refuse(marked<1>, source, stored);
+    refuse(marked<0>, stored, source);
 }
 
 TEST_F(Compress, TheHostAnswersThreeQueriesAndItsAbsenceIsZero)
 {
-    auto &host = HESKET::Talm::Ap::Base::Instance();
-    auto show = +[](const char *text) { return text == std::string(GetVerNum()) ? 5 : -1; };
-    auto compare = +[](intptr_t w, intptr_t x, intptr_t y, intptr_t z) {
-        return static_cast<int32_t>(w * 1000 + x * 100 + y * 10 + z);
-    };
     int32_t active = 42;
-    host.SetFunction(71, reinterpret_cast<void *>(show));
-    host.SetFunction(232, reinterpret_cast<void *>(compare));
-    host.SetVariable(14, &active);
-    EXPECT_TRUE(VerNum() == 5 && HkVersionLessThan(1, 2, 3, 4) == 1234 && HkQaTestIsActive() == 42);
-    host.SetFunction(71, nullptr);
-    host.SetFunction(232, nullptr);
-    host.SetVariable(14, nullptr);
+    {
+        test::Host host;
+        host(71, [](const char *text) { return text == std::string(GetVerNum()) ? 5 : -1; });
+        host(232, [](intptr_t w, intptr_t x, intptr_t y, intptr_t z) {
+            return static_cast<int32_t>(w * 1000 + x * 100 + y * 10 + z);
+        });
+        host.variable(14, &active);
+        EXPECT_TRUE(VerNum() == 5 && HkVersionLessThan(1, 2, 3, 4) == 1234 && HkQaTestIsActive() == 42);
+    }
     EXPECT_EQ(VerNum() | HkVersionLessThan(1, 2, 3, 4) | HkQaTestIsActive(), 0);
 }
 

@@ -1,12 +1,6 @@
 #include "session/name_table.h"
 
-#include <map>
-#include <random>
-#include <string>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/each_refusal.h"
+#include "tests/support/test.h"
 
 using namespace vx;
 using session::NameTable;
@@ -36,9 +30,7 @@ std::string someName(std::mt19937 &random)
 
 TEST(NameTable, AgreesWithAModelUnderRandomOperations)
 {
-    constexpr unsigned seed = 6101;
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    test::Random random(6101);
     NameTable<int> table;
     Model model;
     for (int step = 0; step < 200000; ++step) {

@@ -6,6 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <list>
 #include <stdexcept>
 
 namespace vx::test {
@@ -54,6 +56,15 @@ private:
 template <typename Body> bool inChild(Body body)
 {
     return Child(body).succeeded();
+}
+
+/** Whether body(0), body(1), ... answer true in so many processes at the same time. */
+template <typename Body> bool inChildren(int count, Body body)
+{
+    std::list<Child> children;
+    for (int i = 0; i < count; ++i)
+        children.emplace_back([&] { return body(i); });
+    return std::ranges::count_if(children, &Child::succeeded) == count;
 }
 
 }

@@ -38,4 +38,11 @@ int64_t eachRefusal(fault::Kind kind, const char *verb, Act &&act, Check &&check
     return nth - 1;
 }
 
+/** The same for allocations and then for verbs. */
+template <typename Act, typename Check> void eachRefusal(Act &&act, Check &&check)
+{
+    for (fault::Kind kind : {fault::Kind::allocation, fault::Kind::verb})
+        eachRefusal(kind, nullptr, act, check);
+}
+
 }

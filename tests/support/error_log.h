@@ -2,17 +2,10 @@
 
 // Tests in which errors are filed.
 
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "frame/error_log.h"
 #include "frame/modules.h"
-#include "platform/os/test_values.h"
 #include "talm/base.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/test.h"
 #include "text/lang.h"
 #include "vx/err.h"
 #include "vx/escape.h"
@@ -20,8 +13,7 @@
 namespace vx::test {
 
 /** An empty error log, a clock that stands still, no language, and a folder for alert files. */
-class ErrorLog : public testing::Test {
-protected:
+struct ErrorLog : testing::Test {
     ErrorLog() : toolsErrors_(frame::modules().tools.errors)
     {
         frame::resetErrorLog();
@@ -49,7 +41,10 @@ protected:
     }
 
     /** The same, as the toolkit's own alert file. */
-    void toolsAlertFile(std::string_view text) { frame::modules().tools.errors = alertFile(text, "Tools.ALERT"); }
+    void toolsAlertFile(std::string_view text)
+    {
+        frame::modules().tools.errors = alertFile(text, "Tools.ALERT");
+    }
 
     /** The pending record filed last. */
     static const frame::ErrorRecord &last() { return frame::errorState().pending.back(); }

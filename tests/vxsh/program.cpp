@@ -1,30 +1,19 @@
 #include "tests/vxsh/program.h"
 
-#include <cstdlib>
-
 #include <sys/wait.h>
-
-#include "tests/support/temp_folder.h"
 
 namespace vx::test {
 
-namespace {
-
-/** A word that the shell takes as it stands. */
-std::string quoted(const std::string &word)
-{
-    std::string text = "'";
-    for (char c : word)
-        text += c == '\'' ? "'\\''" : std::string(1, c);
-    return text + "'";
-}
-
-}
-
-Outcome vxsh(const std::vector<std::string> &arguments, const std::string &input, const std::string &folder)
+Outcome vxsh(const Texts &arguments, const std::string &input, const std::string &folder)
 {
     TempFolder streams;
     streams.write("in", input);
+    auto quoted = [](const std::string &word) {
+        std::string text = "'";
+        for (char c : word)
+            text += c == '\'' ? "'\\''" : std::string(1, c);
+        return text + "'";
+    };
     std::string command = folder.empty() ? "" : "cd " + quoted(folder) + " && ";
     command += quoted(VXSH_PROGRAM);
     for (const std::string &argument : arguments)

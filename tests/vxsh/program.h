@@ -2,8 +2,7 @@
 
 // Runs the built vxsh and keeps what it says.
 
-#include <string>
-#include <vector>
+#include "tests/support/test.h"
 
 namespace vx::test {
 
@@ -12,7 +11,12 @@ struct Outcome {
     std::string out, err;
 };
 
+inline std::ostream &operator<<(std::ostream &stream, const Outcome &run)
+{
+    return stream << "status " << run.status << "\n" << run.out << "errors:\n" << run.err;
+}
+
 /** Run vxsh with these arguments and this standard input, in `folder` when one is given. */
-Outcome vxsh(const std::vector<std::string> &arguments, const std::string &input = {}, const std::string &folder = {});
+Outcome vxsh(const Texts &arguments, const std::string &input = {}, const std::string &folder = {});
 
 }

@@ -1,21 +1,13 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include "tests/support/test.h"
 #include "tools/vxsh/definition.h"
 #include "tools/vxsh/name_scan.h"
 #include "tools/vxsh/parameter_file.h"
 
+using namespace vx;
+
 namespace vxsh {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 namespace {
-
-std::string cut(const std::string &line, Span span)
-{
-    return line.substr(span.at, span.length);
-}
 
 Definition read(const std::string &line)
 {
@@ -34,9 +26,9 @@ Problem problemOf(const std::string &line)
     return problem.value_or(Problem{});
 }
 
-std::vector<std::string> namesIn(std::string_view formula)
+Texts namesIn(std::string_view formula)
 {
-    std::vector<std::string> names;
+    Texts names;
     for (const NameToken &token : nameTokens(formula))
         names.emplace_back(token.name);
     return names;
@@ -46,23 +38,19 @@ std::vector<std::string> namesIn(std::string_view formula)
 
 TEST(Definition, isTakenApartAtTheFirstEqualsAndTheLastColonBeforeIt)
 {
-    Definition d = read("  pitch diameter :\tmm =  a = b : c \t");
-    EXPECT_EQ(d.name, "pitch diameter");
-    EXPECT_EQ(d.unit, "mm");
-    EXPECT_EQ(d.formula(), "a = b : c");
-    EXPECT_EQ(cut(d.line, d.nameAt), "pitch diameter");
-    EXPECT_EQ(cut(d.line, d.unitAt), "mm");
-
-    EXPECT_EQ(read("rate 1:2 : kg/m^3 = 1").name, "rate 1:2");
-}
-
-TEST(Definition, takesBracketsOffTheNameAndLeavesColonsInThemAlone)
-{
-    EXPECT_EQ(read("[$x] = 1").name, "x");
-    Definition d = read("[rate 1:2]: cm = 1");
-    EXPECT_EQ(d.name, "rate 1:2");
-    EXPECT_EQ(d.unit, "cm");
-    EXPECT_EQ(read("[a] [b] = 1").name, "[a] [b]") << "these brackets do not enclose it";
+    const char *cases[][5] = {
+        {"  pitch diameter :\tmm =  a = b : c \t", "pitch diameter", "mm", "a = b : c", "pitch diameter"},
+        {"rate 1:2 : kg/m^3 = 1", "rate 1:2", "kg/m^3", "1", "rate 1:2"},
+        {"[$x] = 1", "x", "", "1", "[$x]"},
+        {"[rate 1:2]: cm = 1", "rate 1:2", "cm", "1", "[rate 1:2]"},
+        {"[a] [b] = 1", "[a] [b]", "", "1", "[a] [b]"}, // these brackets do not enclose it
+    };
+    for (auto [line, name, unit, formula, written] : cases) {
+        Definition d = read(line);
+        EXPECT_THAT((std::tuple(d.name, d.unit, d.formula())), testing::FieldsAre(name, unit, formula));
+        EXPECT_EQ(d.line.substr(d.nameAt.at, d.nameAt.length), written);
+        EXPECT_EQ(d.line.substr(d.unitAt.at, d.unitAt.length), unit);
+    }
 }
 
 TEST(Definition, refusesNamesThatNoFormulaCouldReferTo)

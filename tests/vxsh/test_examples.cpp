@@ -2,11 +2,7 @@
 // and radians.
 
 #include <cmath>
-#include <map>
 #include <numbers>
-#include <sstream>
-
-#include <gtest/gtest.h>
 
 #include "tests/vxsh/program.h"
 
@@ -27,32 +23,27 @@ public:
         Outcome run = vxsh({"run", "--csv", VX_EXAMPLES "/" + file});
         EXPECT_EQ(run.status, 0) << run.err;
         std::istringstream lines(run.out);
-        std::string line;
-        std::getline(lines, line);
-        EXPECT_EQ(line, "name,value,unit");
-        while (std::getline(lines, line)) {
+        for (std::string line; std::getline(lines, line);) {
             size_t first = line.find(','), last = line.rfind(',');
-            values_[line.substr(0, first)] = {line.substr(first + 1, last - first - 1), line.substr(last + 1)};
+            values_[line.substr(0, first)] = {line.substr(first + 1, last - first - 1),
+                                              line.substr(last + 1)};
         }
     }
 
     void expect(const std::string &name, double value, const std::string &unit = "")
     {
         ASSERT_TRUE(values_.count(name)) << name;
-        EXPECT_NEAR(std::stod(values_[name].text), value, 1e-12 * std::max(1.0, std::fabs(value))) << name;
-        EXPECT_EQ(values_[name].unit, unit) << name;
+        EXPECT_NEAR(std::stod(values_[name].first), value, 1e-12 * std::max(1.0, std::fabs(value))) << name;
+        EXPECT_EQ(values_[name].second, unit) << name;
     }
 
     void expect(const std::string &name, const std::string &text)
     {
-        EXPECT_EQ(values_[name].text, text) << name;
+        EXPECT_EQ(values_[name].first, text) << name;
     }
 
 private:
-    struct Value {
-        std::string text, unit;
-    };
-    std::map<std::string, Value> values_;
+    std::map<std::string, std::pair<std::string, std::string>> values_;
 };
 
 }

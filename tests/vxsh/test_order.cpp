@@ -1,9 +1,4 @@
-#include <algorithm>
-#include <random>
-#include <set>
-
-#include <gtest/gtest.h>
-
+#include "tests/support/test.h"
 #include "tools/vxsh/order.h"
 
 namespace vxsh {
@@ -26,11 +21,6 @@ std::vector<std::vector<size_t>> distances(const Needs &needs)
                 if (d[a][via] && d[via][b] && (!d[a][b] || d[a][via] + d[via][b] < d[a][b]))
                     d[a][b] = d[a][via] + d[via][b];
     return d;
-}
-
-bool needsDirectly(const Needs &needs, uint32_t a, uint32_t b)
-{
-    return std::find(needs[a].begin(), needs[a].end(), b) != needs[a].end();
 }
 
 void expectRight(const Needs &needs)
@@ -56,8 +46,8 @@ void expectRight(const Needs &needs)
         }
         EXPECT_EQ(circle.path.size(), shortest);
         for (size_t i = 0; i < circle.path.size(); ++i)
-            EXPECT_TRUE(needsDirectly(needs, circle.path[i], circle.path[(i + 1) % circle.path.size()]));
-        EXPECT_EQ(circle.path.front(), *std::min_element(circle.path.begin(), circle.path.end()));
+            EXPECT_THAT(needs[circle.path[i]], testing::Contains(circle.path[(i + 1) % circle.path.size()]));
+        EXPECT_EQ(circle.path.front(), std::ranges::min(circle.path));
     }
     EXPECT_EQ(placed.size(), needs.size());
 }
@@ -66,9 +56,7 @@ void expectRight(const Needs &needs)
 
 TEST(Order, agreesWithAllShortestWaysOfRandomGraphs)
 {
-    unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    vx::test::Random random;
     for (int round = 0; round < 3000 && !HasFailure(); ++round) {
         Needs needs(1 + random() % 9);
         size_t edges = random() % (2 * needs.size());
