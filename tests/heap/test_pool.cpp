@@ -110,6 +110,11 @@ struct Course {
     bool someWait; ///< a pool grows large
 };
 
+void PrintTo(const Course &run, std::ostream *out)
+{
+    *out << "seed " << run.seed;
+}
+
 class RandomRun : public Pools, public testing::WithParamInterface<Course> {};
 
 INSTANTIATE_TEST_SUITE_P(Runs, RandomRun,
