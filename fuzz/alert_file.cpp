@@ -2,23 +2,17 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
+#include "fuzz/fuzz.h"
 #include "frame/alert_file.h"
 
 using namespace vx::frame;
 
 namespace {
 
-void demand(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 bool within(std::string_view part, std::string_view whole)
 {
-    return part.empty() || (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
+    return part.empty() || (part.data() >= whole.data() && &part.back() <= &whole.back());
 }
 
 }
@@ -35,15 +29,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     AlertLines lines(stream);
     size_t count = 0;
     for (std::string_view line; lines.next(line); ++count) {
-        demand(line.size() <= 255 && line.find('\n') == line.npos && line.find('\0') == line.npos);
+        require(line.size() <= 255 && line.find('\n') == line.npos && line.find('\0') == line.npos);
         for (const char *tag : {"", "[Fr]", "[de]"}) {
             AlertEntry entry;
             if (parseAlertLine(line, tag, entry))
-                demand(within(entry.text, line));
+                require(within(entry.text, line));
         }
     }
     auto breaks = static_cast<size_t>(std::count(data, data + size, '\n'));
-    demand(count == breaks + (data[size - 1] != '\n'));
+    require(count == breaks + (data[size - 1] != '\n'));
     std::fclose(stream);
     return 0;
 }

@@ -2,22 +2,12 @@
 // more texts than lines.
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
+#include "fuzz/fuzz.h"
 #include "frame/catalogue.h"
 
 using namespace vx::frame;
-
-namespace {
-
-void demand(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -26,10 +16,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         std::vector<char> bytes(data, data + size);
         bytes.push_back('\0');
         Catalogue catalogue(std::move(bytes), tag);
-        demand(catalogue.count() <= lines);
+        require(catalogue.count() <= lines);
         for (int32_t i = 0; i < catalogue.count(); ++i)
-            demand(*catalogue.text(i) && !std::strchr(catalogue.text(i), '\n'));
-        demand(!catalogue.text(catalogue.count()));
+            require(*catalogue.text(i) && !std::strchr(catalogue.text(i), '\n'));
+        require(!catalogue.text(catalogue.count()));
     }
     return 0;
 }

@@ -1,9 +1,6 @@
 // Formulas from anywhere: parsed, listed, evaluated, printed nowhere, freed.
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
+#include "fuzz/fuzz.h"
 #include "text/codepage.h"
 #include "vx/diagnose.hpp"
 #include "vx/eval.hpp"
@@ -15,12 +12,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     static constexpr int32_t pages[] = {932, 936, 949, 950, 1252, 65001};
     vx::text::setCodePage(pages[data[0] % 6], 0);
-    std::string text(reinterpret_cast<const char *>(data) + 1, size - 1);
+    const std::string text(textFrom(1, data, size));
 
     VxExprDiag diag;
     uint32_t parsed = VxExprDiagParse(text.c_str(), data[0] & 0x80, 1, &diag);
-    if ((parsed == 0) != (diag.number == 0))
-        __builtin_trap();
+    require((parsed == 0) == (diag.number == 0));
 
     double result;
     VxExprDiagEval(text.c_str(), data[0] & 0x40 ? "cm" : "", nullptr, nullptr, 1, &result, &diag);

@@ -1,9 +1,9 @@
 // Expansion of foreign bytes: whatever they are, the result is that of zlib
 // fed one byte at a time. Three bytes in front choose the room and the damage.
 
-#include <cstdlib>
 #include <cstring>
 
+#include "fuzz/fuzz.h"
 #include "tests/session/one_byte_zlib.h"
 #include "vx/compress.h"
 #include "vx/escape.h"
@@ -37,7 +37,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                        : !nothing && static_cast<size_t>(produced) == expected->size() &&
                              std::memcmp(block, expected->data(), expected->size()) == 0;
     VxMemFree(&block);
-    if (!same)
-        std::abort();
+    require(same);
     return 0;
 }

@@ -1,22 +1,9 @@
 // Patterns and names of foreign bytes in every kind of code page: a name that
 // is escaped matches itself, and "*" matches what a pattern does.
 
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
+#include "fuzz/fuzz.h"
 #include "text/codepage.h"
 #include "vx/posix.hpp"
-
-namespace {
-
-void demand(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -26,14 +13,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     vx::text::setCodePage(pages[data[0] % 3], -1);
     int32_t flags = data[1] & 0x17;
-    std::string text(reinterpret_cast<const char *>(data) + 2, size - 2);
+    const std::string text(textFrom(2, data, size));
     size_t middle = text.find('\n');
     std::string pattern = text.substr(0, middle);
     std::string name = middle == text.npos ? pattern : text.substr(middle + 1);
 
-    bool matches = VX::fnmatch(pattern.c_str(), name.c_str(), flags) == 0;
-    if (matches && !(flags & 0x5))
-        demand(VX::fnmatch("*", name.c_str(), flags) == 0);
+    auto matches = [&](const char *by) { return VX::fnmatch(by, name.c_str(), flags) == 0; };
+    require(!matches(pattern.c_str()) || (flags & 0x5) || matches("*"));
 
     std::string literal;
     const vx::text::CodePage &page = vx::text::codePage();
@@ -45,6 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         literal.append("\\").append(p, bytes);
         p += bytes;
     }
-    demand(VX::fnmatch(literal.c_str(), name.c_str(), flags & ~noEscape) == 0);
+    flags &= ~noEscape;
+    require(matches(literal.c_str()));
     return 0;
 }

@@ -1,23 +1,12 @@
 // Parameter files of any bytes: read, put in order, and shown.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-
+#include "fuzz/fuzz.h"
 #include "tools/vxsh/conditional.h"
 #include "tools/vxsh/diagnostic.h"
 #include "tools/vxsh/name_scan.h"
 #include "tools/vxsh/parameter_file.h"
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 bool within(vxsh::Span span, size_t size)
 {
@@ -28,7 +17,7 @@ bool within(vxsh::Span span, size_t size)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    vxsh::ParameterFile file = vxsh::readParameters({reinterpret_cast<const char *>(data), size});
+    vxsh::ParameterFile file = vxsh::readParameters(textFrom(0, data, size));
     for (const vxsh::Definition &definition : file.definitions) {
         require(!definition.name.empty() && within(definition.formulaAt, definition.line.size()));
         std::string formula = definition.formula();
@@ -42,6 +31,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         require(reference.size() >= definition.name.size());
     }
     for (const vxsh::RefusedLine &line : file.refused)
-        require(!vxsh::renderProblem("f", line.definition.line, line.definition.number, line.problem).empty());
+        require(vxsh::renderProblem("f", line.definition.line, line.definition.number, line.problem) != "");
     return 0;
 }

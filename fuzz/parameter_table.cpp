@@ -2,22 +2,12 @@
 // read again, and what is refused leaves the table as it was. The input is
 // taken as the rows of a file, so that its check sum is no hurdle.
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
-#include "examples/parameter_table/parameter_table.h"
+#include "fuzz/fuzz.h"
+#include "tests/platform/table_bytes.h"
 
 using namespace example;
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::string number(uint32_t value)
 {
@@ -38,36 +28,20 @@ std::string fileWith(std::string rows)
     return "VXPT" + number(1) + number(sum) + number(size) + rows;
 }
 
-ReadResult read(std::string bytes, ParameterTable &table)
-{
-    std::FILE *file = fmemopen(bytes.data(), bytes.size(), "rb");
-    ReadResult result = readTable(file, table);
-    std::fclose(file);
-    return result;
-}
-
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const ParameterTable before = {{"kept", "1", "mm", 1}};
     ParameterTable table = before;
-    std::string input(reinterpret_cast<const char *>(data), size);
-    if (size > 0 && read(input, table) != ReadResult::done)
-        require(table == before);
+    const std::string input(textFrom(0, data, size));
+    if (size > 0)
+        require(read(input, table) == ReadResult::done || table == before);
     table = before;
-    if (read(fileWith(input), table) != ReadResult::done) {
-        require(table == before);
-        return 0;
-    }
-    char *bytes = nullptr;
-    size_t written = 0;
-    std::FILE *file = open_memstream(&bytes, &written);
-    require(writeTable(file, table));
-    std::fclose(file);
-    std::string once(bytes, written);
-    std::free(bytes);
     ParameterTable again;
-    require(read(once, again) == ReadResult::done && again.size() == table.size());
+    if (read(fileWith(input), table) != ReadResult::done)
+        require(table == before);
+    else
+        require(read(written(table), again) == ReadResult::done && again.size() == table.size());
     return 0;
 }

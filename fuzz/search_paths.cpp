@@ -3,13 +3,10 @@
 
 #include <unistd.h>
 
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
 
+#include "fuzz/fuzz.h"
 #include "files/dmpath.h"
 #include "vx/dmpath.h"
 #include "vx/str.h"
@@ -30,8 +27,7 @@ const std::string &savedFile()
 std::vector<std::string> nextStart()
 {
     vx::files::freeSearchPaths();
-    if (DmPathInit() != 0)
-        std::abort();
+    require(DmPathInit() == 0);
     std::vector<std::string> entries;
     char text[256];
     for (int32_t first = 1; DmPathGet(&first, text, sizeof text) == 0;)
@@ -48,10 +44,8 @@ bool isStorable(const std::string &entry)
 {
     std::string trimmed = entry;
     VxStrRem(trimmed.data());
-    if (entry.find_first_of("$\n\r") != entry.npos || std::strcmp(trimmed.c_str(), entry.c_str()) != 0)
-        return false;
-    return !vx::files::cutSubdirectoryMark(trimmed.data()) ||
-           !vx::files::subdirectoryMark(trimmed.data());
+    return entry.find_first_of("$\n\r") == entry.npos && trimmed.c_str() == entry &&
+           !(vx::files::cutSubdirectoryMark(trimmed.data()) && vx::files::subdirectoryMark(trimmed.data()));
 }
 
 }
@@ -62,14 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::fwrite(data, 1, size, file);
     std::fclose(file);
     std::vector<std::string> entries = nextStart();
-    bool storable = true;
-    for (size_t i = 0; i < entries.size(); ++i) {
-        storable &= isStorable(entries[i]);
+    for (size_t i = 0; i < entries.size(); ++i)
         for (size_t j = 0; j < i; ++j)
-            if (VxStrcasecmp(entries[i].c_str(), entries[j].c_str()) == 0)
-                std::abort();
-    }
-    if (DmPathSave(1) != 0 || (storable && nextStart() != entries))
-        std::abort();
+            require(VxStrcasecmp(entries[i].c_str(), entries[j].c_str()) != 0);
+    require(DmPathSave(1) == 0);
+    require(!std::ranges::all_of(entries, isStorable) || nextStart() == entries);
     return 0;
 }

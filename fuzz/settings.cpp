@@ -1,11 +1,7 @@
 // A key file of any content: what is put into it is found again, and nothing
 // else in it changes.
 
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-
+#include "fuzz/fuzz.h"
 #include "platform/os/key_file.h"
 
 using namespace vx;
@@ -20,33 +16,23 @@ std::string_view take(std::string_view &input)
     return piece;
 }
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    std::string_view input(reinterpret_cast<const char *>(data), size);
+    std::string_view input = textFrom(0, data, size);
     std::string_view key = take(input);
     std::string_view name = take(input);
     std::string_view value = take(input);
     if (!os::canStandInKeyFile(key, name))
         return 0;
-    std::string text(input);
-    std::string before;
+    std::string text(input), before, found, after;
     bool wasThere = os::findSetting(text, "key", "name", before);
-
     os::putSetting(text, key, name, value);
-    std::string found;
     require(os::findSetting(text, key, name, found) && found == value);
 
     os::putSetting(text, key, name, "");
     os::putSetting(text, key, name, value);
-    std::string after;
     bool isThere = os::findSetting(text, "key", "name", after);
     if (!isThere || after != found)
         require(isThere == wasThere && after == before);

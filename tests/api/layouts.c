@@ -20,75 +20,55 @@
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type " has " #bytes " bytes")
 #define AT(type, member, offset) \
     _Static_assert(offsetof(type, member) == (offset), #type "." #member " stands at " #offset)
+#define AT2(type, member, offset, ...) \
+    AT(type, member, offset);          \
+    AT(type, __VA_ARGS__)
+#define AT4(type, member1, offset1, member2, offset2, ...) \
+    AT2(type, member1, offset1, member2, offset2);         \
+    AT2(type, __VA_ARGS__)
 
 SIZE(VsCnsGenSlot, 24);
-AT(VsCnsGenSlot, kind, 0);
-AT(VsCnsGenSlot, value, 8);
-AT(VsCnsGenSlot, unit, 16);
-AT(VsCnsGenSlot, flag, 20);
+AT4(VsCnsGenSlot, kind, 0, value, 8, unit, 16, flag, 20);
 SIZE(VsCnsGenOp, 80);
-AT(VsCnsGenOp, argc, 4);
-AT(VsCnsGenOp, slot, 8);
+AT2(VsCnsGenOp, argc, 4, slot, 8);
 
 SIZE(VxDimNum, 40);
-AT(VxDimNum, len_exp, 8);
-AT(VxDimNum, ang_exp, 16);
-AT(VxDimNum, mass_exp, 24);
-AT(VxDimNum, factor, 32);
+AT4(VxDimNum, len_exp, 8, ang_exp, 16, mass_exp, 24, factor, 32);
 
 SIZE(VxHsmHead, 8);
 SIZE(VxHsmArea, 316);
-AT(VxHsmArea, storage, 272);
-AT(VxHsmArea, statistics, 276);
-AT(VxHsmArea, index, 300);
-AT(VxHsmArea, chunkSize, 304);
-AT(VxHsmArea, inUse, 312);
-AT(VxHsmArea, tracked, 313);
+AT4(VxHsmArea, storage, 272, statistics, 276, index, 300, chunkSize, 304);
+AT2(VxHsmArea, inUse, 312, tracked, 313);
 
 SIZE(VxList, 64);
-AT(VxList, layout, 0);
-AT(VxList, count, 8);
-AT(VxList, perPage2, 32);
-AT(VxList, data, 40);
+AT4(VxList, layout, 0, count, 8, perPage2, 32, data, 40);
 AT(VxList, compare, 56);
 SIZE(VxListPages, 32);
-AT(VxListPages, multiplier, 8);
-AT(VxListPages, shift, 16);
+AT2(VxListPages, multiplier, 8, shift, 16);
 AT(VxListPages, perPage, 20);
 SIZE(VxListIter, 40);
-AT(VxListIter, cursor, 8);
-AT(VxListIter, direction, 16);
-AT(VxListIter, list, 24);
-AT(VxListIter, bound, 32);
+AT4(VxListIter, cursor, 8, direction, 16, list, 24, bound, 32);
 AT(VxListIterOld, cursor, 8);
-AT(VxLnkNode, next, 8);
-AT(VxLnkNode, chainNext, 24);
+AT2(VxLnkNode, next, 8, chainNext, 24);
 AT(VxLnkNode, element, 40);
 AT(VxBintree, node, 16);
 AT(VxQueue, items, 8);
-AT(VxPairTable, pairs, 16);
-AT(VxPairTable, changed, 24);
+AT2(VxPairTable, pairs, 16, changed, 24);
 SIZE(VxPair, 8);
 AT(VxIntSet, index, 8);
 
 SIZE(VxGraphNode, 72);
-AT(VxGraphNode, number, 16);
-AT(VxGraphNode, low2, 32);
-AT(VxGraphNode, val, 40);
-AT(VxGraphNode, removed, 56);
+AT4(VxGraphNode, number, 16, low2, 32, val, 40, removed, 56);
 AT(VxGraphNode, user, 64);
 SIZE(VxGraphEdge, 40);
-AT(VxGraphEdge, region, 12);
-AT(VxGraphEdge, weight, 24);
+AT2(VxGraphEdge, region, 12, weight, 24);
 AT(VxGraphEdge, removed, 36);
 AT(VxGraphRegion, spare, 8);
 
 SIZE(VxId, 12);
 SIZE(VxIdEntry, 24);
-AT(VxIdEntry, value, 12);
-AT(VxIdEntry, flag, 20);
-AT(VxIdList, entries, 16);
-AT(VxIdList, sorted, 24);
+AT2(VxIdEntry, value, 12, flag, 20);
+AT2(VxIdList, entries, 16, sorted, 24);
 SIZE(VxLbl, 20);
 SIZE(VxDirEnt, 280);
 AT(VxDirEnt, name, 19);
@@ -105,10 +85,7 @@ AT(VxBndMat, row, 8);
 AT(VxPathNode, next, 256);
 
 SIZE(VxThreadPool, 64);
-AT(VxThreadPool, stop, 24);
-AT(VxThreadPool, work, 40);
-AT(VxThreadPool, stride, 56);
-AT(VxThreadPool, workers, 60);
+AT4(VxThreadPool, stop, 24, work, 40, stride, 56, workers, 60);
 SIZE(VxPoolArg, 16);
 
 AT(VxStat, size, 24);

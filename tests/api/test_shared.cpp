@@ -33,10 +33,8 @@ TEST(SharedLibrary, StartsEvaluatesStopsAndStartsAgain)
         EXPECT_TRUE(VxErrIsLogged(VxToolsErrID(), 83) || start > 0);
         VxErrClear();
 
-        VxMemExit();
-        VxDmgrExit();
-        VxMathExit();
-        VxToolsExit();
+        for (auto exit : {VxMemExit, VxDmgrExit, VxMathExit, VxToolsExit})
+            exit();
     }
 }
 

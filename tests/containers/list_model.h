@@ -4,10 +4,7 @@
 // levels are worked out here by rules of their own.
 
 #include <algorithm>
-#include <cstdint>
-#include <map>
 #include <optional>
-#include <tuple>
 #include <vector>
 
 #include "vx/list.h"
@@ -53,15 +50,11 @@ struct ListModel {
     /** An empty list, as VxListMk makes it. */
     static std::optional<ListModel> made(int32_t layout, int32_t capacity, int32_t increment)
     {
-        ListModel model{layout, 0, 1, 0, {}};
-        if (model.growing()) {
-            model.capacity = std::max(capacity, 1);
+        ListModel model{layout, 0, layout == tree || layout == wrapped ? 0 : 1, 0, {}};
+        if (model.inSlots())
+            model.capacity = std::max(capacity, layout == wrapped ? 0 : 1);
+        if (model.growing())
             model.increment = std::max(increment, 1);
-        } else if (layout == wrapped) {
-            model.capacity = std::max(capacity, 0);
-        }
-        if (layout == tree || layout == wrapped)
-            model.increment = 0;
         if (layout == array)
             model.level = levelFor(model.capacity);
         return model.level < 0 ? std::nullopt : std::optional(model);
@@ -101,10 +94,7 @@ struct ListModel {
         return steps <= 10 && grow(increment * (steps + 1));
     }
 
-    std::vector<Item>::iterator find(int32_t key)
-    {
-        return std::find_if(items.begin(), items.end(), [key](const Item &item) { return item.key == key; });
-    }
+    std::vector<Item>::iterator find(int32_t key) { return std::ranges::find(items, key, &Item::key); }
 
     bool set(int32_t index, const Value &value, bool replace = true)
     {
@@ -168,10 +158,9 @@ struct ListModel {
 
     bool removeEqual(const Value &value)
     {
-        auto same = [&value](const Item &item) { return item.value == value; };
         if (layout == tree)
-            return std::none_of(items.begin(), items.end(), same);
-        std::erase_if(items, same);
+            return std::ranges::count(items, value, &Item::value) == 0;
+        std::erase_if(items, [&value](const Item &item) { return item.value == value; });
         return true;
     }
 
@@ -239,11 +228,18 @@ struct ListModel {
             for (int32_t i = 0; i < count(); ++i)
                 visits[static_cast<size_t>(i)].key = i;
         if (direction != 0)
-            std::sort(visits.begin(), visits.end(),
-                      [](const Item &a, const Item &b) { return a.key < b.key; });
+            std::ranges::sort(visits, {}, &Item::key);
         if (direction == 2)
-            std::reverse(visits.begin(), visits.end());
+            std::ranges::reverse(visits);
         return visits;
+    }
+
+    /** Where a walk would begin. */
+    int32_t begin(int32_t direction) const
+    {
+        if (layout != keyed)
+            return direction == 2 ? count() - 1 : 0;
+        return items.empty() ? 0 : direction == 2 ? capacity : std::ranges::min(items, {}, &Item::key).key;
     }
 };
 

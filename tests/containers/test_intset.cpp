@@ -1,9 +1,6 @@
-#include <algorithm>
 #include <random>
-#include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/session/started_toolkit.h"
 #include "tests/support/faults.h"
@@ -17,18 +14,17 @@ using Values = std::vector<int32_t>;
 
 constexpr int32_t array = 2;
 
-VxList *newList(int32_t layout)
-{
-    VxList *list = nullptr;
-    EXPECT_EQ(VxListMk(layout, sizeof(int32_t), 4, 4, nullptr, &list), 0u);
-    return list;
-}
-
 /** A set and its value list. */
 struct Set {
     VxIntSet set{};
 
-    explicit Set(VxList *values = nullptr) { EXPECT_EQ(VxIntSetInit(values, &set), 0u); }
+    /** Of a layout for its value list, or without one. */
+    explicit Set(int32_t layout = -1)
+    {
+        VxList *values = nullptr;
+        EXPECT_TRUE(layout < 0 || VxListMk(layout, sizeof(int32_t), 4, 4, nullptr, &values) == 0);
+        EXPECT_EQ(VxIntSetInit(values, &set), 0u);
+    }
     ~Set()
     {
         VxIntSetPurge(&set);
@@ -65,27 +61,22 @@ TEST(IntSet, agreesWithAVectorThroughGrowthPurgesAndRemovals)
     std::mt19937 random(11);
     for (int32_t layout : {-1, 1, array, 3}) {
         SCOPED_TRACE(testing::Message() << "value list of layout " << layout);
-        Set set(layout < 0 ? nullptr : newList(layout));
+        Set set(layout);
         Values model;
         for (int step = 0; step < 4000 && !testing::Test::HasFailure(); ++step) {
             int32_t range = step / 1000 % 2 ? 3000 : 12;
             int32_t value = static_cast<int32_t>(random()) % range;
-            auto known = std::find(model.begin(), model.end(), value);
-            bool isKnown = known != model.end();
+            bool isKnown = std::ranges::count(model, value);
             EXPECT_EQ(set.has(value), isKnown);
-            switch (random() % (range == 12 ? 6u : 16u)) {
-            case 0:
-            case 1:
-                EXPECT_EQ(VxIntSetDelVal(&set.set, value), isKnown ? 0u : 1u);
-                if (isKnown)
-                    model.erase(known);
-                break;
-            case 2: EXPECT_EQ((layout >= 0 ? VxIntSetPurge : VxIntSetOptimize)(&set.set), 0u); break;
-            case 3: EXPECT_EQ(VxIntSetOptimize(&set.set), 0u); break;
-            default:
+            const auto kind = random() % (range == 12 ? 6u : 16u);
+            if (kind <= 1) {
+                EXPECT_EQ(VxIntSetDelVal(&set.set, value), !isKnown);
+                std::erase(model, value);
+            } else if (kind <= 3) {
+                EXPECT_EQ((kind == 2 && layout >= 0 ? VxIntSetPurge : VxIntSetOptimize)(&set.set), 0u);
+            } else {
                 EXPECT_EQ(set.add(value), !isKnown);
-                if (!isKnown)
-                    model.push_back(value);
+                model.insert(model.end(), !isKnown, value);
             }
             if (step % 997 == 0) {
                 EXPECT_EQ(VxIntSetReset(&set.set), 0u);
@@ -101,7 +92,7 @@ TEST(IntSet, agreesWithAVectorThroughGrowthPurgesAndRemovals)
 
 TEST(IntSet, buildsItsIndexForTheEighthAddition)
 {
-    Set set(newList(array));
+    Set set(array);
     for (int32_t value = 0; value < 7; ++value)
         EXPECT_TRUE(set.add(value));
     EXPECT_EQ(set.set.index, nullptr);
@@ -119,13 +110,14 @@ TEST(IntSet, withoutAValueListWalksItsKeys)
 {
     Set set;
     EXPECT_THAT(set.members(), IsEmpty());
-    for (int32_t value : {5, -3, INT32_MAX, INT32_MIN, 0})
+    const Values values{5, -3, INT32_MAX, INT32_MIN, 0};
+    for (int32_t value : values)
         EXPECT_TRUE(set.add(value));
     VxListIter walk;
     Values byPointer;
     for (const int32_t *at = VxIntSetBegin(&set.set, &walk); at; at = VxIntSetIncr(&walk))
         byPointer.push_back(*at);
-    EXPECT_THAT(byPointer, ElementsAre(5, -3, INT32_MAX, INT32_MIN, 0));
+    EXPECT_EQ(byPointer, values);
     EXPECT_THAT(set.members(1), ElementsAre(INT32_MIN, -3, 0, 5, INT32_MAX));
     EXPECT_THAT(set.members(2), ElementsAre(INT32_MAX, 5, 0, -3, INT32_MIN));
 }
@@ -150,11 +142,8 @@ TEST_F(IntSetFailures, refusedMemoryAddsToBothListsOrToNeither)
                 VxIntSetPurge(set); // an index half built stays until it is purged
             EXPECT_EQ(VxIntSetContains(set, value), failed == 0);
         }
-        if (made) {
-            EXPECT_LE(refused, 1);
-            EXPECT_EQ(set->index->count, 24 - refused);
-            EXPECT_EQ(values->count, 24 - refused);
-        }
+        EXPECT_TRUE(!made || (set->index->count == 24 - refused && values->count == 24 - refused));
+        EXPECT_LE(refused, 1);
         VxIntSetDel(&set);
         EXPECT_EQ(set, nullptr);
         VxListDel(&values); // its owner's

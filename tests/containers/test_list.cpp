@@ -1,26 +1,18 @@
 // What single lists do at their limits.
 
-#include "vx/list.h"
-
 #include <algorithm>
 #include <random>
 #include <set>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "containers/records.h"
-#include "tests/session/started_toolkit.h"
 #include "platform/os/fault.h"
-#include "vx/mem.h"
+#include "tests/containers/list_model.h"
+#include "tests/session/started_toolkit.h"
 
 namespace vx::test {
 
 namespace {
 
-constexpr int32_t keyed = 0;
-constexpr int32_t array = 2;
 constexpr int32_t intBytes = sizeof(int32_t);
 
 class List : public StartedToolkit {
@@ -57,14 +49,11 @@ TEST_F(List, OfAllIntegersIsWalkedInOrderAtOnce)
     for (int32_t key : {INT32_MAX, 5, INT32_MIN})
         store(key, key);
     VxListIter iter;
-    int32_t value = 0;
+    int32_t value = 0, index = 0;
     VxListItrInit2(list_, 1, &iter);
-    for (int32_t key : {INT32_MIN, 5, INT32_MAX}) {
-        ASSERT_EQ(VxListItr(&iter, &value), 0);
-        EXPECT_EQ(value, key);
-    }
+    for (int32_t key : {INT32_MIN, 5, INT32_MAX})
+        EXPECT_TRUE(VxListItr(&iter, &value) == 0 && value == key) << value << " instead of " << key;
     EXPECT_EQ(VxListItr(&iter, &value), -1);
-    int32_t index = 0;
     value = 1;
     EXPECT_EQ(VxListSetUnique(list_, &value, &index), 1u) << "behind the highest key";
     EXPECT_EQ(index, -1);
@@ -84,8 +73,7 @@ TEST_F(List, OfKeysKeepsElementsOfAnySize)
         VxListItrInit2(list, 0, &iter);
         for (char key = 0; key < 100; ++key) {
             ASSERT_EQ(VxListItr(&iter, element.data()), 0);
-            EXPECT_EQ(iter.index, key * 17) << "size " << size;
-            EXPECT_EQ(std::count(element.begin(), element.end(), key), size);
+            EXPECT_TRUE(iter.index == key * 17 && std::ranges::count(element, key) == size) << size;
         }
         VxListDel(&list);
     }
@@ -115,17 +103,16 @@ TEST_F(List, KeysThatComeAndGoDuringAWalkAreVisitedAsIfSteppedByOne)
         VxListItrInit2(list_, up ? 1 : 2, &iter);
         const int64_t last = up ? list_->capacity : *model.begin();
         const int changes = round % 4 == 0 ? (round % 5 == 0 ? 100 : 1) : 0;
-        for (int64_t at = up ? INT64_MIN : INT64_MAX;;) {
+        int32_t value = 0;
+        for (int64_t at = up ? INT64_MIN : INT64_MAX;; at = value) {
             auto next = up ? model.upper_bound(at) : model.lower_bound(at);
             if (!up)
                 next = next == model.begin() ? model.end() : std::prev(next);
-            bool over = next == model.end() || (up ? *next > last : *next < last);
-            int32_t value = 0;
+            const bool over = next == model.end() || (up ? *next > last : *next < last);
             ASSERT_EQ(VxListItr(&iter, &value), over ? -1 : 0);
             if (over)
                 break;
             ASSERT_EQ(value, *next);
-            at = value;
             for (int i = 0; i < changes; ++i)
                 change();
         }
@@ -203,15 +190,10 @@ TEST_F(List, SearchesHintAtANeighbour)
     for (int32_t value : {30, 10, 20})
         store(list_->count, value);
     const int32_t order[] = {1, 2, 0};
-    struct Search {
-        int32_t key, found, index;
-    };
-    for (const Search &wanted : {Search{10, 1, 1}, Search{30, 1, 0}, Search{35, 0, 0}, Search{25, 0, 2}}) {
-        int32_t found = -1;
-        int32_t index = -2;
-        ASSERT_EQ(VxListSrch(list_, order, &wanted.key, ascending, &found, &index), 0u);
-        EXPECT_EQ(found, wanted.found) << wanted.key;
-        EXPECT_EQ(index, wanted.index) << wanted.key;
+    for (auto [key, isThere, where] : {std::tuple{10, 1, 1}, {30, 1, 0}, {35, 0, 0}, {25, 0, 2}}) {
+        int32_t found = -1, index = -2;
+        ASSERT_EQ(VxListSrch(list_, order, &key, ascending, &found, &index), 0u);
+        EXPECT_EQ(std::pair(found, index), std::pair(isThere, where)) << key;
     }
 }
 
@@ -221,20 +203,18 @@ TEST_F(List, IsSortedWhateverItsOrderWas)
     std::mt19937 random(9);
     auto lie = [](const void *, const void *) -> int32_t { return -1; };
     for (int32_t n : {2, 6, 7, 64, 130, 5000})
-        for (int pattern = 0; pattern < 5; ++pattern) {
-            std::vector<int32_t> values(static_cast<size_t>(n));
-            for (int32_t i = 0; i < n; ++i) {
-                int32_t shapes[] = {i, -i, i % 3, static_cast<int32_t>(random() % 1000), i ^ 5};
-                values[static_cast<size_t>(i)] = shapes[pattern];
-            }
+        for (size_t pattern = 0; pattern < 5; ++pattern) {
+            std::vector<int32_t> values;
+            for (int32_t i = 0; i < n; ++i)
+                values.push_back(std::array{i, -i, i % 3, int32_t(random() % 1000), i ^ 5}[pattern]);
             auto expected = values;
-            std::sort(expected.begin(), expected.end());
+            std::ranges::sort(expected);
             VxList view;
             VxListWrapArr(intBytes, n, n, values.data(), &view);
             ASSERT_EQ(VxListSort(&view, ascending), 0u);
             ASSERT_EQ(values, expected) << n << " elements, pattern " << pattern;
             VxListSort(&view, lie);
-            std::sort(values.begin(), values.end());
+            std::ranges::sort(values);
             ASSERT_EQ(values, expected);
         }
 }

@@ -1,22 +1,14 @@
 // Linked nodes, binary trees, queues and stacks.
 
-#include "vx/queue.h"
-
-#include <array>
-#include <cstring>
 #include <deque>
 #include <numeric>
 #include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "tests/session/started_toolkit.h"
 #include "tests/support/faults.h"
 #include "vx/list.h"
 #include "vx/mem.h"
+#include "vx/queue.h"
 
 namespace vx::test {
 
@@ -26,9 +18,7 @@ constexpr int32_t intBytes = sizeof(int32_t);
 
 int32_t valueAt(const void *element)
 {
-    int32_t value = 0;
-    std::memcpy(&value, element, sizeof value);
-    return value;
+    return *static_cast<const int32_t *>(element);
 }
 
 /** New elements stand behind equal ones. */
@@ -68,18 +58,16 @@ TEST(LinkedNodes, AreInsertedBesideTheCurrentNodeOfAWalkThatGoesBothWays)
 {
     VxList *list = nullptr;
     VxListMk(1, intBytes, 0, 0, nullptr, &list);
-    int32_t value = 1;
-    for (; value < 4; ++value)
+    for (int32_t value : {1, 2, 3})
         VxLnkLstInsNode(list, list->count, &value);
+    int32_t before = 10, behind = 11;
+    void *element = nullptr;
     VxListIter iter;
     VxListItrInit2(list, 0, &iter);
-    value = 10;
-    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 0, &value), 1u) << "without a current node";
-    void *element = nullptr;
+    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 0, &before), 1u) << "without a current node";
     VxLstGetNxtPtr(list, &iter, &element);
-    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 1, &value), 0u);
-    value = 11;
-    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 0, &value), 0u);
+    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 1, &before), 0u);
+    EXPECT_EQ(VxLnkLstLocIns(list, &iter, 0, &behind), 0u);
     EXPECT_EQ(valuesOf(list), (std::vector<int32_t>{10, 1, 11, 2, 3}));
     VxLstGetNxtPtr(list, &iter, &element);
     EXPECT_EQ(valueAt(element), 11);
@@ -130,22 +118,15 @@ TEST(Queue, AgreesWithADequeOfBytesOfEitherSize)
             std::string item(size, static_cast<char>('a' + random() % 26));
             std::string out(size + 1, '?');
             const uint32_t empty = model.empty();
-            switch (random() % 5) {
-            case 0:
-            case 1:
-                ASSERT_EQ(VxQueuePush(queue, item.data()), 0u);
-                model.push_back(item);
-                break;
-            case 2:
-                ASSERT_EQ(VxStackPush(queue, item.data()), 0u);
-                model.push_front(item);
-                break;
-            case 3:
+            const auto kind = random() % 5;
+            if (kind <= 2) {
+                ASSERT_EQ((kind == 2 ? VxStackPush : VxQueuePush)(queue, item.data()), 0u);
+                model.insert(kind == 2 ? model.begin() : model.end(), item);
+            } else if (kind == 3) {
                 ASSERT_EQ((i % 2 ? VxQueuePop : VxStackPop)(queue, out.data(), bytes), empty);
                 EXPECT_EQ(out, empty ? std::string(size + 1, '?') : model.front() + '?');
                 model.erase(model.begin(), model.begin() + !empty);
-                break;
-            default:
+            } else {
                 ASSERT_EQ(VxQueueShorten(queue, out.data(), 1), empty);
                 EXPECT_EQ(out[0], empty ? '?' : model.back()[0]);
                 EXPECT_EQ(out[1], '?') << "more than the buffer's size was written";
@@ -160,22 +141,21 @@ using RefusedItems = StartedToolkit;
 
 TEST_F(RefusedItems, LeaveTheQueueAsBefore)
 {
-    std::array<char, 64> item{};
+    char item[64] = {};
     uint32_t failure = 2; // without a record; then 1, without items
-    refusingEachAllocation([&item, &failure] {
+    refusingEachAllocation([&] {
         VxQueue *queue = nullptr;
         uint32_t made = VxQueueMk(64, &queue);
         if (made != 0) {
             EXPECT_EQ(made, std::exchange(failure, 1u));
             return;
         }
-        int pushed = 0;
+        int pushed = 0, popped = 0;
         for (int i = 0; i < 20; ++i)
-            pushed += VxQueuePush(queue, item.data()) == 0;
-        EXPECT_GE(pushed, 19);
-        for (; pushed > 0; --pushed)
-            EXPECT_EQ(VxQueuePop(queue, item.data(), 64), 0u);
-        EXPECT_EQ(VxQueuePop(queue, item.data(), 64), 1u);
+            pushed += VxQueuePush(queue, item) == 0;
+        while (VxQueuePop(queue, item, 64) == 0)
+            ++popped;
+        EXPECT_TRUE(pushed >= 19 && popped == pushed);
         VxQueueDel(&queue);
     });
 }

@@ -1,10 +1,6 @@
-#include <algorithm>
 #include <random>
-#include <tuple>
-#include <vector>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/session/started_toolkit.h"
 #include "tests/support/faults.h"
@@ -19,14 +15,12 @@ using testing::ElementsAre;
 struct Record {
     int32_t key, number;
 
-    friend bool operator==(const Record &, const Record &) = default;
+    bool operator==(const Record &) const = default;
 };
 
 int32_t byKey(const void *key, const void *record)
 {
-    int32_t x = static_cast<const Record *>(key)->key;
-    int32_t y = static_cast<const Record *>(record)->key;
-    return (x > y) - (x < y);
+    return static_cast<const Record *>(key)->key - static_cast<const Record *>(record)->key;
 }
 
 void *const context = reinterpret_cast<void *>(17);
@@ -65,20 +59,17 @@ int32_t insertInto(Table &table, decltype(VxSortIns) insert, Record record)
 /** Where the search described in the header ends: the position behind or before which a record goes. */
 size_t insertionByHand(const std::vector<Record> &held, int32_t key)
 {
-    int low = 0, high = static_cast<int>(held.size()) - 1;
-    int place = 0;
-    while (low <= high) {
-        int mid = (low + high) >> 1;
-        int32_t at = held[static_cast<size_t>(mid)].key;
-        place = key < at ? mid : mid + 1;
-        if (key == at)
-            break;
-        if (key < at)
-            high = mid - 1;
+    size_t low = 0, high = held.size();
+    while (low < high) {
+        size_t mid = (low + high - 1) / 2;
+        if (key == held[mid].key)
+            return mid + 1;
+        if (key < held[mid].key)
+            high = mid;
         else
             low = mid + 1;
     }
-    return static_cast<size_t>(place);
+    return low;
 }
 
 }
@@ -92,8 +83,7 @@ TEST(Sort, insertsFindsAndDeletesAsAVectorDoes)
         int32_t keys = 1 + static_cast<int32_t>(random() % 20);
         for (int32_t step = 0; step < 60; ++step) {
             Record record{static_cast<int32_t>(random()) % keys, step};
-            bool known =
-                std::any_of(model.begin(), model.end(), [&](Record r) { return r.key == record.key; });
+            bool known = std::ranges::count(model, record.key, &Record::key);
             void *found = nullptr;
             EXPECT_EQ(VxSortFind(table.data(), table.count, sizeof record, &record, byKey, &found), known);
             EXPECT_TRUE(known ? static_cast<Record *>(found)->key == record.key : !found);
@@ -134,15 +124,13 @@ TEST(Sort, deletionIsToldOfTheRecordOnceWhileItStands)
 TEST(Sort, linearSearchFindsWhatIsOutOfOrderButForTheFirst)
 {
     Table table({{9, 0}, {8, 1}, {1, 2}, {2, 3}, {3, 4}});
-    auto finds = [&](decltype(VxSortFind2) find, int32_t key) {
+    for (auto [find, key, there] :
+         {std::tuple{&VxSortFind2, 8, 0}, {&VxSortFindForNL, 8, 1}, {&VxSortFindForNL, 9, 0}}) {
         void *found = nullptr;
         Record wanted{key, 0};
-        return find(table.data(), 5, sizeof wanted, &wanted, byKeyWithContext, &found, context, nullptr);
-    };
-    EXPECT_EQ(finds(VxSortFind2, 8), 0);
-    EXPECT_EQ(finds(VxSortFindForNL, 8), 1);
-    EXPECT_EQ(finds(VxSortFindForNL, 9), 0);
-
+        EXPECT_EQ(find(table.data(), 5, sizeof wanted, &wanted, byKeyWithContext, &found, context, nullptr),
+                  there);
+    }
     EXPECT_EQ(insertInto(table, VxSortInsForNL, {8, 7}), 1);
     std::vector<Record> expected{{9, 0}, {8, 1}, {8, 7}, {1, 2}, {2, 3}, {3, 4}};
     EXPECT_EQ(table.held(), expected);
@@ -173,11 +161,11 @@ TEST_F(PairTable, keepsPairsByDescendingKeyAndIsAsItWasWhenItCannotGrow)
     EXPECT_THAT(keys, ElementsAre(INT32_MAX, 7, 2, 2, INT32_MIN));
     EXPECT_EQ(numbers, keys) << "integers are sorted the same way";
 
-    int32_t value = -5;
-    EXPECT_EQ(VxPairIsOnList(&table, 7, &value), 1);
-    EXPECT_EQ(value, 70);
-    EXPECT_EQ(VxPairIsOnList(&table, 6, &value), 0);
-    EXPECT_EQ(value, 0);
+    for (auto [key, wanted] : {std::pair{7, 70}, {6, 0}}) {
+        int32_t value = -5;
+        EXPECT_EQ(VxPairIsOnList(&table, key, &value), wanted > 0);
+        EXPECT_EQ(value, wanted);
+    }
     void *pairs = table.pairs;
     VxMemFree(&pairs);
 }

@@ -1,10 +1,5 @@
 #include "tests/expr/formula.h"
 
-#include <cstdio>
-
-#include "vx/diagnose.h"
-#include "vx/value.hpp"
-
 namespace vx::test {
 
 namespace {

@@ -6,21 +6,33 @@
 #include <map>
 #include <string>
 
+#include <gtest/gtest.h>
+
+#include "vx/diagnose.hpp"
 #include "vx/err.h"
-#include "vx/eval.h"
-#include "vx/parse.h"
+#include "vx/eval.hpp"
+#include "vx/parse.hpp"
 #include "vx/tools.h"
 
 namespace vx::test {
 
-/** A parsed formula; a failure goes unreported. */
+/** The result of a call whose failure goes unreported. */
+template <typename Call> uint32_t quietly(Call &&call)
+{
+    VxErrDisable();
+    const uint32_t result = call();
+    VxErrEnable();
+    return result;
+}
+
+/** A formula, parsed quietly. */
 struct Parsed {
     explicit Parsed(const std::string &text, bool extended = false)
     {
-        VxErrDisable();
-        result =
-            extended ? VxParseGeExExtended(text.c_str(), &tree) : VxParseGeEx(text.c_str(), &constant, &tree);
-        VxErrEnable();
+        result = quietly([&] {
+            return extended ? VxParseGeExExtended(text.c_str(), &tree)
+                            : VxParseGeEx(text.c_str(), &constant, &tree);
+        });
     }
     ~Parsed() { VxGenExFree(&tree); }
     Parsed(const Parsed &) = delete;

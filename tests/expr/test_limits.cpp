@@ -5,18 +5,11 @@
 
 #include <atomic>
 #include <functional>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "platform/os/fault.h"
 #include "tests/expr/formula.h"
+#include "tests/support/captured_output.h"
 #include "tests/support/faults.h"
-#include "vx/diagnose.hpp"
-#include "vx/eval.hpp"
-#include "vx/parse.hpp"
 
 using namespace vx;
 using namespace vx::test;
@@ -24,21 +17,19 @@ using HESKET::Talm::Tool::Evaluation::VxEvalValue;
 
 namespace {
 
-void *runBody(void *body)
-{
-    (*static_cast<std::function<void()> *>(body))();
-    return nullptr;
-}
-
 /** Run on a thread whose stack is as small as hosts make them. */
 void onSmallStack(std::function<void()> body)
 {
     constexpr size_t stackBytes = 256 * 1024;
+    auto run = [](void *what) {
+        (*static_cast<std::function<void()> *>(what))();
+        return static_cast<void *>(nullptr);
+    };
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
     pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attributes, runBody, &body), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &body), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
 }
@@ -71,9 +62,9 @@ void walkAll(const std::string &text, double expected)
     EXPECT_EQ(boost::get<double>(value), expected);
     double derivative;
     EXPECT_EQ(VxGenDrvEvlRcrs(parsed.tree, 1, &derivative), 0U);
-    testing::internal::CaptureStdout();
+    CapturedOutput output;
     EXPECT_EQ(VxGenExPrint(parsed.tree), 0U);
-    EXPECT_FALSE(testing::internal::GetCapturedStdout().empty());
+    EXPECT_FALSE(output.text().empty());
 }
 
 TEST(Limits, ALongChainIsNoNesting)
@@ -88,16 +79,17 @@ TEST(Limits, AThousandLevelsMayBeOpen)
 {
     const struct {
         const char *open, *core, *close;
-        int levels; ///< that `open` opens
-    } forms[] = {{"(", "1", ")", 1},      {"1+2*(-", "a", ")", 1},        {"1^", "1", "", 1},
-                 {"1 then ", "1", "", 1}, {"0 then 1 else ", "1", "", 1}, {"!(0|0&1<(", "1", "))", 2}};
+        int levels = 1; ///< that `open` opens
+    } forms[] = {{"(", "1", ")"},      {"1+2*(-", "a", ")"},        {"1^", "1", ""},
+                 {"1 then ", "1", ""}, {"0 then 1 else ", "1", ""}, {"!(0|0&1<(", "1", "))", 2}};
     for (const auto &form : forms)
-        onSmallStack([&] {
+        onSmallStack([&form] {
             auto formula = [&form](int count) { return nested(form.open, form.core, form.close, count); };
+            const int most = 1000 / form.levels;
             Variables variables({{"a", {1, 0, 0, 0, 1}}});
-            EXPECT_EQ(evaluate(formula(1000 / form.levels)).error, 0) << form.open;
-            EXPECT_EQ(parseError(formula(1000 / form.levels + 1)), 51) << form.open;
-            EXPECT_EQ(parseError(formula(100000)), 51) << form.open;
+            EXPECT_EQ(evaluate(formula(most)).error, 0) << form.open;
+            for (int tooMany : {most + 1, 100000})
+                EXPECT_EQ(parseError(formula(tooMany)), 51) << form.open;
         });
     // Closed levels do not count.
     EXPECT_EQ(parseError("1" + repeated("+(1)^2", 5000)), 0);
@@ -108,16 +100,11 @@ TEST(Limits, RefusedMemoryLeavesNothingBehind)
     // Deep enough that the walks' stacks grow too.
     std::string formula = "max(a,[b c])+2.cm*(" + nested("1+2*(", "-a then \"x\" else 3", ")", 40) + ")";
     refusingEachAllocation([&] {
-        VsCnsGenOp *tree = nullptr;
-        int32_t constant = 7;
-        VxErrDisable();
-        uint32_t result = VxParseGeEx(formula.c_str(), &constant, &tree);
-        VxErrEnable();
+        Parsed parsed(formula);
         bool refused = fault::refusals(fault::Kind::allocation) > 0;
-        EXPECT_EQ(result, refused ? 1U : 0U);
-        EXPECT_EQ(tree == nullptr, refused);
-        EXPECT_EQ(constant, 0);
-        VxGenExFree(&tree);
+        EXPECT_EQ(parsed.result, refused ? 1U : 0U);
+        EXPECT_EQ(parsed.tree == nullptr, refused);
+        EXPECT_EQ(parsed.constant, 0);
     });
 }
 
@@ -134,13 +121,8 @@ TEST(Limits, RefusedMemoryFailsAnEvaluation)
         [&] { return VxGenExEval(parsed.tree, &(record = plain), &value); },
         [&] { return VxGenDrvEvlRcrs(parsed.tree, 1, &number); },
         [&] { return VxExprDiagEval("max(a,2)+3.cm", "cm", nullptr, nullptr, 1, &number, &diag); }};
-    VxErrDisable();
     for (const auto &evaluation : evaluations)
-        refusingEachAllocation([&] {
-            const uint32_t failed = evaluation();
-            EXPECT_EQ(failed, fault::refusals(fault::Kind::allocation) > 0) << &evaluation - evaluations;
-        });
-    VxErrEnable();
+        failsWhenRefused(fault::Kind::allocation, [&] { return quietly(evaluation); });
 }
 
 TEST(Limits, RefusedMemoryCutsAListOfNamesShort)
@@ -178,36 +160,32 @@ TEST(Diagnosis, TellsTheOperationItsOperandsAndTheirDimensions)
     const struct {
         const char *text, *unit;
         int32_t number;
-        const char *token, *operation, *left, *right, *leftText, *rightText, *name;
+        std::vector<std::string> told; ///< token, operation, dimensions and texts of its operands, a name
     } cases[] = {
-        {"1+(a + 3.kg)*2", "", 83, "+", "+", "length", "mass", "a", "3.kg", ""},
-        {"density*a^2 < a", "", 83, "<", "<", "length^-1*mass", "length", "density*a^2", "a", ""},
-        {"2*a.kg", "", 83, ".kg", "unit", "length", "mass", "a", "", ""},
-        {"1+asin(2)", "", 187, "asin", "asin", "", "", "2", "", ""},
-        {"4/(a-a)", "", 191, "/", "/", "", "", "4", "(a-a)", ""},
-        {"a+[no one]", "", 81, "[no one]", "+", "", "", "a", "[no one]", "no one"},
-        {"a*a", "cm", 219, "*", "*", "length^2", "length", "a", "a", ""},
-        {"1", "smoot", 219, "1", "", "", "", "1", "", "smoot"},
-        {"1+\"x\"", "", 50, "\"x\"", "+", "", "", "1", "\"x\"", ""},
+        {"1+(a + 3.kg)*2", "", 83, {"+", "+", "length", "mass", "a", "3.kg", ""}},
+        {"density*a^2 < a", "", 83, {"<", "<", "length^-1*mass", "length", "density*a^2", "a", ""}},
+        {"2*a.kg", "", 83, {".kg", "unit", "length", "mass", "a", "", ""}},
+        {"1+asin(2)", "", 187, {"asin", "asin", "", "", "2", "", ""}},
+        {"4/(a-a)", "", 191, {"/", "/", "", "", "4", "(a-a)", ""}},
+        {"a+[no one]", "", 81, {"[no one]", "+", "", "", "a", "[no one]", "no one"}},
+        {"a*a", "cm", 219, {"*", "*", "length^2", "length", "a", "a", ""}},
+        {"1", "smoot", 219, {"1", "", "", "", "1", "", "smoot"}},
+        {"1+\"x\"", "", 50, {"\"x\"", "+", "", "", "1", "\"x\"", ""}},
     };
-    for (const auto &c : cases) {
+    for (const auto &[text, unit, number, told] : cases) {
+        SCOPED_TRACE(text);
         VxExprDiag diag;
         double result = 0;
-        ASSERT_EQ(VxExprDiagEval(c.text, c.unit, nullptr, nullptr, 1, &result, &diag), 1U) << c.text;
-        std::string text = c.text;
-        auto piece = [&](int32_t offset, int32_t length) {
-            return text.substr(static_cast<size_t>(offset), static_cast<size_t>(length));
+        ASSERT_EQ(VxExprDiagEval(text, unit, nullptr, nullptr, 1, &result, &diag), 1U);
+        auto piece = [whole = std::string(text)](int32_t offset, int32_t length) {
+            return whole.substr(static_cast<size_t>(offset), static_cast<size_t>(length));
         };
-        SCOPED_TRACE(text);
-        EXPECT_EQ(diag.number, c.number);
-        EXPECT_STREQ(diag.token, c.token);
-        EXPECT_EQ(piece(diag.offset, diag.length), c.token);
-        EXPECT_STREQ(diag.operation, c.operation);
-        EXPECT_STREQ(diag.left, c.left);
-        EXPECT_STREQ(diag.right, c.right);
-        EXPECT_EQ(piece(diag.leftOffset, diag.leftLength), c.leftText);
-        EXPECT_EQ(piece(diag.rightOffset, diag.rightLength), c.rightText);
-        EXPECT_STREQ(diag.name, c.name);
+        EXPECT_EQ(diag.number, number);
+        EXPECT_EQ(piece(diag.offset, diag.length), diag.token);
+        EXPECT_EQ((std::vector<std::string>{diag.token, diag.operation, diag.left, diag.right,
+                                            piece(diag.leftOffset, diag.leftLength),
+                                            piece(diag.rightOffset, diag.rightLength), diag.name}),
+                  told);
     }
 }
 

@@ -1,31 +1,21 @@
+#include <bit>
 #include <cstring>
-#include <initializer_list>
 #include <random>
-#include <string>
-
-#include <gtest/gtest.h>
 
 #include "expr/number.h"
 #include "platform/os/os.h"
 #include "tests/expr/formula.h"
 #include "tests/support/code_page.h"
-#include "vx/diagnose.h"
-#include "vx/parse.hpp"
 
 using namespace vx;
 using namespace vx::test;
 
 namespace {
 
-struct Case {
-    const char *text;
-    const char *expected;
-};
-
-void expectShapes(std::initializer_list<Case> cases, bool extended = false)
+void expectShapes(std::initializer_list<std::pair<const char *, const char *>> cases, bool extended = false)
 {
-    for (const Case &c : cases)
-        EXPECT_EQ(shapeOf(c.text, extended), c.expected) << c.text;
+    for (auto [text, expected] : cases)
+        EXPECT_EQ(shapeOf(text, extended), expected) << text;
 }
 
 TEST(Parser, BuildsTheTreeThatPrecedenceTells)
@@ -70,10 +60,7 @@ TEST(Parser, KnowsTheGeometricFunctionsOnlyWhenExtended)
 
 TEST(Parser, SaysWhatIsWrongAndWhere)
 {
-    const struct {
-        const char *text;
-        int32_t number, offset, length;
-    } cases[] = {
+    const std::tuple<const char *, int32_t, int32_t, int32_t> cases[] = { // number, offset and length
         {"12a", 46, 0, 3},       {"1+2,5", 46, 2, 3},    {"1+", 47, 1, 1},       {"-", 47, 0, 1},
         {"a then", 47, 2, 4},    {"1+2*", 47, 3, 1},     {"(1+2", 48, 0, 1},     {"(", 48, 0, 1},
         {"(1<2<3)", 48, 4, 1},   {"sin(1", 48, 0, 3},    {"*2", 49, 0, 1},       {"2^-1", 49, 2, 1},
@@ -82,16 +69,14 @@ TEST(Parser, SaysWhatIsWrongAndWhere)
         {"1%2", 52, 1, 1},       {"sin(1 2)", 52, 6, 1}, {"1 else 2", 52, 2, 4}, {"1\n+2", 52, 1, 1},
         {"max(1,2a)", 46, 6, 2}, {"", 49, 0, 0},         {"sin()", 49, 4, 0},    {"1)", 52, 1, 1},
     };
-    for (const auto &c : cases) {
+    for (const auto &[text, number, offset, length] : cases) {
+        SCOPED_TRACE(text);
         VxExprDiag diag;
-        EXPECT_EQ(VxExprDiagParse(c.text, 0, 1, &diag), 1U) << c.text;
-        EXPECT_EQ(diag.number, c.number) << c.text;
-        EXPECT_EQ(diag.offset, c.offset) << c.text;
-        EXPECT_EQ(diag.length, c.length) << c.text;
-        EXPECT_EQ(diag.token,
-                  std::string(c.text).substr(static_cast<size_t>(c.offset), static_cast<size_t>(c.length)));
-        Parsed parsed(c.text);
-        EXPECT_TRUE(parsed.result == 1 && parsed.constant == 0 && !parsed.tree) << c.text;
+        EXPECT_EQ(VxExprDiagParse(text, 0, 1, &diag), 1U);
+        EXPECT_EQ(std::tuple(diag.number, diag.offset, diag.length), std::tuple(number, offset, length));
+        EXPECT_EQ(diag.token, std::string(text + offset, static_cast<size_t>(length)));
+        Parsed parsed(text);
+        EXPECT_TRUE(parsed.result == 1 && parsed.constant == 0 && !parsed.tree);
     }
 }
 
@@ -116,15 +101,12 @@ TEST(Parser, TakesArgumentsOfUpTo511BytesAndCutsNamesBetweenCharactersAt1023)
 
 TEST(Parser, TakesNoTrailByteForAnOperator)
 {
-    const int32_t pages[] = {932, 936, 949, 950, 1252, 65001};
-    for (int32_t number : pages) {
+    for (int32_t number : {932, 936, 949, 950, 1252, 65001}) {
         CodePageScope scope(number);
-        const text::CodePage &page = text::codePage();
         for (int trail = 0x21; trail < 0x100; ++trail) {
-            const char character[] = {'\x83', static_cast<char>(trail), '\0'};
-            if (text::charBytes(page, character) != 2)
+            const std::string name = {'\x83', static_cast<char>(trail), 'b'};
+            if (text::charBytes(text::codePage(), name.c_str()) != 2)
                 continue;
-            std::string name = std::string(character) + "b";
             EXPECT_EQ(shapeOf(name + "+1"), "(2 " + name + " 1)") << number << ": " << trail;
             EXPECT_EQ(shapeOf("[" + name + "]*2"), "(4 " + name + " 2)") << number << ": " << trail;
         }
@@ -142,9 +124,8 @@ TEST(Parser, SurvivesEveryTruncation)
         for (size_t length = 0; length < formula.size(); ++length) {
             std::string piece = formula.substr(0, length);
             VxExprDiag diag;
-            uint32_t result = VxExprDiagParse(piece.c_str(), 0, 1, &diag);
-            EXPECT_EQ(result == 0, Parsed(piece).result == 0) << piece;
-            EXPECT_EQ(result == 0, diag.number == 0) << piece;
+            const bool failed = VxExprDiagParse(piece.c_str(), 0, 1, &diag) != 0;
+            EXPECT_TRUE(failed == (Parsed(piece).result != 0) && failed == (diag.number != 0)) << piece;
             EXPECT_LE(static_cast<size_t>(diag.offset + diag.length), length) << piece;
         }
     }
@@ -164,9 +145,9 @@ TEST(Parser, ConvertsNumbersBitByBitAsTheRuntimeDoes)
             token += (random() % 2 ? "e-" : "e") + std::to_string(random() % 30);
         if (random() % 50 == 0)
             token += "e.";
-        double expected = os::parseDouble(token.c_str(), nullptr);
-        double value = expr::numberValue(token);
-        ASSERT_EQ(std::memcmp(&expected, &value, sizeof value), 0) << token;
+        ASSERT_EQ(std::bit_cast<int64_t>(expr::numberValue(token)),
+                  std::bit_cast<int64_t>(os::parseDouble(token.c_str(), nullptr)))
+            << token;
     }
 }
 
@@ -177,20 +158,16 @@ TEST(Names, AreReplacedAsWholeWords)
         const char *name, *replacement, *text, *expected;
         uint32_t result;
     } cases[] = {
-        {"a", "xyz", "a+ab*a", "xyz+ab*xyz", 0},
-        {"a", "", "a-a", "-", 0},
-        {"A", "b", "a", "a", 1},
+        {"a", "xyz", "a+ab*a", "xyz+ab*xyz", 0},    {"a", "", "a-a", "-", 0},
+        {"my var", "v", "2*my var-1", "2*v-1", 0},  {"A", "b", "a", "a", 1},
+        {"a", "b", "\x83\x61+a", "\x83\x61+b", 0},  {"", "b", "a", "", 1},
         {"len", "width", "len.cm+p.len", "width.cm+p.width", 0},
         {"a", "b", "p.x then a else a", "p.x then b else b", 0},
-        {"my var", "v", "2*my var-1", "2*v-1", 0},
-        {"", "b", "a", "", 1},
-        {"a", "b", "\x83\x61+a", "\x83\x61+b", 0},
     };
-    char out[256];
-    for (const auto &c : cases) {
-        std::memset(out, 'x', sizeof out);
-        EXPECT_EQ(VxParseVarReplace(c.name, c.replacement, c.text, out), c.result) << c.text;
-        EXPECT_STREQ(out, c.expected) << c.text;
+    for (const auto &[name, replacement, text, expected, result] : cases) {
+        char out[256] = "not yet written";
+        EXPECT_EQ(VxParseVarReplace(name, replacement, text, out), result) << text;
+        EXPECT_STREQ(out, expected) << text;
     }
 }
 
@@ -200,8 +177,8 @@ TEST(Names, AreListedInOrderWithRepeats)
     EXPECT_EQ(VxParseVarInquire("a+max(b c,[d])*a"), (Names{"a", "b c", "d", "a"}));
     EXPECT_EQ(VxParseVarInquire("sin(a)"), (Names{"a"})) << "a function is no name";
     EXPECT_EQ(VxParseVarInquire("a+12b+c"), (Names{"a"})) << "up to the first malformed token";
-    EXPECT_EQ(VxParseVarInquire("\"a\""), Names{});
-    EXPECT_EQ(VxParseVarInquire(nullptr), Names{});
+    for (const char *none : {"\"a\"", static_cast<const char *>(nullptr)})
+        EXPECT_EQ(VxParseVarInquire(none), Names{});
 }
 
 TEST(Units, AreFoundFromTheTableInAnyCase)
@@ -212,7 +189,7 @@ TEST(Units, AreFoundFromTheTableInAnyCase)
     for (; VxUnitTableGet(count, &name, &factor, &unitClass); ++count) {
         std::string upper = name;
         for (char &c : upper)
-            c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+            c = static_cast<char>(std::toupper(c));
         EXPECT_EQ(evaluate("1", upper).error, 0) << name;
         EXPECT_TRUE(unitClass >= 2 && unitClass <= 8 && factor > 0.0) << name;
     }

@@ -1,77 +1,44 @@
 // How failures reach the user: with the toolkit started and its texts loaded.
 
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "talm/base.h"
 #include "tests/expr/formula.h"
-#include "vx/diagnose.h"
-#include "vx/path.h"
-#include "vx/value.hpp"
+#include "tests/session/started_toolkit.h"
+#include "tests/support/error_log.h"
 
 using namespace vx::test;
 using namespace HESKET::Talm::Tool::Evaluation;
 
 namespace {
 
-struct Reports : testing::Test {
-    Reports()
+struct Reports : StartedToolkit {
+    std::string seen() const
     {
-        VxPathInit();
-        VxToolsInit();
-        VxErrClear();
-        EsSinkCallback([](void *self, const EsRecord *record) {
-            static_cast<Reports *>(self)->seen.emplace_back(record->text);
-        }, this);
-    }
-    ~Reports() override
-    {
-        EsSinkCallback(nullptr, nullptr);
-        VxErrClear();
-        VxToolsExit();
+        std::string all;
+        for (const auto &event : log.events)
+            all += event.text + '\n';
+        return all;
     }
 
-    std::vector<std::string> seen;
+    RecordedEvents log;
 };
-
-uint32_t parse(const char *text)
-{
-    VsCnsGenOp *tree = nullptr;
-    uint32_t result = VxParseGeEx(text, nullptr, &tree);
-    VxGenExFree(&tree);
-    return result;
-}
 
 TEST_F(Reports, AMalformedFormulaIsPutIntoTheEventLogAndNotFiled)
 {
-    EXPECT_EQ(parse("sin((1+2a)"), 1U);
-    EXPECT_EQ(parse("1+"), 1U);
-    EXPECT_EQ(seen, (std::vector<std::string>{"A closing parenthesis is missing.",
-                                              "An operator has no valid operand after it."}));
+    VsCnsGenOp *tree = nullptr;
+    for (const char *text : {"sin((1+2a)", "1+", "", "sin()"})
+        EXPECT_EQ(VxParseGeEx(text, nullptr, &tree), 1U);
+    Parsed quiet("1+");
+    EXPECT_EQ(seen(), "A closing parenthesis is missing.\nAn operator has no valid operand after it.\n");
     EXPECT_EQ(VxErrCnt(), 0);
-    parse("");
-    parse("sin()");
-    VxErrDisable();
-    parse("1+");
-    VxErrEnable();
-    EXPECT_EQ(seen.size(), 2U);
 }
 
 TEST_F(Reports, AnEvaluationFilesItsFailure)
 {
     double result;
-    EXPECT_EQ(VxCharExprEval("1.cm+1.kg", "", nullptr, &result), 1U);
-    EXPECT_TRUE(VxErrIsLogged(VxToolsErrID(), 83));
-    EXPECT_EQ(VxCharExprEval("nobody", "", nullptr, &result), 1U);
-    EXPECT_EQ(VxCharExprEval("asin(2)", "", nullptr, &result), 1U);
-    EXPECT_TRUE(VxErrIsLogged(0, 187));
-    std::string all;
-    for (const std::string &text : seen)
-        all += text + '\n';
-    EXPECT_NE(all.find("nobody"), std::string::npos) << all;
-    EXPECT_NE(all.find("asin: The argument is not between -1 and 1."), std::string::npos) << all;
+    for (const char *text : {"1.cm+1.kg", "nobody", "asin(2)"})
+        EXPECT_EQ(VxCharExprEval(text, "", nullptr, &result), 1U);
+    EXPECT_TRUE(VxErrIsLogged(VxToolsErrID(), 83) && VxErrIsLogged(0, 187));
+    for (const char *part : {"nobody", "asin: The argument is not between -1 and 1."})
+        EXPECT_NE(seen().find(part), std::string::npos) << seen();
 }
 
 TEST_F(Reports, ADiagnosisIsSilentWhenAskedTo)
@@ -80,7 +47,7 @@ TEST_F(Reports, ADiagnosisIsSilentWhenAskedTo)
     VxExprDiag diag;
     for (const char *text : {"1/0", "1/"})
         VxExprDiagEval(text, "", nullptr, nullptr, 1, &result, &diag);
-    EXPECT_TRUE(seen.empty() && VxErrCnt() == 0);
+    EXPECT_TRUE(log.events.empty() && VxErrCnt() == 0);
     VxExprDiagEval("1/0", "", nullptr, nullptr, 0, &result, &diag);
     EXPECT_TRUE(VxErrIsLogged(0, 191));
 }

@@ -81,6 +81,7 @@ TEST_F(Memory, ABlockComesThroughThePointer)
             EXPECT_EQ(VxMemFree(&block), 0u);
             EXPECT_EQ(block, nullptr);
             EXPECT_EQ(VgMemUsed, before + size) << "the bytes asked for so far";
+            EXPECT_TRUE(!VxMemDup(2, "x", &block) && !std::memcmp(block, "x", 2) && !VxMemFree(&block));
         }
 }
 

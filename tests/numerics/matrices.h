@@ -4,16 +4,22 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
+#include <numeric>
 #include <random>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "numerics/kernel_choice.h"
 #include "numerics/storage.h"
+#include "tests/support/faults.h"
 
 namespace vx::test {
 
 using Random = std::mt19937;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /** A general matrix that is made of `element(i, j)`. */
 struct Matrix : numerics::OwnGenMat {
@@ -42,27 +48,25 @@ inline std::vector<double> randomVector(Random &random, int32_t n)
 {
     std::uniform_real_distribution<double> value(-1, 1);
     std::vector<double> out(static_cast<size_t>(n));
-    for (double &v : out)
-        v = value(random);
+    std::ranges::generate(out, [&] { return value(random); });
     return out;
 }
 
 /** a * x */
 inline std::vector<double> times(const VxGenMat &a, const std::vector<double> &x)
 {
-    std::vector<double> out(static_cast<size_t>(a.rows));
+    std::vector<double> out;
     for (int32_t i = 0; i < a.rows; ++i)
-        for (int32_t j = 0; j < a.columns; ++j)
-            out[static_cast<size_t>(i)] += a.row[i][j] * x[static_cast<size_t>(j)];
+        out.push_back(std::inner_product(x.begin(), x.end(), a.row[i], 0.0));
     return out;
 }
 
-inline double largestDifference(const std::vector<double> &a, const std::vector<double> &b)
+/** Over the elements of two vectors of any kind. */
+template <typename A, typename B> double largestDifference(const A &a, const B &b)
 {
-    double largest = 0;
-    for (size_t i = 0; i < a.size(); ++i)
-        largest = std::max(largest, std::fabs(a[i] - b[i]));
-    return largest;
+    return std::transform_reduce(
+        std::begin(a), std::end(a), std::begin(b), 0.0, [](double x, double y) { return std::max(x, y); },
+        [](double x, double y) { return std::fabs(x - y); });
 }
 
 /** A symmetric matrix whose elements reach `semi` places from the diagonal. */
@@ -90,6 +94,18 @@ struct Problem {
     }
 
     int32_t count() const { return static_cast<int32_t>(rhs.size()); }
+
+    /** By the dispatcher, a full matrix (form 0) or a band (1). */
+    uint32_t solve(uint32_t form, const void *matrix)
+    {
+        const auto order = static_cast<int32_t>(right[0].size());
+        return SolvLinSystem(form, order, matrix, count(), rhs.data(), solutions.data());
+    }
+
+    uint32_t report(const VxGenMat &matrix, VxSolveReport &told, int32_t *rows = nullptr)
+    {
+        return VxMatSolvReport(&matrix, count(), rhs.data(), solutions.data(), &told, rows);
+    }
 
     double error() const
     {

@@ -1,20 +1,14 @@
 #include <map>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 #include "numerics/solve.h"
 #include "tests/numerics/matrices.h"
-#include "tests/support/faults.h"
 
 namespace {
 
 using namespace vx;
+using namespace vx::test;
 using numerics::OwnBndMat;
 using numerics::Way;
-using test::Matrix;
-using test::Problem;
-using test::Random;
 
 Way way(const VxGenMat &m)
 {
@@ -35,23 +29,22 @@ Way wayOfBand(int32_t n, int32_t semi)
 TEST(WayToSolve, IsTheSameForEveryBandInBothForms)
 {
     std::map<Way, int32_t> count;
-    for (int32_t n = 1; n <= 14; ++n) {
+    for (int32_t n = 1; n <= 14; ++n)
         for (int32_t semi = 0; semi < n; ++semi) {
             Way expected = n <= 4 ? Way::inverse : 1 + 3 * semi >= n ? Way::dense : Way::band;
-            EXPECT_EQ(way(test::bandMatrix(n, semi)), expected) << n << ", " << semi;
+            EXPECT_EQ(way(bandMatrix(n, semi)), expected) << n << ", " << semi;
             EXPECT_EQ(wayOfBand(n, semi), expected) << n << ", " << semi;
             ++count[expected];
         }
-    }
-    EXPECT_EQ(count[Way::inverse], 1 + 2 + 3 + 4);
-    EXPECT_EQ(count[Way::band], 2 + 2 + 2 + 3 + 3 + 3 + 4 + 4 + 4 + 5);
-    EXPECT_EQ(count[Way::dense], 105 - 10 - 32);
+    EXPECT_EQ(count, (std::map<Way, int32_t>{{Way::inverse, 1 + 2 + 3 + 4},
+                                             {Way::band, 2 + 2 + 2 + 3 + 3 + 3 + 4 + 4 + 4 + 5},
+                                             {Way::dense, 105 - 10 - 32}}));
 }
 
 TEST(WayToSolve, SymmetryIsBrokenByMoreThanTheTolerance)
 {
     for (auto [by, expected] : {std::pair{1.01e-12, Way::dense}, std::pair{0.99e-12, Way::band}}) {
-        Matrix m = test::bandMatrix(10, 1);
+        Matrix m = bandMatrix(10, 1);
         m.row[3][4] = 0;
         m.row[4][3] = by;
         m.row[0][1] += 0.5e-12;
@@ -65,24 +58,24 @@ TEST(Solve, EveryWayFindsTheSolutions)
     for (int32_t n : {1, 2, 4, 5, 8, 16, 17, 64, 70, 150}) {
         for (int32_t count : {1, 3, 4, 300}) {
             SCOPED_TRACE(testing::Message() << "order " << n << ", " << count << " right-hand sides");
-            Matrix m = test::randomMatrix(random, n);
+            Matrix m = randomMatrix(random, n);
             for (int32_t i = 0; i < n; ++i)
                 m.row[i][i] += 3;
             Problem general(random, m, count);
-            EXPECT_EQ(SolvLinSystem(0, n, &m, count, general.rhs.data(), general.solutions.data()), 0u);
+            EXPECT_EQ(general.solve(0, &m), 0u);
             EXPECT_LT(general.error(), 1e-11);
             EXPECT_EQ(VxSolveGenMat(&m, count, general.rhs.data(), general.rhs.data()), 0u);
             EXPECT_EQ(general.right, general.found) << "written over the right-hand sides";
 
             const int32_t semi = n / 5;
-            Matrix symmetric = test::bandMatrix(n, semi);
+            Matrix symmetric = bandMatrix(n, semi);
             OwnBndMat band;
             ASSERT_EQ(Full2SymBndMat(&symmetric, n, semi, &band), 0u);
             Problem both(random, symmetric, count);
-            EXPECT_EQ(SolvLinSystem(0, n, &symmetric, count, both.rhs.data(), both.solutions.data()), 0u);
+            EXPECT_EQ(both.solve(0, &symmetric), 0u);
             EXPECT_LT(both.error(), 1e-11);
             std::vector<std::vector<double>> first = both.found;
-            EXPECT_EQ(SolvLinSystem(1, n, &band, count, both.rhs.data(), both.solutions.data()), 0u);
+            EXPECT_EQ(both.solve(1, &band), 0u);
             EXPECT_EQ(both.found, first) << "the forms differ";
         }
     }
@@ -90,15 +83,13 @@ TEST(Solve, EveryWayFindsTheSolutions)
 
 TEST(Solve, MismatchesAndMissingVectorsAreRefused)
 {
-    Matrix m = test::bandMatrix(6, 1);
+    Matrix m = bandMatrix(6, 1);
     std::vector<double> b(6, 1.0), x(6);
     double *rhs[] = {b.data(), nullptr};
     double *solutions[] = {x.data(), x.data()};
     EXPECT_EQ(SolvLinSystem(0, 6, &m, 1, rhs, solutions), 0u);
-    EXPECT_EQ(SolvLinSystem(2, 6, &m, 1, rhs, solutions), 1u);
-    EXPECT_EQ(SolvLinSystem(0, 5, &m, 1, rhs, solutions), 1u);
-    EXPECT_EQ(SolvLinSystem(0, 6, &m, 0, rhs, solutions), 1u);
-    EXPECT_EQ(SolvLinSystem(0, 6, &m, 2, rhs, solutions), 1u);
+    for (auto [form, order, count] : {std::tuple{2u, 6, 1}, {0u, 5, 1}, {0u, 6, 0}, {0u, 6, 2}})
+        EXPECT_EQ(SolvLinSystem(form, order, &m, count, rhs, solutions), 1u) << form << order << count;
     EXPECT_EQ(SolvLinSystem(0, 6, nullptr, 1, rhs, solutions), 1u);
 }
 
@@ -117,24 +108,20 @@ TEST(Solve, RefusedMemoryGivesFailureAndLeavesNothing)
 {
     Random random(11);
     for (int32_t n : {40, 90}) {
-        Matrix general = test::randomMatrix(random, n);
-        Matrix symmetric = test::bandMatrix(n, 2);
+        Matrix general = randomMatrix(random, n);
+        Matrix symmetric = bandMatrix(n, 2);
         OwnBndMat narrow, wide;
-        Matrix wideSymmetric = test::bandMatrix(n, n / 2);
+        Matrix wideSymmetric = bandMatrix(n, n / 2);
         ASSERT_EQ(Full2SymBndMat(&symmetric, n, 2, &narrow), 0u);
         ASSERT_EQ(Full2SymBndMat(&wideSymmetric, n, n / 2, &wide), 0u);
         const std::pair<uint32_t, const void *> forms[] = {
             {0, &general}, {0, &symmetric}, {1, &narrow}, {1, &wide}};
-        for (auto [form, matrix] : forms) {
+        for (const auto &form : forms)
             for (int32_t count : {1, 5}) {
                 Problem problem(random, general, count);
-                test::refusingEachAllocation([&, f = form, m = matrix] {
-                    uint32_t result =
-                        SolvLinSystem(f, n, m, count, problem.rhs.data(), problem.solutions.data());
-                    EXPECT_EQ(result, fault::refusals(fault::Kind::allocation) ? 1u : 0u);
-                });
+                failsWhenRefused(fault::Kind::allocation,
+                                 [&] { return problem.solve(form.first, form.second); });
             }
-        }
     }
 }
 

@@ -1,15 +1,10 @@
-#include <cmath>
-#include <random>
-
-#include <gtest/gtest.h>
-
-#include "numerics/storage.h"
+#include "tests/numerics/matrices.h"
 #include "tests/support/captured_output.h"
-#include "tests/support/faults.h"
 
 namespace {
 
 using namespace vx;
+using namespace vx::test;
 using numerics::OwnBndMat;
 using numerics::OwnGenMat;
 
@@ -34,57 +29,45 @@ TEST(Storage, IsOneBlockWithOnlyWhatIsStored)
 
 TEST(Storage, PrintsWhatIsStored)
 {
-    OwnGenMat general;
+    Matrix general(1, 2, [](int32_t, int32_t j) { return j ? -1234.56789 : 0; });
+    VxSymMat symmetric{};
     OwnBndMat band;
-    ASSERT_EQ(VxGenMatAlloc(1, 2, &general), 0u);
-    ASSERT_EQ(VxBndMatAlloc(2, 2, &band), 0u);
-    VxGenMatClear(&general);
-    VxBndMatClear(&band);
-    general.row[0][1] = -1234.56789;
+    ASSERT_EQ(VxSymMatAlloc(2, &symmetric) + VxBndMatAlloc(2, 2, &band), 0u);
+    ASSERT_EQ(VxSymMatClear(&symmetric) + VxBndMatClear(&band), 0u);
     band.row[1][0] = 1e5;
-    test::CapturedOutput out;
+    CapturedOutput out;
     EXPECT_EQ(VxGenMatPrint(&general), 0u);
     EXPECT_EQ(VxBndMatPrint(&band), 0u);
+    EXPECT_EQ(VxSymMatPrint(&symmetric), 0u);
     EXPECT_EQ(out.text(), "row[0]:   0.0000 -1234.5679 \n"
-                          "row[0]:   0.0000   0.0000 \n"
-                          "row[1]: 100000.0000 \n");
+                          "row[0]:   0.0000   0.0000 \nrow[1]: 100000.0000 \n"
+                          "row[0]:   0.0000 \nrow[1]:   0.0000   0.0000 \n");
+    VxSymMatFree(&symmetric);
 }
 
 TEST(Storage, BandsOfEveryWidthComeBackFromTheirExpansion)
 {
-    std::mt19937 random(5);
-    std::uniform_real_distribution<double> value(1, 2);
-    for (int32_t n = 1; n <= 9; ++n) {
+    for (int32_t n = 1; n <= 9; ++n)
         for (int32_t semi = 0; semi < n; ++semi) {
             SCOPED_TRACE(testing::Message() << "n " << n << " semi " << semi);
-            OwnBndMat band, again, copy;
+            OwnBndMat band, copy;
             OwnGenMat full;
-            ASSERT_EQ(VxBndMatAlloc(n, semi + 1, &band), 0u);
-            for (int32_t i = 0; i < n; ++i)
-                for (int32_t d = 0; d < numerics::storedInRow(band, i); ++d)
-                    band.row[i][d] = value(random);
-            ASSERT_EQ(SymBnd2FullMat(&band, n, semi, &full), 0u);
-            EXPECT_EQ(full.row[n - 1][n - 1 - semi], band.row[n - 1 - semi][semi]);
+            const Matrix before = bandMatrix(n, semi);
+            ASSERT_EQ(Full2SymBndMat(&before, n, semi, &band), 0u);
+            ASSERT_EQ(VxBndMatCopy(&band, &copy), 0u);
+            ASSERT_EQ(SymBnd2FullMat(&copy, n, semi, &full), 0u);
+            EXPECT_TRUE(std::equal(full.row[0], full.row[0] + n * n, before.row[0]));
+            EXPECT_EQ(copy.row[n - 1 - semi][semi], before.row[n - 1][n - 1 - semi]);
             int32_t width = -1;
             EXPECT_EQ(GetSemiBndWidth(&full, n, &width), 0u);
             EXPECT_EQ(width, semi);
-            ASSERT_EQ(Full2SymBndMat(&full, n, semi, &again), 0u);
-            ASSERT_EQ(VxBndMatCopy(&again, &copy), 0u);
-            for (int32_t i = 0; i < n; ++i)
-                for (int32_t d = 0; d < numerics::storedInRow(band, i); ++d)
-                    EXPECT_EQ(copy.row[i][d], band.row[i][d]);
         }
-    }
 }
 
-/** The semi-bandwidth of a 40 x 40 diagonal matrix with two elements set, in two tiles of the symmetry test. */
+/** The semi-bandwidth of a diagonal matrix with two elements set, in two tiles of the symmetry test. */
 int32_t widthWith(double upper, double lower)
 {
-    OwnGenMat m;
-    EXPECT_EQ(VxGenMatAlloc(40, 40, &m), 0u);
-    VxGenMatClear(&m);
-    for (int32_t i = 0; i < 40; ++i)
-        m.row[i][i] = 1;
+    Matrix m = bandMatrix(40, 0);
     m.row[2][37] = upper;
     m.row[37][2] = lower;
     int32_t width = 99;
@@ -94,20 +77,18 @@ int32_t widthWith(double upper, double lower)
 
 TEST(Storage, SemiBandwidthTellsSymmetryBySign)
 {
-    EXPECT_EQ(widthWith(0, 0), 0);
-    EXPECT_EQ(widthWith(1, 1), 35);
-    EXPECT_EQ(widthWith(0, 1), -35);
-    EXPECT_EQ(widthWith(1, 1 + 2e-12), -35);
-    EXPECT_EQ(widthWith(1, 1 + 5e-13), 35);
-    EXPECT_EQ(widthWith(9e-13, 9e-13), 0);
-    EXPECT_EQ(widthWith(1.1e-12, 1.1e-12), 35);
-    // Neither is significant, yet they differ: minus zero is zero.
-    EXPECT_EQ(widthWith(6e-13, -6e-13), 0);
+    const std::tuple<double, double, int32_t> cases[] = {
+        {0, 0, 0},         {1, 1, 35},         {0, 1, -35},           {1, 1 + 2e-12, -35},
+        {1, 1 + 5e-13, 35}, {9e-13, 9e-13, 0}, {1.1e-12, 1.1e-12, 35},
+        {6e-13, -6e-13, 0}, // neither is significant, yet they differ: minus zero is zero
+    };
+    for (auto [upper, lower, width] : cases)
+        EXPECT_EQ(widthWith(upper, lower), width) << upper << ", " << lower;
 }
 
 TEST(Storage, RefusedMemoryLeavesNothing)
 {
-    test::refusingEachAllocation([] {
+    refusingEachAllocation([] {
         OwnGenMat general, copy;
         OwnBndMat band;
         bool made = VxGenMatAlloc(6, 6, &general) == 0;

@@ -1,24 +1,19 @@
-#include <filesystem>
 #include <fstream>
 #include <regex>
-#include <string>
-#include <vector>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 #include <unistd.h>
 
-#include "platform/os/fault.h"
 #include "platform/os/os.h"
 #include "tests/support/captured_output.h"
 #include "tests/support/code_page.h"
-#include "tests/support/each_refusal.h"
+#include "tests/support/faults.h"
 #include "tests/support/temp_folder.h"
 #include "vx/str.h"
 #include "vx/sys.h"
 
 using namespace vx;
+using namespace vx::test;
 
 namespace {
 
@@ -41,7 +36,7 @@ struct Programs : testing::Test {
         }
     }
 
-    test::TempFolder folder;
+    TempFolder folder;
 };
 
 TEST_F(Programs, GetTheirWordsAsTheyAre)
@@ -56,7 +51,7 @@ TEST_F(Programs, AreFoundByPathInTheToolkitsSpellingAndByName)
 {
     std::string path = STARTED_PROGRAM;
     std::replace(path.begin(), path.end(), '/', '\\');
-    test::CodePageScope japanese(932);
+    CodePageScope japanese(932);
     EXPECT_EQ(VxRunApp((path + " " + report().string() + " 0 \x83\x5C\x95\x5C").c_str(), nullptr), 0u);
     EXPECT_EQ(folder.read("report"), "\xE3\x82\xBD\xE8\xA1\xA8\nopen 0 1 2\n");
     int32_t code = 5;
@@ -100,7 +95,7 @@ TEST_F(Programs, ThatAreNotWaitedForGoOnAndLeaveNothing)
     EXPECT_EQ(VxRunApp2(line(0, "shown").c_str(), 1), 0u);
     EXPECT_EQ(awaitReport(), "shown\nopen 0 1 2\n");
     std::filesystem::remove(report());
-    test::CapturedOutput output;
+    CapturedOutput output;
     EXPECT_EQ(VxRunApp2("sh -c \"echo hidden; echo hidden >&2\"", 0), 0u);
     EXPECT_EQ(VxRunApp2(line(0, "last").c_str(), 0), 0u);
     EXPECT_EQ(awaitReport(), "last\nopen 0 1 2\n");
@@ -119,14 +114,11 @@ TEST_F(Programs, ThatAreNotWaitedForGoOnAndLeaveNothing)
 
 TEST_F(Programs, AFailedStepIsAFailure)
 {
-    uint32_t failed = 0;
     for (fault::Kind kind : {fault::Kind::verb, fault::Kind::allocation})
         for (auto run : {+[] { return VxRunApp("true with some long words", nullptr); },
                          +[] { return VxSysCmdHddn("true with some long words", nullptr); },
                          +[] { return VxRunApp2("true with some long words", 1); }})
-            test::eachRefusal(
-                kind, nullptr, [&] { failed = run(); },
-                [&](bool refused) { EXPECT_EQ(failed, refused ? 1u : 0u); });
+            failsWhenRefused(kind, run);
 }
 
 TEST(Processes, AreFoundByTheirProgramInAnyCase)

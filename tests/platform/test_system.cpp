@@ -1,6 +1,3 @@
-#include <cstdlib>
-#include <string>
-
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/utsname.h>
@@ -32,48 +29,40 @@ TEST(System, DescribesItselfByDistributionKernelAndUser)
     utsname kernel;
     ASSERT_EQ(uname(&kernel), 0);
     std::string info = textOf(VxWinOsInfo);
-    EXPECT_NE(info.find(std::string(kernel.sysname) + " " + kernel.release + ", 64-bit"), std::string::npos)
-        << info;
+    const std::string kernelText = std::string(kernel.sysname) + " " + kernel.release + ", 64-bit";
+    EXPECT_NE(info.find(kernelText), std::string::npos) << info;
     auto fits = static_cast<int32_t>(info.size());
     EXPECT_EQ(textOf(VxWinOsInfo, fits + 1), info);
     EXPECT_EQ(textOf(VxWinOsInfo, fits), "(1)");
-    int32_t numbers[3] = {-1, -1, -1};
-    EXPECT_EQ(VxWinOs(&numbers[0], &numbers[1], &numbers[2]), 0);
-    std::string front = std::to_string(numbers[0]) + "." + std::to_string(numbers[1]);
-    EXPECT_TRUE(std::string(kernel.release).starts_with(front));
+    int32_t major = -1, minor = -1, build = -1;
+    EXPECT_EQ(VxWinOs(&major, &minor, &build), 0);
+    EXPECT_EQ(std::string(kernel.release).find(std::to_string(major) + "." + std::to_string(minor)), 0u);
     const passwd *user = getpwuid(geteuid());
     EXPECT_EQ(textOf(VxUserName), user ? user->pw_name : std::getenv("USER"));
 }
 
 TEST(System, OfWindowsIsNamedWithItsEdition)
 {
-    const struct {
-        os::SystemDescription system; ///< with the numbers, server or not, edition, 64 bits or not
-        int32_t product;
-        const char *info;
-    } cases[] = {
+    const std::tuple<os::SystemDescription, int32_t, const char *> cases[] = {
+        // With the numbers, server or not, edition, 64 bits or not: the product and its text.
         {{true, "", {6, 0, 7}, false, 0x06, false}, 60, "Windows Vista Business Edition, 32-bit"},
         {{true, "", {6, 3, 7}, false, 0xABCDABCD, true}, 63, "Windows 8.1, 64-bit"},
         {{true, "", {5, 1, 7}, false, 0, false}, 51, "Windows 5.1, 32-bit"},
     };
-    for (const auto &one : cases) {
-        os::setTestSystem(&one.system);
+    for (const auto &[system, product, info] : cases) {
+        os::setTestSystem(&system);
         int32_t build = 0;
-        EXPECT_EQ(VxWinOs(nullptr, nullptr, &build), one.product);
-        EXPECT_EQ(build, 7);
-        EXPECT_EQ(textOf(VxWinOsInfo), one.info);
-        EXPECT_EQ(VxWinOsIsVistaWin7(), one.product == 60);
+        EXPECT_EQ(VxWinOs(nullptr, nullptr, &build), product);
+        EXPECT_EQ(std::pair(build, textOf(VxWinOsInfo)), std::pair(7, std::string(info)));
+        EXPECT_EQ(VxWinOsIsVistaWin7(), product == 60);
         os::setTestSystem(nullptr);
     }
 }
 
-struct UserSettings : testing::Test {
+TEST(UserSettings, TellMailAccountsAndWhereProgramsLie)
+{
     test::TempFolder folder;
     test::Environment file{"VX_REGISTRY_FILE", (folder.native() / "registry.ini").c_str()};
-};
-
-TEST_F(UserSettings, TellMailAccountsAndWhereProgramsLie)
-{
     folder.write("registry.ini", "[Software\\Microsoft\\Internet Account Manager\\Accounts\\00000001]\n"
                                  "Account Name=directory\nSMTP Server=\n"
                                  "[software\\microsoft\\internet account manager\\ACCOUNTS\\00000002\\Sub]\n"

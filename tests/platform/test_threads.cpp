@@ -1,21 +1,14 @@
-#include "vx/thread.h"
-
-#include <algorithm>
 #include <atomic>
-#include <cstdlib>
-#include <memory>
-#include <mutex>
 #include <set>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "platform/os/test_values.h"
 #include "tests/support/faults.h"
+#include "vx/thread.h"
 
 using namespace vx;
+using namespace vx::test;
 
 namespace {
 
@@ -32,7 +25,7 @@ uint32_t work(void *record)
     ++self->calls;
     self->thread = std::this_thread::get_id();
     if (self->throws)
-        throw std::runtime_error("thrown by the work");
+        throw "thrown by the work";
     return self->result;
 }
 
@@ -61,7 +54,7 @@ public:
         EXPECT_EQ(HkAllocMulTrdPool(&pool), 0u);
         os::setTestProcessorCount(0);
     }
-    ~PoolOf() { HkFreeMulTrdPool(&pool); }
+    ~PoolOf() { EXPECT_TRUE(HkFreeMulTrdPool(&pool) == 0 && !pool); }
     PoolOf(const PoolOf &) = delete;
     PoolOf &operator=(const PoolOf &) = delete;
 
@@ -85,8 +78,7 @@ TEST(Threads, RunAtTheSameTime)
     // Each waits until the other has begun.
     static std::atomic<int> begun;
     auto meet = +[](void *) {
-        ++begun;
-        while (begun < 2)
+        for (++begun; begun < 2;)
             std::this_thread::yield();
         return 0u;
     };
@@ -101,12 +93,11 @@ TEST(Threads, RunAtTheSameTime)
 TEST(ThreadPool, OnOneProcessorTheCallerWorksAndGetsTheResult)
 {
     PoolOf single(1);
-    EXPECT_EQ(single.pool->workers, 0);
     Records records(2);
     records[0].result = 42;
     EXPECT_EQ(single.run(records), 42u);
-    EXPECT_EQ(records[0].thread, std::this_thread::get_id());
-    EXPECT_EQ(records[1].calls, 0);
+    EXPECT_TRUE(records[0].thread == std::this_thread::get_id() && records[1].calls == 0);
+    EXPECT_EQ(single.pool->workers, 0);
     records[0].throws = true;
     EXPECT_EQ(single.run(records), 1u);
 }
@@ -116,14 +107,12 @@ TEST(ThreadPool, IsMadeAndFreedAThousandTimes)
     for (int round = 0; round < 1000; ++round) {
         PoolOf some(round ? 2 + round % 3 : 200);
         Records records(static_cast<size_t>(some.pool->workers));
-        for (Record &record : records)
-            record.result = 7;
         for (int dispatch = 1; dispatch <= (round + 2) % 3; ++dispatch) {
-            ASSERT_EQ(some.run(records), 0u) << "results are the records' affair";
+            for (Record &record : records)
+                record.result = 7; // the record's affair
+            ASSERT_EQ(some.run(records), 0u);
             ASSERT_EQ(doneElsewhere(records, dispatch), records.size());
         }
-        ASSERT_EQ(HkFreeMulTrdPool(&some.pool), 0u);
-        ASSERT_EQ(some.pool, nullptr);
     }
 }
 
@@ -132,9 +121,8 @@ TEST(ThreadPool, AHundredThousandDispatchesLoseNone)
     PoolOf two(2);
     // Plain words: the pool alone orders the caller's and the workers' accesses.
     struct Sum {
-        int64_t added = 0;
-        int64_t total = 0;
-    } sums[2];
+        int64_t added, total;
+    } sums[2] = {};
     auto add = +[](void *record) {
         auto sum = static_cast<Sum *>(record);
         sum->total += sum->added;
@@ -144,8 +132,8 @@ TEST(ThreadPool, AHundredThousandDispatchesLoseNone)
         sums[0].added = dispatch;
         sums[1].added = -dispatch;
         ASSERT_EQ(HkRunMulTrdPool(add, sums, sizeof *sums, two.pool), 0u);
-        ASSERT_EQ(sums[0].total, dispatch * (dispatch + 1) / 2);
-        ASSERT_EQ(sums[1].total, -sums[0].total);
+        const int64_t total = dispatch * (dispatch + 1) / 2;
+        ASSERT_EQ(std::pair(sums[0].total, sums[1].total), std::pair(total, -total));
         if (dispatch % 10000 == 0) // long enough for the workers to fall asleep
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -155,13 +143,11 @@ TEST(ThreadPool, AnExceptionFailsTheDispatchAndNothingElse)
 {
     PoolOf three(3);
     Records records(3);
-    records[1].throws = true;
-    EXPECT_EQ(three.run(records), 1u);
-    doneElsewhere(records, 1);
-    records[1].throws = false;
-    EXPECT_EQ(three.run(records), 0u);
-    EXPECT_EQ(doneElsewhere(records, 2), 3u) << "every worker lives on";
-
+    for (int run : {1, 2}) { // every worker lives on
+        records[1].throws = run == 1;
+        EXPECT_EQ(three.run(records), records[1].throws);
+        EXPECT_EQ(doneElsewhere(records, run), 3u);
+    }
     records[2].throws = true;
     EXPECT_EQ(HkRunMulTrd(work, records.data(), stride, 3), 1u);
     doneElsewhere(records, 3);
@@ -169,18 +155,19 @@ TEST(ThreadPool, AnExceptionFailsTheDispatchAndNothingElse)
 
 TEST(ThreadPool, WorkOfAThreadThatTheSystemRefusesIsDoneByTheCaller)
 {
-    test::refusingEachVerb(
-        [] {
-            Records records(3);
-            bool done = HkRunMulTrd(work, records.data(), stride, 3) == 0;
-            PoolOf three(3);
-            Records pooled(3);
-            done = done && three.run(pooled) == 0;
-            EXPECT_TRUE(done);
-            doneElsewhere(records, 1);
-            doneElsewhere(pooled, 1);
-        },
-        "startThread");
+    auto work3 = [] {
+        Records records(3), pooled(3);
+        EXPECT_EQ(HkRunMulTrd(work, records.data(), stride, 3), 0u);
+        PoolOf three(3);
+        EXPECT_EQ(three.run(pooled), 0u);
+        return doneElsewhere(records, 1) + doneElsewhere(pooled, 1);
+    };
+    refusingEachVerb(work3, "startThread");
+    fault::onlyVerb("startThread");
+    fault::refuseFrom(fault::Kind::verb, 1);
+    EXPECT_EQ(work3(), 0u) << "no thread at all";
+    fault::refuse(fault::Kind::verb, 0);
+    fault::onlyVerb(nullptr);
 }
 
 TEST(ThreadPool, WithoutMemoryNothingIsMadeOrRun)
@@ -188,12 +175,12 @@ TEST(ThreadPool, WithoutMemoryNothingIsMadeOrRun)
     VxThreadPool *pool = nullptr;
     Records records(3);
     int completed = 0;
-    test::refusingEachAllocation([&] {
+    refusingEachAllocation([&] {
         uint32_t failed = HkAllocMulTrdPool(&pool);
         EXPECT_EQ(failed != 0, pool == nullptr);
         HkFreeMulTrdPool(&pool);
     });
-    test::refusingEachAllocation([&] { completed += HkRunMulTrd(work, records.data(), stride, 3) == 0; });
+    refusingEachAllocation([&] { completed += HkRunMulTrd(work, records.data(), stride, 3) == 0; });
     doneElsewhere(records, completed);
 }
 

@@ -1,18 +1,11 @@
-#include "vx/timing.h"
-
-#include <cstring>
 #include <ctime>
-#include <string>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "platform/os/test_values.h"
 #include "tests/session/started_toolkit.h"
-#include "tests/support/code_page.h"
-#include "tests/support/temp_folder.h"
+#include "vx/timing.h"
 
 using namespace vx;
+using namespace vx::test;
 
 namespace {
 
@@ -25,51 +18,47 @@ public:
     ~TimeZone() { tzset(); }
 
 private:
-    test::Environment variable_;
+    Environment variable_;
 };
 
 TEST(Stopwatch, SplitsAddUpToTheWholeAndProcessorTimeIsASecondOne)
 {
-    os::setTestClock(1'000'000'250'000);
-    os::setTestProcessorClock(2'000'000);
+    auto at = [](int64_t clock, int64_t processorClock) {
+        os::setTestClock(clock);
+        os::setTestProcessorClock(processorClock);
+    };
+    at(1'000'000'250'000, 2'000'000);
     VxTimeWallBeg();
     VxTimeTstBeg();
-    os::setTestClock(1'000'001'750'000);
+    at(1'000'001'750'000, 2'500'000);
     EXPECT_NEAR(VxTimeWallDel(), 1.5, 1e-6);
-    os::setTestClock(1'000'004'000'000);
+    EXPECT_DOUBLE_EQ(VxTimeTstDel(), 0.5);
+    at(1'000'004'000'000, 4'500'000);
     EXPECT_NEAR(VxTimeWallDel(), 2.25, 1e-6);
     EXPECT_NEAR(VxTimeWallEnd(), 3.75, 1e-6);
     EXPECT_EQ(VxTime(), 1'000'004);
-    os::setTestProcessorClock(2'500'000);
-    EXPECT_DOUBLE_EQ(VxTimeTstDel(), 0.5);
-    os::setTestProcessorClock(4'500'000);
     EXPECT_DOUBLE_EQ(VxTimeTstDel(), 2.0);
     EXPECT_DOUBLE_EQ(VxTimeTstEnd(), 2.5);
     VxTimeWallBeg();
     EXPECT_EQ(VxTimeWallDel() + VxTimeWallEnd(), 0.0) << "a start sets both";
-    os::setTestProcessorClock(-1);
-    os::setTestClock(-1);
+    at(-1, -1);
 }
 
-class TimeText : public test::StartedToolkit {};
+using TimeText = StartedToolkit;
 
 TEST_F(TimeText, IsThatOfTheCLibraryInEveryZone)
 {
     for (const char *name : {"UTC", "America/New_York", "Asia/Kolkata", "Pacific/Kiritimati", "XYZ+11"}) {
         TimeZone zone(name);
-        for (int64_t t : {int64_t{0}, int64_t{1}, int64_t{86399}, int64_t{951782400}, int64_t{2147483647},
-                          int64_t{2147483648}, int64_t{4102444800}, lastSecondOf3000}) {
-            auto seconds = static_cast<std::time_t>(t);
-            char expected[64];
-            ctime_r(&seconds, expected);
-            expected[std::strlen(expected) - 1] = '\0';
-            EXPECT_STREQ(VxTimeToAsc(t), expected) << name;
+        for (std::time_t t : {0L, 1L, 86399L, 951782400L, 2147483647L, 2147483648L, 4102444800L,
+                              lastSecondOf3000}) {
+            char text[64];
+            EXPECT_EQ(std::string(VxTimeToAsc(t)) + "\n", ctime_r(&t, text)) << name;
             std::tm local{};
-            localtime_r(&seconds, &local);
-            char name2[64];
-            std::snprintf(name2, sizeof name2, "%d.%d.%d_%d:%d", local.tm_year % 100, local.tm_mon + 1,
+            localtime_r(&t, &local);
+            std::snprintf(text, sizeof text, "%d.%d.%d_%d:%d", local.tm_year % 100, local.tm_mon + 1,
                           local.tm_mday, local.tm_hour, local.tm_min);
-            EXPECT_STREQ(VxTimeToAsc2(t), name2) << name;
+            EXPECT_STREQ(VxTimeToAsc2(t), text) << name;
         }
     }
 }
@@ -88,30 +77,25 @@ TEST_F(TimeText, HasABufferOfItsOwnInEachFunctionAndThread)
 {
     TimeZone zone("UTC");
     os::setTestClock(1794727560'000'000);
-    char *now = VxTimeAsc(), *asc = VxTimeToAsc(0), *name = VxTimeToAsc2(1104635040);
-    std::thread other([] { VxTimeToAsc2(VxTimeToAsc(86400) ? 86400 : 0); });
-    other.join();
-    EXPECT_STREQ(asc, "Thu Jan  1 00:00:00 1970");
-    EXPECT_STREQ(name, "5.1.2_3:4");
-    EXPECT_STREQ(now, "Sun Nov 15 07:26:00 2026");
+    const char *texts[] = {VxTimeAsc(), VxTimeToAsc(0), VxTimeToAsc2(1104635040)};
+    std::thread([] { VxTimeToAsc2(VxTimeToAsc(86400) ? 86400 : 0); }).join();
+    EXPECT_EQ(std::string(texts[0]) + ", " + texts[1] + ", " + texts[2],
+              "Sun Nov 15 07:26:00 2026, Thu Jan  1 00:00:00 1970, 5.1.2_3:4");
 }
 
 TEST_F(TimeText, OfTheUserIsWrittenByTheLocaleElseWithoutOne)
 {
     TimeZone zone("UTC");
-    char text[64] = "?";
-    {
-        test::Environment locale("LC_ALL", "de_DE.UTF-8");
-        EXPECT_EQ(VxTimeToFmt(1794727560, 1, text, sizeof text), 0u);
-        EXPECT_STREQ(text, "15.11.2026");
-        EXPECT_EQ(VxTimeToFmt(1794727560, 3, text, 20), 0u);
-        EXPECT_STREQ(text, "15.11.2026 07:26:00");
-        EXPECT_EQ(VxTimeToFmt(1794727560, 3, text, 19) + VxTimeToFmt(0, 4, text, 20), 2u);
-        EXPECT_STREQ(text, "");
+    const std::tuple<const char *, int32_t, int32_t, const char *> cases[] = { // no text after a failure
+        {"de_DE.UTF-8", 1, 64, "15.11.2026"},  {"de_DE.UTF-8", 3, 20, "15.11.2026 07:26:00"},
+        {"de_DE.UTF-8", 3, 19, ""},            {"de_DE.UTF-8", 4, 20, ""},
+        {"no_SUCH.locale", 3, 64, "Sun Nov 15 07:26:00 2026"}};
+    for (const auto &[name, format, size, expected] : cases) {
+        Environment locale("LC_ALL", name);
+        char text[64] = "?";
+        EXPECT_EQ(VxTimeToFmt(1794727560, format, text, size), !*expected) << name << ", " << format;
+        EXPECT_STREQ(text, expected);
     }
-    test::Environment locale("LC_ALL", "no_SUCH.locale");
-    EXPECT_EQ(VxTimeToFmt(0, 3, text, sizeof text), 0u);
-    EXPECT_STREQ(text, "Thu Jan  1 00:00:00 1970");
 }
 
 }

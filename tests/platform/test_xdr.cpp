@@ -1,36 +1,12 @@
-#include "examples/parameter_table/parameter_table.h"
+#include "tests/platform/table_bytes.h"
 
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
-
-#include "vx/xdr.h"
 
 using namespace example;
 
 namespace {
-
-/** The bytes of a table's file. */
-std::string written(const ParameterTable &table)
-{
-    char *bytes = nullptr;
-    size_t size = 0;
-    std::FILE *file = open_memstream(&bytes, &size);
-    EXPECT_TRUE(writeTable(file, table));
-    std::fclose(file);
-    std::string all(bytes, size);
-    std::free(bytes);
-    return all;
-}
-
-ReadResult read(std::string bytes, ParameterTable &table)
-{
-    std::FILE *file = fmemopen(bytes.data(), bytes.size(), "rb");
-    ReadResult result = readTable(file, table);
-    std::fclose(file);
-    return result;
-}
 
 ParameterTable tableOf(size_t rows)
 {

@@ -23,4 +23,15 @@ template <typename Body> int64_t refusingEachVerb(Body &&body, const char *verb 
     return eachRefusal(fault::Kind::verb, verb, body, [](bool) {});
 }
 
+/** `call` gives 1 exactly when one of its calls of `kind` is refused; `check(refused)` sees what it left. */
+template <typename Call, typename Check = void (*)(bool)>
+void failsWhenRefused(fault::Kind kind, Call &&call, Check &&check = [](bool) {})
+{
+    uint32_t failed = 0;
+    eachRefusal(kind, nullptr, [&] { failed = call(); }, [&](bool refused) {
+        EXPECT_EQ(failed, refused ? 1u : 0u);
+        check(refused);
+    });
+}
+
 }

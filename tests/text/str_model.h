@@ -6,15 +6,16 @@
 
 #include <algorithm>
 #include <iostream>
+#include <numeric>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/code_page.h"
 #include "text/codepage.h"
+#include "vx/str.h"
 
 namespace vx::test {
 
@@ -30,10 +31,7 @@ inline Chars split(const std::string &s)
 
 template <typename Iterator> std::string join(Iterator first, Iterator last)
 {
-    std::string s;
-    for (; first != last; ++first)
-        s += *first;
-    return s;
+    return std::accumulate(first, last, std::string());
 }
 
 inline std::string join(const Chars &chars)
@@ -49,10 +47,8 @@ inline bool isBlank(const std::string &ch)
 /** The number that stands for a character in the interface. */
 inline int32_t value(const std::string &ch)
 {
-    uint32_t result = 0;
-    for (char byte : ch)
-        result = result << 8 | static_cast<uint8_t>(byte);
-    return static_cast<int32_t>(result);
+    auto append = [](uint32_t bytes, char byte) { return bytes << 8 | static_cast<uint8_t>(byte); };
+    return static_cast<int32_t>(std::accumulate(ch.begin(), ch.end(), 0u, append));
 }
 
 /** The longest run of whole characters from the front that has at most `bytes` bytes. */
@@ -88,6 +84,7 @@ public:
 
     char *data() { return bytes_.data(); }
     int32_t size() const { return static_cast<int32_t>(bytes_.size()); }
+    size_t room() const { return bytes_.size() - 1; }
     std::string text() const { return bytes_.data(); }
     bool operator==(const Buffer &) const = default;
 
@@ -105,11 +102,6 @@ template <typename Edit> std::string edited(const std::string &s, Edit edit)
 
 class OnEveryPage : public testing::TestWithParam<int32_t> {
 protected:
-    OnEveryPage() : page_(GetParam())
-    {
-        random_.seed(seed);
-    }
-
     ~OnEveryPage() override
     {
         if (HasFailure())
@@ -120,13 +112,12 @@ protected:
 
     std::string anyPiece()
     {
-        static const std::string_view pieces[] = {
-            " ",        "\t",           "\r",       "\n",   ",",      "|",        "\\",       "\\n",
-            "a",        "A",            "e",        "@",    "1",      "09",       ".",        "\201",
-            "\201@",    "\201|",        "\201\\",   "\260A", "\260a",  "\xA1\xA1", "\xA1@",    "\xC3",
-            "\xC3\xA9", "\xE2\x82",     "\x80",     "\xFF", "\xFE\xFE", "\xE3\x80\x80", "\xE2\x82\xAC",
-            "\xF0\x9F\x98\x80"};
-        return std::string(pieces[any(std::size(pieces))]);
+        static const char *const pieces[] = {
+            " ",     "\t",    "\r",     "\n",   ",",    "|",        "\\",     "\\n",  "a",         "A",
+            "e",     "@",     "1",      "09",   ".",    "\201",     "\201@",  "\201|", "\201\\",   "\260A",
+            "\260a", "\xA1\xA1", "\xA1@", "\xC3", "\xC3\xA9", "\xE2\x82", "\x80", "\xFF", "\xFE\xFE",
+            "\xE3\x80\x80", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+        return pieces[any(std::size(pieces))];
     }
 
     std::string anyText(size_t pieces)
@@ -154,8 +145,8 @@ protected:
 private:
     static constexpr unsigned seed = 20261121;
 
-    CodePageScope page_;
-    std::mt19937 random_;
+    CodePageScope page_{GetParam()};
+    std::mt19937 random_{seed};
 };
 
 }

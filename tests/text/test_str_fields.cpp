@@ -1,9 +1,4 @@
-#include "vx/str.h"
-
-#include <algorithm>
 #include <cstring>
-
-#include <gtest/gtest.h>
 
 #include "tests/text/str_model.h"
 
@@ -30,31 +25,21 @@ struct FieldArray {
     std::string bytes;
 };
 
-struct Expected {
-    std::vector<std::string> fields;
-    bool cut = false;
-};
-
-Expected splitAt(const std::string &s, const Chars &delimiters, size_t width, size_t capacity)
+/** Up to `capacity` fields, whole. */
+Chars splitAt(const std::string &s, const Chars &delimiters, size_t capacity)
 {
-    Expected expected;
-    std::string field;
-    auto complete = [&] {
-        expected.fields.push_back(whole(field, width - 1));
-        expected.cut |= expected.fields.back() != field;
-        field.clear();
-    };
+    Chars fields(1);
     for (const std::string &ch : split(s)) {
-        if (ch == "\r" || expected.fields.size() == capacity)
+        if (ch == "\r" || fields.size() > capacity)
             break;
-        if (std::find(delimiters.begin(), delimiters.end(), ch) != delimiters.end())
-            complete();
+        if (std::ranges::count(delimiters, ch))
+            fields.emplace_back();
         else
-            field += ch;
+            fields.back() += ch;
     }
-    if (!field.empty() && expected.fields.size() < capacity)
-        complete();
-    return expected;
+    if (fields.back().empty() || fields.size() > capacity)
+        fields.pop_back();
+    return fields;
 }
 
 TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
@@ -63,13 +48,16 @@ TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
         const Chars delimiters = {anyChar(s), any(2) ? anyChar(s) : ","};
         const size_t width = 1 + any(6);
         const size_t capacity = 1 + any(6);
-        const Expected expected = splitAt(s, delimiters, width, capacity);
+        const Chars uncut = splitAt(s, delimiters, capacity);
+        Chars expected = uncut;
+        for (std::string &field : expected)
+            field = whole(field, width - 1);
         auto check = [&](auto parse) {
             FieldArray fields(width, capacity);
             int32_t count = static_cast<int32_t>(capacity);
-            ASSERT_EQ(parse(fields.bytes.data(), &count), expected.cut);
-            ASSERT_EQ(fields.first(count), expected.fields);
-            const std::string rest = fields.bytes.substr(expected.fields.size() * width);
+            ASSERT_EQ(parse(fields.bytes.data(), &count), expected != uncut);
+            ASSERT_EQ(fields.first(count), expected);
+            const std::string rest = fields.bytes.substr(expected.size() * width);
             ASSERT_EQ(rest, std::string(rest.size(), '\0'));
         };
         const int32_t w = static_cast<int32_t>(width);
@@ -86,11 +74,7 @@ TEST_P(StrFields, DelimitersEndFieldsOnlyAsWholeCharacters)
 
 TEST(StrFieldsBytes, TheFixedFormsHaveTheWidthsOfTheirNames)
 {
-    const struct {
-        size_t width;
-        uint32_t (*parse)(const char *, char *, int32_t *);
-        bool trims;
-    } forms[] = {
+    const std::tuple<size_t, uint32_t (*)(const char *, char *, int32_t *), bool> forms[] = { // trims or not
         {32, [](const char *s, char *f, int32_t *n) { return VxStrParse(s, ',', f, n); }, false},
         {32, [](const char *s, char *f, int32_t *n) { return VxStrParse2(s, ';', ',', f, n); }, false},
         {32, [](const char *s, char *f, int32_t *n) { return VxStrParse2_Clean(s, ';', ',', f, n); }, true},
@@ -122,18 +106,20 @@ TEST_P(StrFields, WordsAreWhatStandsBetweenWhiteSpace)
             else if (!words.back().empty())
                 words.emplace_back();
         }
-        for (size_t n = 0; n <= words.size() + 1; ++n) {
-            const std::string word = n >= 1 && n <= words.size() ? words[n - 1] : "";
-            ASSERT_EQ(VxStrElem(s.c_str(), static_cast<int32_t>(n)), word);
-            ASSERT_EQ(VxStrElemIs(s.c_str(), word.c_str(), static_cast<int32_t>(n)), !word.empty());
-            ASSERT_EQ(VxStrElemIs(s.c_str(), (word + "x").c_str(), static_cast<int32_t>(n)), 0);
-        }
         Buffer buffer(s);
         char *p = buffer.data();
         const int32_t leading = VxStrSkipBlank(&p);
         const int32_t first = VxStrSkipToBlank(&p);
         ASSERT_EQ(std::string(p - first, static_cast<size_t>(first)), words[0]);
         ASSERT_EQ(p, buffer.data() + leading + first);
+        words.insert(words.begin(), "");
+        words.push_back("");
+        for (int32_t n = 0; n < std::ssize(words); ++n) {
+            const std::string &word = words[static_cast<size_t>(n)];
+            ASSERT_EQ(VxStrElem(s.c_str(), n), word);
+            ASSERT_EQ(VxStrElemIs(s.c_str(), word.c_str(), n), !word.empty());
+            ASSERT_EQ(VxStrElemIs(s.c_str(), (word + "x").c_str(), n), 0);
+        }
     }
 }
 
@@ -166,11 +152,12 @@ TEST_P(StrFields, StepsGoByCharactersAndDelimiters)
             ASSERT_EQ(walk, place + ch.size());
         }
         ASSERT_EQ(VxStrMovePtr(&walk, delimiter), 1u);
-        for (; !places.empty(); places.pop_back()) {
-            ASSERT_EQ(VxStrMovePtrRev(buffer.data(), &walk, delimiter), 0u);
+        while (VxStrMovePtrRev(buffer.data(), &walk, delimiter) == 0) {
+            ASSERT_FALSE(places.empty());
             ASSERT_EQ(walk, places.back());
+            places.pop_back();
         }
-        ASSERT_EQ(VxStrMovePtrRev(buffer.data(), &walk, delimiter), 1u);
+        ASSERT_TRUE(places.empty());
     }
 }
 

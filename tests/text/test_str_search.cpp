@@ -1,10 +1,3 @@
-#include "vx/str.h"
-
-#include <algorithm>
-#include <cstring>
-
-#include <gtest/gtest.h>
-
 #include "tests/text/str_model.h"
 
 using namespace vx::test;
@@ -51,17 +44,16 @@ TEST_P(StrSearch, CharactersAreFoundWhereTheyStandAlone)
         ASSERT_EQ(offsetIn(s, VxStrEndChar(s.c_str())),
                   chars.empty() ? -1 : offsetOf(chars, chars.end() - 1));
 
-        Buffer out("old", 1 + any(10));
-        const size_t room = static_cast<size_t>(out.size()) - 1;
         const bool found = first != chars.end();
-        auto expectPiece = [&](uint32_t result, const std::string &piece) {
-            ASSERT_EQ(result, !found || piece.size() > room);
-            ASSERT_EQ(out.text(), found ? whole(piece, room) : "");
+        auto expectPiece = [&](auto function, const std::string &piece) {
+            Buffer out("old", 1 + any(10));
+            ASSERT_EQ(function(s.c_str(), value(ch), out.data(), out.size()),
+                      !found || piece.size() > out.room());
+            ASSERT_EQ(out.text(), found ? whole(piece, out.room()) : "");
         };
-        expectPiece(VxStrPrefix(s.c_str(), value(ch), out.data(), out.size()), join(chars.begin(), first));
-        expectPiece(VxStrPrefix2(s.c_str(), value(ch), out.data(), out.size()), join(chars.begin(), last));
-        expectPiece(VxStrSuffix(s.c_str(), value(ch), out.data(), out.size()),
-                    found ? join(last + 1, chars.end()) : "");
+        expectPiece(VxStrPrefix, join(chars.begin(), first));
+        expectPiece(VxStrPrefix2, join(chars.begin(), last));
+        expectPiece(VxStrSuffix, found ? join(last + 1, chars.end()) : "");
     }
 }
 
@@ -78,11 +70,10 @@ TEST_P(StrSearch, TextsAreFoundWhereTheirCharactersStand)
         ASSERT_EQ(VxStrIsSub(part.c_str(), s.c_str()), expected >= 0);
         ASSERT_EQ(VxStrIsSub2(s.c_str(), part.c_str(), 0), expected >= 0);
 
-        const bool shorter = sought.size() <= chars.size();
         ASSERT_EQ(VxStrAtStart(s.c_str(), part.c_str()),
-                  shorter && std::equal(sought.begin(), sought.end(), chars.begin()));
-        ASSERT_EQ(VxStrAtEnd(s.c_str(), part.c_str()),
-                  shorter && std::equal(sought.rbegin(), sought.rend(), chars.rbegin()));
+                  std::ranges::mismatch(sought, chars).in1 == sought.end());
+        const auto atEnd = std::mismatch(sought.rbegin(), sought.rend(), chars.rbegin(), chars.rend());
+        ASSERT_EQ(VxStrAtEnd(s.c_str(), part.c_str()), atEnd.first == sought.rend());
         const char *table[] = {nullptr, part.c_str()};
         ASSERT_EQ(VxStrMatch(s.c_str(), 2, table), VxStrAtStart(s.c_str(), part.c_str()));
         ASSERT_EQ(VxStrMatch(s.c_str(), 1, table), 0);
@@ -101,18 +92,14 @@ TEST_P(StrSearch, TheOrderIsThatOfTheCharactersNumbers)
         return result;
     };
     for (int run = 0; run < 4000; ++run) {
-        SCOPED_TRACE(run);
-        const std::string common = anyText(3);
-        const std::string a = common + anyText(3);
-        const std::string b = common + anyText(3);
-        const auto x = numbers(a);
-        const auto y = numbers(b);
-        ASSERT_EQ(sign(VxStrcmp(a.c_str(), b.c_str())), (x > y) - (x < y));
-        ASSERT_EQ(VxStrSame(a.c_str(), b.c_str()), a == b);
+        const std::string common = anyText(3), a = common + anyText(3), b = common + anyText(3);
+        auto x = numbers(a), y = numbers(b);
+        ASSERT_EQ(sign(VxStrcmp(a.c_str(), b.c_str())), (x > y) - (x < y)) << run;
+        ASSERT_EQ(VxStrSame(a.c_str(), b.c_str()), a == b) << run;
         const size_t n = any(8);
-        const std::vector<uint32_t> xn(x.begin(), x.begin() + static_cast<ptrdiff_t>(std::min(n, x.size())));
-        const std::vector<uint32_t> yn(y.begin(), y.begin() + static_cast<ptrdiff_t>(std::min(n, y.size())));
-        ASSERT_EQ(sign(VxStrncmp(a.c_str(), b.c_str(), static_cast<int32_t>(n))), (xn > yn) - (xn < yn));
+        x.resize(std::min(n, x.size()));
+        y.resize(std::min(n, y.size()));
+        ASSERT_EQ(sign(VxStrncmp(a.c_str(), b.c_str(), static_cast<int32_t>(n))), (x > y) - (x < y)) << run;
     }
 }
 
@@ -147,45 +134,29 @@ TEST_P(StrSearch, CaseIsThatOfWholeCharacters)
 
 TEST(StrSearchBytes, LettersBeyondAsciiHaveTheCaseOfTheirCodePage)
 {
-    struct Case {
-        int32_t page;
-        const char *small, *capital;
-    };
-    const Case cases[] = {{1252, "\xE9\xFF", "\xC9\x9F"},
-                          {65001, "\xC3\xA9\xD0\xB6", "\xC3\x89\xD0\x96"},
-                          {932, "\x82\x81", "\x82\x60"}};
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.page);
-        CodePageScope page(c.page);
-        EXPECT_EQ(edited(c.small, [](char *p) { VxStrToupper(p, 0); }), c.capital);
-        EXPECT_EQ(VxStrcasecmp(c.small, c.capital), 0);
-        EXPECT_EQ(VxStrIsSub2(c.small, c.capital, 1), 1);
-        EXPECT_EQ(VxStrSameI(c.capital, c.small), 1);
-        EXPECT_EQ(VxStrSameI(c.small, c.capital), 0) << "one-sided: the first text is the keyword";
+    using Case = std::tuple<int32_t, const char *, const char *>;
+    for (auto [number, small, capital] : {Case{1252, "\xE9\xFF", "\xC9\x9F"},
+                                          Case{65001, "\xC3\xA9\xD0\xB6", "\xC3\x89\xD0\x96"},
+                                          Case{932, "\x82\x81", "\x82\x60"}}) {
+        CodePageScope page(number);
+        EXPECT_EQ(edited(small, [](char *p) { VxStrToupper(p, 0); }), capital) << number;
+        EXPECT_TRUE(VxStrcasecmp(small, capital) == 0 && VxStrIsSub2(small, capital, 1)) << number;
+        EXPECT_TRUE(VxStrSameI(capital, small) && !VxStrSameI(small, capital))
+            << number << ": one-sided, the first text is the keyword";
     }
 }
 
 TEST(StrSearchBytes, NumbersInTextsAreComparedByValue)
 {
-    // Each text comes before the next; texts of one row are equal.
-    const std::vector<std::vector<std::string>> ascending = {
-        {""},
-        {"18446744073709551615", "0018446744073709551615"},
-        {"18446744073709551616"},
-        {"a7", "a007"},
-        {"a7b0", "a07b00"},
-        {"a70"},
-        {"a071b", "a71b"},
-        {"a-"},
-        {"file9"},
-        {"file10"},
-        {"\xE9"}};
-    for (size_t i = 0; i < ascending.size(); ++i)
-        for (size_t j = 0; j < ascending.size(); ++j)
-            for (const std::string &a : ascending[i])
-                for (const std::string &b : ascending[j])
-                    EXPECT_EQ(sign(VxStrCmpAlphaNum(a.c_str(), b.c_str())), (i > j) - (i < j))
-                        << a << ", " << b;
+    // Texts of one place in the order are equal.
+    const std::pair<int, const char *> order[] = {
+        {0, ""},      {1, "18446744073709551615"}, {1, "0018446744073709551615"}, {2, "18446744073709551616"},
+        {3, "a7"},    {3, "a007"},                 {4, "a7b0"},                   {4, "a07b00"},
+        {5, "a70"},   {6, "a071b"},                {6, "a71b"},                   {7, "a-"},
+        {8, "file9"}, {9, "file10"},               {10, "\xE9"}};
+    for (auto [i, a] : order)
+        for (auto [j, b] : order)
+            EXPECT_EQ(sign(VxStrCmpAlphaNum(a, b)), (i > j) - (i < j)) << a << ", " << b;
 }
 
 }
