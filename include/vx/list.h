@@ -334,7 +334,10 @@ VX_API int32_t VxListItrPtr(VxListIter *iter, void **ptr);
 /** VxListItrPtr with a copy. */
 VX_API int32_t VxListItr(VxListIter *iter, void *element);
 
-/** Where a walk would begin: 0 or count - 1; in a keyed list the smallest key or the highest ever stored. */
+/**
+ * Where a walk would begin: 0 or count - 1; in a keyed list the smallest key or
+ * the highest ever stored, 0 when it is empty.
+ */
 VX_API uint32_t VxListItrInit(VxList *list, int32_t direction, VxListIterOld *start);
 
 /** A step to the next node of a linked list or a tree's chain, from none to the first. 1 at the end. */
