@@ -79,7 +79,8 @@ TEST_F(FileNames, TheExtensionStandsBehindTheLastPointOfTheName)
     EXPECT_STREQ(VxFileExt("a.0123456789abcd\x95\x5C"), "0123456789abcd") << "cut behind a character";
     EXPECT_EQ(VxFileValidExt("d\\a.TLPrt") + VxFileValidExt("a.Tl") + VxFileValidExt_Viewer("a.TLD"), 3);
     EXPECT_EQ(VxFileValidExt("a.txt") + VxFileValidExt("a.tlprt\\b") + VxFileValidExt_Viewer("a.tlprt"), 0);
-    EXPECT_EQ(VxZip(0) + std::string(VxZip(1)), "zip.exeunzip.exe");
+    EXPECT_STREQ(VxZip(0), "zip.exe");
+    EXPECT_STREQ(VxZip(1), "unzip.exe"); // in the same buffer
 }
 
 TEST_F(FileNames, ExtensionsAreSetWithinTheSizeAndCut)
