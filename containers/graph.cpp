@@ -127,7 +127,7 @@ uint32_t makeNodes(VxList &nodes, int32_t n)
         Block<NodeList> block = allocate<NodeList>(int64_t{n} + 1);
         if (!block)
             return 1;
-        preferLargePages(block.get(), (static_cast<size_t>(n) + 1) * sizeof(NodeList));
+        heap::preferLargePages(block.get(), (static_cast<size_t>(n) + 1) * sizeof(NodeList));
         nodes.order = reinterpret_cast<VxLnkNode *>(block.release());
     }
     while (nodes.count < n)

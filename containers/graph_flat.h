@@ -19,7 +19,7 @@ public:
     Room() = default;
     explicit Room(int32_t n) : items_(std::make_unique_for_overwrite<T[]>(static_cast<size_t>(n))), size_(n)
     {
-        preferLargePages(items_.get(), static_cast<size_t>(n) * sizeof(T));
+        heap::preferLargePages(items_.get(), static_cast<size_t>(n) * sizeof(T));
     }
 
     static Room zeros(int32_t n)

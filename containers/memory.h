@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "heap/block.h"
-#include "platform/os/os.h"
 #include "vx/err.h"
 
 namespace vx::containers {
@@ -22,14 +21,6 @@ inline bool blockCanHave(int64_t bytes)
         return true;
     VxErrInt(errorAllocate, static_cast<int32_t>(largest));
     return false;
-}
-
-/** On large pages a block of megabytes is filled several times as fast for the first time. */
-inline void preferLargePages(void *block, size_t bytes) noexcept
-{
-    constexpr size_t worthIt = size_t{4} << 20;
-    if (bytes >= worthIt)
-        os::preferLargePages(block, bytes);
 }
 
 /** A block of `count` records, not set; null when it cannot be had. */

@@ -1,10 +1,9 @@
 // A saved list of search paths with any bytes: its entries are canonical and
 // stand there once, and what is saved of it is what the next start reads.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
+#include <random>
 
 #include "fuzz/fuzz.h"
 #include "files/dmpath.h"
@@ -16,8 +15,9 @@ namespace {
 const std::string &savedFile()
 {
     static const std::string file = [] {
-        std::string name = "/dev/shm/vx-fuzz-" + std::to_string(getpid());
-        setenv("VX_FOLDER_14", ("\\dev\\shm\\vx-fuzz-" + std::to_string(getpid())).c_str(), 1);
+        const std::string number = std::to_string(std::random_device{}());
+        std::string name = "/dev/shm/vx-fuzz-" + number;
+        setenv("VX_FOLDER_14", ("\\dev\\shm\\vx-fuzz-" + number).c_str(), 1);
         std::atexit([] { std::remove(savedFile().c_str()); });
         return name;
     }();

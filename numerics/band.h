@@ -7,7 +7,6 @@
 
 #include "numerics/row_kernels.h"
 #include "numerics/storage.h"
-#include "platform/os/os.h"
 
 namespace vx::numerics {
 
@@ -24,7 +23,6 @@ public:
     /** Null rows when the room cannot be had. */
     BandFactor(int32_t n, int32_t width, int64_t bytes = pieceBytes) : row_(numerics::allocate<double *>(n))
     {
-        constexpr int64_t manyBytes = int64_t{4} << 20;
         const int64_t most = std::tuple_size_v<decltype(piece_)>;
         const int64_t fitting = bytes / (width * int64_t{sizeof(double)});
         const auto rows =
@@ -38,8 +36,7 @@ public:
                 return;
             }
             const int64_t size = int64_t{count} * width * int64_t{sizeof(double)};
-            if (size >= manyBytes)
-                os::preferLargePages(next->get(), static_cast<size_t>(size));
+            heap::preferLargePages(next->get(), static_cast<size_t>(size));
             for (int32_t i = 0; i < count; ++i)
                 row_.get()[first + i] = next->get() + int64_t{i} * width;
         }
